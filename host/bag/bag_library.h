@@ -1,0 +1,56 @@
+// What the reference bag library offers beside the functions of
+// aceconv/host/bag.h.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "aceconv/host/bag.h"
+
+namespace aceconv {
+
+// In this host bag_encode_v3 takes, as out_a, the address of a std::vector<uint8_t>
+// to which the encoding is appended; out_b is not used and may be null.
+
+/// Status codes of the reference bag library.
+enum class BagStatus : std::uint32_t {
+    ok = 0,
+    not_registered = 0xBA600001, // no such type, or no registration open
+    bad_description,             // description and layout do not agree
+    truncated,                   // the encoding ends early
+    malformed,                   // not the deterministic form, or not of this shape
+    mismatch,                    // another type, version or layout
+    too_large,                   // a string, array or encoding beyond its limit
+    no_memory,
+};
+
+/// What the last failing bag call of this thread found, with the byte offset in
+/// the encoding where there is one; empty after a success.
+std::string bag_last_error();
+
+/// The length of the first CBOR item of `bytes`, or nothing when it is cut off
+/// or malformed. Items of a CBOR sequence (RFC 8742) follow each other directly.
+std::optional<std::size_t> cbor_item_length(std::span<const std::uint8_t> bytes);
+
+/// One member of a described record, for those who show records.
+struct BagMember {
+    std::string name;   // nested members as "Police.PoliceUnit"
+    std::string type;   // as in the long description, for instance "I" or "17x"
+    std::size_t offset; // bytes from the record's start
+    std::size_t width;  // bytes
+};
+
+/// The members of a registered or registrable descriptor in description order;
+/// a counted array is one member. Throws DataError when the description and the
+/// layout do not agree.
+std::vector<BagMember> bag_members(const bag_descriptor &descriptor);
+
+/// The digest of type name, both descriptions and the layout that encodings carry, in hex.
+std::string bag_fingerprint(const bag_descriptor &descriptor);
+
+} // namespace aceconv
