@@ -14,8 +14,9 @@
 
 namespace aceconv {
 
-// In this host bag_encode_v3 takes, as out_a, the address of a std::vector<uint8_t>
-// to which the encoding is appended; out_b is not used and may be null.
+// In this host the two output arguments of bag_encode_v3, and so of the encoders,
+// are `uint8_t **encoded` and `uint32_t *length`. On success *encoded is a new
+// block from malloc, which the caller frees; on failure neither is written.
 
 /// Status codes of the reference bag library.
 enum class BagStatus : std::uint32_t {
