@@ -1,0 +1,49 @@
+#include "aceconv/plugin.h"
+#include "base/schema.h"
+#include "common/icmp_message.h"
+#include "record/bag_frame.h"
+
+namespace ace::base {
+
+namespace {
+
+/// Containers are written whether or not anything in them is present.
+void decode_rows(ccv_yang_output *output, std::span<const Row> rows, const Record &record) {
+    for (const Row &row : rows) {
+        switch (row.kind) {
+        case Kind::leaf:
+            write_leaf(output, record, row.leaf);
+            break;
+        case Kind::icmp_message:
+            if (has_icmp_message(record)) {
+                ccv_yang_enum_or_uint32(output, row.leaf.name, row.leaf.keywords,
+                                        icmp_message(record));
+            }
+            break;
+        case Kind::container:
+        case Kind::next_hop_container:
+            ccv_yang_container_begin(output, row.leaf.name);
+            decode_rows(output, row.rows(), record);
+            ccv_yang_container_end(output);
+            break;
+        case Kind::ignored:
+            break;
+        }
+    }
+}
+
+} // namespace
+
+} // namespace ace::base
+
+std::uint32_t ccv_custom_decoder_ipv4_acl_ace(ccv_yang_output *output, const std::uint8_t *encoded,
+                                              std::uint32_t encoded_len) noexcept {
+    ace::Record record;
+    const std::uint32_t status = ace::decode_record(encoded, encoded_len, record);
+    if (status != 0) {
+        return status;
+    }
+    ace::base::decode_rows(output, ace::base::entry_rows, record);
+    ace::release_record(record);
+    return 0;
+}

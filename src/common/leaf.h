@@ -1,0 +1,119 @@
+// A leaf of either schema as one row: its name, how it is read and written, and
+// where its value stands in the record.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "aceconv/ace_record.h"
+#include "aceconv/host/yang_access.h"
+
+namespace ace {
+
+using Record = ipv4_acl_config_ace;
+
+/// How an encoder reads a leaf. Keyword readers deliver 32 bits, of which the
+/// field's low-order bits are stored; the others write the field in place.
+enum class Read : std::uint8_t {
+    none,
+    enumeration, // a keyword
+    enum_or_u32, // a keyword or a number
+    bits,        // a set of keywords
+    u8,
+    u16,
+    u32,
+    boolean,
+    ipv4,
+    string,
+    constant, // the leaf's appearance says it all: `constant` is stored
+};
+
+/// How a decoder writes a leaf, its value widened to 32 bits without sign.
+enum class Write : std::uint8_t {
+    none,
+    enumeration,
+    enum_or_u32,
+    bits,
+    u32,
+    boolean,
+    ipv4,
+    string,
+    empty, // written only when the field is non-zero
+};
+
+/// Where a member of the record stands, in bytes.
+struct Field {
+    std::uint16_t offset;
+    std::uint8_t width;
+};
+
+#define ACE_FIELD(member)                                                                          \
+    (::ace::Field{static_cast<std::uint16_t>(offsetof(ipv4_acl_config_ace, member)),               \
+                  static_cast<std::uint8_t>(sizeof(ipv4_acl_config_ace::member))})
+
+/// A presence bit: 0 to 63 of ConfigurationMask, then 64 to 127 for
+/// ConfigurationMask2.
+struct Bit {
+    std::uint8_t index;
+};
+
+constexpr Bit bit(std::uint8_t number) {
+    return Bit{number};
+}
+constexpr Bit bit2(std::uint8_t number) {
+    return Bit{static_cast<std::uint8_t>(64 + number)};
+}
+
+struct Leaf {
+    const char *name;
+    Read read;
+    Write write;
+    const ccv_yang_keyword *keywords;
+    Field field;
+    Bit bit;
+    std::uint8_t constant = 0;
+};
+
+inline bool is_present(const Record &record, Bit bit) {
+    const std::uint64_t mask =
+        bit.index < 64 ? record.ConfigurationMask : record.ConfigurationMask2;
+    return (mask >> (bit.index % 64) & 1) != 0;
+}
+
+inline void set_present(Record &record, Bit bit) {
+    std::uint64_t &mask = bit.index < 64 ? record.ConfigurationMask : record.ConfigurationMask2;
+    mask |= std::uint64_t{1} << (bit.index % 64);
+}
+
+/// The member of type T at `field`.
+template <typename T>
+T &member(Record &record, Field field) {
+    return *reinterpret_cast<T *>(reinterpret_cast<unsigned char *>(&record) + field.offset);
+}
+
+template <typename T>
+const T &member(const Record &record, Field field) {
+    return *reinterpret_cast<const T *>(reinterpret_cast<const unsigned char *>(&record) +
+                                        field.offset);
+}
+
+/// A number of 1, 2 or 4 bytes, widened without sign.
+std::uint32_t load(const Record &record, Field field);
+/// Stores the low-order bits of `value`.
+void store(Record &record, Field field, std::uint32_t value);
+
+/// Reads `node` into the leaf's field. A string replaces and releases an
+/// earlier one, but only once it has been read.
+[[nodiscard]] std::uint32_t read_value(Record &record, ccv_yang_node *node, const Leaf &leaf);
+
+/// Sets the leaf's presence bit and then reads it: a failed read leaves the bit
+/// set in a record that its owner discards.
+[[nodiscard]] std::uint32_t read_leaf(Record &record, ccv_yang_node *node, const Leaf &leaf);
+
+/// Writes the leaf, whatever its presence bit says.
+void write_value(ccv_yang_output *output, const Record &record, const Leaf &leaf);
+
+/// Writes the leaf when its presence bit is set.
+void write_leaf(ccv_yang_output *output, const Record &record, const Leaf &leaf);
+
+} // namespace ace
