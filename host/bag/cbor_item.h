@@ -1,0 +1,41 @@
+// One CBOR item at a time, and the small rules of the deterministic form.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace aceconv {
+
+enum class ItemKind : std::uint8_t {
+    number, // unsigned
+    bytes,
+    text,
+    array,
+    map,
+    tag,
+    other,      // negative numbers, simple values, floats
+    indefinite, // starts and breaks of items of indefinite length
+};
+
+/// An item's head, and the content of a string. Elements of arrays and maps
+/// follow as items of their own.
+struct Item {
+    ItemKind kind;
+    std::uint64_t value;      // the number, or the bytes, elements or pairs that it counts
+    const std::uint8_t *data; // content of a string
+    std::size_t size;         // bytes taken in the encoding
+};
+
+enum class ItemStatus : std::uint8_t { ok, cut_off, malformed };
+
+[[nodiscard]] ItemStatus read_item(std::span<const std::uint8_t> bytes, Item &item) noexcept;
+
+/// Whether a number, string, array or map has the shortest possible head
+/// (RFC 8949, section 4.2.1).
+[[nodiscard]] bool is_shortest(const Item &item) noexcept;
+
+/// Whether `text` is UTF-8 as RFC 3629 has it.
+[[nodiscard]] bool is_utf8(std::span<const std::uint8_t> text) noexcept;
+
+} // namespace aceconv

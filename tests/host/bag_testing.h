@@ -1,0 +1,204 @@
+// Two descriptors and what the bag tests share. The access-list descriptor is
+// stated here once more on purpose: it is a stored format.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "aceconv/ace_record.h"
+#include "host/bag/bag_library.h"
+
+namespace bag_testing {
+
+using Bytes = std::vector<std::uint8_t>;
+
+inline constexpr std::uint64_t ace_offsets[] = {
+    0,   8,   16,  17,  18,  20,  24,  28,  32,  36,  40,  44,  48,  50,  52,  54,  56,
+    58,  60,  64,  68,  69,  70,  71,  72,  76,  80,  81,  82,  83,  84,  85,  86,  88,
+    90,  91,  92,  93,  94,  96,  100, 104, 108, 112, 120, 128, 136, 144, 152, 160, 168,
+    176, 184, 192, 200, 208, 216, 218, 220, 224, 232, 240, 242, 244, 260, 261};
+inline constexpr std::uint64_t udf_offsets[] = {0, 20, 24};
+inline constexpr std::uint64_t police_offsets[] = {0, 4, 8, 12};
+inline constexpr bag_layout ace_layouts[] = {
+    {2, 264, ace_offsets}, {12, 28, udf_offsets}, {13, 16, police_offsets}};
+inline const bag_descriptor ace = {
+    1,
+    "ipv4_acl_config_ace",
+    5,
+    1,
+    "ipv4_acl_bag_desc.dll",
+    ace_layouts,
+    "$14={ConfigurationMask}H{ConfigurationMask2}H{grant}C{proto_oper}C{protocol}I{protocol2}I"
+    "{saddr}N{smask}N{spfx_len}D{daddr}N{dmask}N{dpfx_len}D{sopr}C{sport1}I{sport2}I{dopr}C"
+    "{dport1}I{dport2}I{log}D{capture}b{dscp_op}C{dscp}C{dscp2}C{prec}C{tos_byte}C"
+    "{icmp_type_code}D{tcpflagsopr}C{tcpflags}C{tcpflags_mask}C{frags}C{igmp_type}C{plenopr}C"
+    "{plen1}I{plen2}I{ttloper}C{ttl1}C{ttl2}C{icmp_off}C{qos_group}I{nexthop}C{nexthop1}N"
+    "{nexthop2}N{nexthop3}N{vrf1}s{vrf2}s{vrf3}s{track1}s{track2}s{track3}s{net_src_obj}s"
+    "{net_dst_obj}s{port_src_obj}s{port_dst_obj}s{counter_name}s{remark}s{SequenceStr}s"
+    "{frag_offset_oper}C{frag_offset1}I{frag_offset2}I{UDF}a($12){SetTTL}I{FragmentFlags}C"
+    "{Police}$13{Priority}C{icmp_on}C;$12={UDFName}17x{UDFValue}D{UDFMask}D;$13={PoliceValue}D"
+    "{PoliceUnit}[bag_acl_rate_unit]e{PolicePeakValue}D{PolicePeakUnit}[bag_acl_rate_unit]e;",
+    "$14=HHCCIINNDNNDCIICIIDbCCCCCDCCCCCCIICCCCICNNNsssssssssssssCIIa($12)IC$13.CC;$12=17xDD;"
+    "$13=DeDe;"};
+
+/// Every kind of member, an array of elements that own strings, a sub-record
+/// that owns one.
+struct Small {
+    std::uint8_t n8{};
+    std::uint16_t n16{};
+    std::uint32_t n32{};
+    std::uint64_t n64{};
+    std::uint32_t flag{};
+    char *text{};
+    char fixed[5]{};
+    struct List {
+        std::uint32_t count;
+        struct Element {
+            std::uint8_t a;
+            char *name;
+        } * elements;
+    } list{};
+    struct Inner {
+        std::uint32_t x;
+        char *y;
+    } inner{};
+    std::uint8_t last{};
+};
+inline constexpr std::uint64_t small_offsets[] = {0, 2, 4, 8, 16, 24, 32, 40, 48, 56, 72};
+inline constexpr std::uint64_t pair_offsets[] = {0, 8};
+inline constexpr bag_layout small_layouts[] = {
+    {2, sizeof(Small), small_offsets}, {3, 16, pair_offsets}, {2, 16, pair_offsets}};
+inline const bag_descriptor small = {
+    1,
+    "small",
+    5,
+    1,
+    "test",
+    small_layouts,
+    "$1={n8}C{n16}I{n32}D{n64}H{flag}b{text}s{fixed}5x{list}a($2){inner}$3{last}C;"
+    "$2={a}C{name}s;$3={x}D{y}s;",
+    "$1=CIDHbs5xa($2)$3.C;$2=Cs;$3=Ds;"};
+
+inline std::uint32_t code(aceconv::BagStatus status) {
+    return static_cast<std::uint32_t>(status);
+}
+
+inline bag_definition *definition_of(const bag_descriptor &descriptor) {
+    bag_definition *definition = nullptr;
+    if (bag_definition_init(&descriptor, &definition) != 0) {
+        EXPECT_EQ(bag_register_start(), 0U);
+        EXPECT_EQ(bag_register(&descriptor), 0U) << aceconv::bag_last_error();
+        EXPECT_EQ(bag_register_end(), 0U);
+        EXPECT_EQ(bag_definition_init(&descriptor, &definition), 0U);
+    }
+    return definition;
+}
+
+/// The encoding; empty, with the status in `status`, when it is refused.
+inline Bytes encode(const bag_descriptor &descriptor, const void *record,
+                    std::uint32_t *status = nullptr) {
+    std::uint8_t *encoded = nullptr;
+    std::uint32_t length = 0;
+    const std::uint32_t result =
+        bag_encode_v3(&encoded, &length, record, definition_of(descriptor), 1);
+    EXPECT_EQ(result == 0, encoded != nullptr);
+    EXPECT_TRUE(status != nullptr || result == 0) << aceconv::bag_last_error();
+    if (status != nullptr)
+        *status = result;
+    const Bytes bytes(encoded, encoded + length);
+    std::free(encoded);
+    return bytes;
+}
+
+inline std::uint32_t decode(const bag_descriptor &descriptor, const Bytes &bytes, void *record) {
+    // A block of exactly this size, so that reads beyond it are seen.
+    auto *const block = static_cast<std::uint8_t *>(std::malloc(bytes.size() + 1));
+    auto *const start = block + 1;
+    std::copy(bytes.begin(), bytes.end(), start);
+    const auto length = static_cast<std::uint32_t>(bytes.size());
+    const std::uint32_t status = bag_decode_v3(start, length, record, definition_of(descriptor), 0);
+    std::free(block);
+    return status;
+}
+
+/// Decodes into a record of rubbish. What is accepted has to encode to the same
+/// bytes, what is refused has to leave zeros and a reason.
+template <typename Record>
+std::uint32_t probe(const bag_descriptor &descriptor, const Bytes &bytes) {
+    Record record;
+    std::memset(static_cast<void *>(&record), 0xA5, sizeof record);
+    const std::uint32_t status = decode(descriptor, bytes, &record);
+    EXPECT_EQ(aceconv::bag_last_error().empty(), status == 0);
+    if (status == 0) {
+        EXPECT_EQ(encode(descriptor, &record), bytes);
+        bag_free_indirections(&record, &descriptor);
+    } else {
+        const Record zero{};
+        EXPECT_EQ(std::memcmp(&record, &zero, sizeof record), 0);
+    }
+    return status;
+}
+
+inline Bytes from_hex(std::string_view text) {
+    Bytes bytes;
+    for (std::size_t i = 0; i < text.size(); i += text[i] == ' ' ? 1 : 2)
+        if (text[i] != ' ')
+            bytes.push_back(
+                static_cast<std::uint8_t>(std::stoul(std::string(text.substr(i, 2)), nullptr, 16)));
+    return bytes;
+}
+
+/// What encodings of `descriptor` start with, stated independently; `map` follows.
+inline Bytes with_head(const bag_descriptor &descriptor, const Bytes &map) {
+    const std::string name = descriptor.type_name;
+    Bytes bytes{0x83, static_cast<std::uint8_t>(0x60 + name.size())};
+    std::copy(name.begin(), name.end(), std::back_inserter(bytes));
+    const Bytes digest = from_hex("48" + aceconv::bag_fingerprint(descriptor));
+    std::copy(digest.begin(), digest.end(), std::back_inserter(bytes));
+    std::copy(map.begin(), map.end(), std::back_inserter(bytes));
+    return bytes;
+}
+
+/// A record that owns random blocks; about half of its members are set.
+inline ipv4_acl_config_ace random_ace(std::mt19937 &random) {
+    static const char *const texts[] = {"", "permit-all", "caf\xC3\xA9", "\xFF\xFE raw",
+                                        "a name of more than twenty-three bytes"};
+    static const auto members = aceconv::bag_members(ace);
+    const auto below = [&](std::uint32_t bound) {
+        return std::uniform_int_distribution<std::uint32_t>(0, bound - 1)(random);
+    };
+    ipv4_acl_config_ace record{};
+    for (const aceconv::BagMember &member : members) {
+        auto *const field = reinterpret_cast<std::uint8_t *>(&record) + member.offset;
+        if (below(2) == 0)
+            continue;
+        if (member.type == "s") {
+            char *const text = strdup(texts[below(5)]);
+            std::memcpy(field, &text, sizeof text);
+        } else if (member.type == "a($12)") {
+            record.UDF.count = 1 + below(8);
+            record.UDF.elements = static_cast<ace_udf_element *>(
+                std::calloc(record.UDF.count, sizeof(ace_udf_element)));
+            for (std::uint32_t i = 0; i < record.UDF.count; ++i) {
+                std::memset(record.UDF.elements[i].UDFName, 'u', below(17));
+                record.UDF.elements[i].UDFValue = below(3);
+                record.UDF.elements[i].UDFMask = below(UINT32_MAX);
+            }
+        } else {
+            const std::size_t bytes = 1 + below(static_cast<std::uint32_t>(member.width));
+            for (std::size_t i = 0; i < bytes; ++i)
+                field[i] = static_cast<std::uint8_t>(below(256));
+        }
+    }
+    return record;
+}
+
+} // namespace bag_testing
