@@ -84,6 +84,11 @@ class EntryWriter {
 std::unique_ptr<EntryReader> make_validating_reader(Modules &modules, Schema schema, Format format);
 std::unique_ptr<EntryWriter> make_validating_writer(Modules &modules, Schema schema, Format format);
 
+/// The bulk backend for JSON, on simdjson: accepts and refuses what the validating
+/// backend does, with the same messages, and reads and writes the same values.
+std::unique_ptr<EntryReader> make_bulk_reader(Modules &modules, Schema schema);
+std::unique_ptr<EntryWriter> make_bulk_writer(Modules &modules, Schema schema);
+
 /// "aceconv-base" or "aceconv-um", and the module's namespace.
 std::string_view module_name(Schema schema);
 std::string_view module_namespace(Schema schema);

@@ -1,0 +1,128 @@
+#include "host/yang/leaf_value.h"
+
+#include <libyang/libyang.h>
+#include <libyang/plugins_types.h>
+
+#include <algorithm>
+#include <limits>
+
+#include "host/yang/yang_text.h"
+
+namespace aceconv {
+
+namespace {
+
+bool is_name(const SchemaNode &leaf, std::string_view text) {
+    return std::any_of(leaf.names.begin(), leaf.names.end(),
+                       [&](const SchemaNode::Name &name) { return text == name.text; });
+}
+
+/// Names of bits by ascending position, separated by single blanks.
+bool is_canonical_set(const SchemaNode &leaf, std::string_view text) {
+    auto next = leaf.names.begin();
+    while (!text.empty()) {
+        const std::string_view word = text.substr(0, text.find(' '));
+        next = std::find_if(next, leaf.names.end(),
+                            [&](const SchemaNode::Name &name) { return word == name.text; });
+        if (next == leaf.names.end()) {
+            return false;
+        }
+        ++next;
+        if (word.size() == text.size()) {
+            return true;
+        }
+        text.remove_prefix(word.size() + 1);
+        if (text.empty()) { // a trailing blank
+            return false;
+        }
+    }
+    return true;
+}
+
+/// A number 0 to 255 without leading zeros.
+bool is_octet(std::string_view text) {
+    if (text.empty() || text.size() > 3 || (text.size() > 1 && text[0] == '0')) {
+        return false;
+    }
+    unsigned number = 0;
+    for (const char digit : text) {
+        if (digit < '0' || digit > '9') {
+            return false;
+        }
+        number = number * 10 + static_cast<unsigned>(digit - '0');
+    }
+    return number <= 255;
+}
+
+bool is_dotted_quad(std::string_view text) {
+    for (int dots = 0; dots < 3; ++dots) {
+        const std::size_t dot = text.find('.');
+        if (dot == std::string_view::npos || !is_octet(text.substr(0, dot))) {
+            return false;
+        }
+        text.remove_prefix(dot + 1);
+    }
+    return is_octet(text);
+}
+
+bool matches_pattern(const SchemaNode &leaf, std::string_view text) {
+    const lysc_type *type = reinterpret_cast<const lysc_node_leaf *>(leaf.compiled)->type;
+    ly_err_item *error = nullptr;
+    const LY_ERR result = lyplg_type_validate_patterns(
+        reinterpret_cast<const lysc_type_str *>(type)->patterns, text.data(), text.size(), &error);
+    ly_err_free(error);
+    return result == LY_SUCCESS;
+}
+
+/// Characters, not bytes, of valid UTF-8.
+std::size_t length(std::string_view text) {
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
+        return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
+    }));
+}
+
+} // namespace
+
+bool takes_text(const SchemaNode &leaf, std::string_view text) {
+    if (text_fault(text) != nullptr) {
+        return false;
+    }
+    const bool any_length =
+        leaf.smallest == 0 && leaf.largest == std::numeric_limits<std::uint64_t>::max();
+    if (!any_length) {
+        const std::size_t characters = length(text);
+        if (characters < leaf.smallest || characters > leaf.largest) {
+            return false;
+        }
+    }
+    return leaf.pattern.empty() || matches_pattern(leaf, text);
+}
+
+bool text_value(const SchemaNode &leaf, std::string_view text, Value &value) {
+    value.text = text;
+    switch (leaf.type) {
+    case LeafType::string:
+        value.kind = ValueKind::text;
+        return takes_text(leaf, text);
+    case LeafType::enumeration:
+    case LeafType::name_or_number:
+        value.kind = ValueKind::name;
+        return is_name(leaf, text);
+    case LeafType::bits:
+        value.kind = ValueKind::bits;
+        return is_canonical_set(leaf, text);
+    case LeafType::ipv4:
+        value.kind = ValueKind::ipv4;
+        return is_dotted_quad(text);
+    default:
+        return false;
+    }
+}
+
+bool number_value(const SchemaNode &leaf, std::uint64_t number, Value &value) {
+    value = {.kind = ValueKind::number, .number = number};
+    return (leaf.type == LeafType::number || leaf.type == LeafType::name_or_number) &&
+           number >= leaf.smallest && number <= leaf.largest;
+}
+
+} // namespace aceconv

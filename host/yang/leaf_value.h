@@ -1,0 +1,22 @@
+// Values of leaves, checked against the module's compiled form without libyang.
+//
+// Each function answers true only for what libyang takes as well, in its
+// canonical form; false means "not sure".
+#pragma once
+
+#include <string_view>
+
+#include "host/yang/backend.h"
+
+namespace aceconv {
+
+/// A JSON string as the leaf's value.
+bool text_value(const SchemaNode &leaf, std::string_view text, Value &value);
+
+/// A JSON number as the leaf's value.
+bool number_value(const SchemaNode &leaf, std::uint64_t number, Value &value);
+
+/// Whether a string leaf takes the text: its characters, length and pattern.
+bool takes_text(const SchemaNode &leaf, std::string_view text);
+
+} // namespace aceconv

@@ -1,0 +1,62 @@
+// The compiled form of one module's entry: names, types and order of its nodes,
+// as both backends need them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct lysc_node; // libyang's
+
+namespace aceconv {
+
+enum class NodeKind : std::uint8_t { container, list, leaf };
+
+enum class LeafType : std::uint8_t {
+    none, // not a leaf
+    string,
+    enumeration,
+    number,
+    name_or_number,
+    bits,
+    boolean,
+    empty,
+    ipv4,
+};
+
+struct SchemaNode {
+    struct Name {
+        std::uint32_t value; // of an enumeration's name; position of a bit
+        const char *text;
+    };
+
+    const char *name = "";
+    NodeKind kind = NodeKind::container;
+    LeafType type = LeafType::none;
+    std::uint8_t place = 0;     // among its siblings, from 0; below max_siblings
+    std::uint64_t smallest = 0; // of number and name_or_number,
+    std::uint64_t largest = 0;  // and of a string's length in characters
+    std::string pattern;        // of a string; empty when there is none
+    std::vector<Name> names;    // of enumeration, name_or_number and bits
+    const SchemaNode *parent = nullptr;
+    const lysc_node *compiled = nullptr;
+    std::vector<SchemaNode> children; // in the module's order; a list's key is the first
+
+    /// The child of that name; `hint` is where the search starts, best the place
+    /// behind the child found before.
+    [[nodiscard]] const SchemaNode *find(std::string_view wanted, std::size_t hint = 0) const;
+};
+
+/// Siblings fit a 64-bit set.
+constexpr std::size_t max_siblings = 64;
+
+/// Compiles `node` and what is below it, and points libyang's private pointers
+/// at the result, which must stay where it is. Throws std::logic_error for a
+/// construct that the host does not know.
+void compile_schema(const lysc_node *node, SchemaNode &result);
+
+/// What the leaf takes, for messages: "one of: deny, permit", "a number 0 to 255".
+std::string expected(const SchemaNode &leaf);
+
+} // namespace aceconv
