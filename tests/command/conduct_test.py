@@ -1,0 +1,290 @@
+"""How the command behaves: exit codes, messages, and what it leaves behind."""
+import json
+import os
+import pty
+import signal
+import subprocess
+import time
+import unittest
+
+from harness import ACECONV, Case, document, numbered
+
+GOOD = {"grant": "deny", "remark": "r"}
+DOC = document("base", ("X", numbered(GOOD)))
+BASE = '{"aceconv-base:acls":{"acl":['
+ENTRY = '{"sequence-number":10,"grant":"deny"}'
+XMLNS = 'xmlns="urn:aceconv:base"'
+
+# input, and what must be said behind "aceconv: <stdin>:"
+BAD_INPUT = [
+    ("[1]", r"1: expected JSON, XML or encodings, found '\['"),
+    ('{"other:acls":{}}', r'1: unknown member "other:acls"; expected "aceconv-base:acls" or'),
+    ('{"aceconv-base:acls":{"acl":[],"x":1}}', r"1: expected '}', the end of \"acls\", found ','"),
+    ('{"aceconv-base:acls":{"list":[]}}', r'1: /aceconv-base:acls: unknown member "list"'),
+    (BASE + '{"name":"X","name":"X"}]}}', r"1: acl 'X': .*\[name='X'\]: \"name\" is given twice"),
+    (BASE + '{"name":"X","entry":[],"entry":[]}]}}', r"1: acl 'X': .*: \"entry\" is given twice"),
+    (BASE + '{"name":"X"},\n{"name":"X"}]}}',
+     r"2: /aceconv-base:acls/acl\[2\]: a second access list of the name 'X'"),
+    (BASE + '{"entry":[]}]}}', r'1: .*acl\[1\]: an access list without "name"'),
+    (BASE + '{"name":""}]}}', r"1: .*acl\[1\]: the name of an access list is empty"),
+    (BASE + '{"name":"a\\u0000b"}]}}', r"1: .*the name of an access list, 'a\\x00b'"),
+    (BASE + '{"name":"X","more":1}]}}', r'1: acl \'X\': .*: unknown member "more"; expected "name"'),
+    (BASE + '{"name":"X","entry":[\n%s,\n%s]}]}}' % (ENTRY, ENTRY),
+     r"3: acl 'X' entry 10: a second entry of this sequence number"),
+    (BASE + '{"name":"X","entry":[{"grant":"deny"}]}]}}', r"1: acl 'X': .*sequence-number"),
+    (BASE + '{"name":"X","entry":[\n\n{"sequence-number":1', r"3: acl 'X': /aceconv-base:.*: the input ends inside"),
+    (BASE + '{"name":"X","entry":[%s]}]}}{' % ENTRY, r"1: expected nothing behind the document, found '{'"),
+    (document("base", ("X", numbered({"grant": "drop"}))),
+     r"1: acl 'X' entry 10: /aceconv-base:acls/acl\[name='X'\]/entry\[sequence-number='10'\]/grant: "),
+    (document("um", ("X", numbered({"permit": {"icmp-off": {}}}))),
+     r"1: acl 'X' entry 10: /aceconv-um:acls/.*icmp-off"),
+    ('{"grant":"deny","protocol":65536}', r"1: /aceconv-base:.*protocol: "),
+    ('{"grant":"deny","grant":"deny"}', r"1: .*grant"),
+    ('{"grant":"deny","remark":"\x01"}', r"1: .*"),
+    ('{"acl":"X","entry":{},"acl":"Y"}', r'1: acl \'X\': "acl" is given twice'),
+    ('{"acl":"X","entry":{},"x":1}', r'1: acl \'X\': unknown member "x"'),
+    ('{"acl":"X"}', r"1: acl 'X': \"acl\" without \"entry\""),
+    ('{"deny":{"tcp-flags":{"match-all":{"tcp-bits":"+syn,+ack"}}}}', r"1: /aceconv-um:.*tcp-bits: "),
+    ("<entry/>", r'1: <entry> in an unknown namespace; expected "urn:aceconv:base"'),
+    (f"<acls {XMLNS}><acl><name>X</name><x/></acl></acls>",
+     r"1: acl 'X': .*\[name='X'\]: unknown element 'x'"),
+    (f"<acls {XMLNS}><acl><entry><sequence-number>1</sequence-number></entry></acl></acls>",
+     r'1: /aceconv-base:acls/acl\[1\]: an access list without "name"'),
+    (f"<acls {XMLNS}>\n<acl></acls>", r"2: .*not well-formed XML"),
+    (f"<acls {XMLNS} a='1'/>", r"1: unknown attribute 'a'"),
+    (f"<acls {XMLNS}>text</acls>", r"1: .*unexpected text"),
+    ('<!DOCTYPE a [<!ENTITY e SYSTEM "file:///etc/passwd">]><acls/>', r"1: not allowed here:"),
+    (f"<entry {XMLNS}><remark>&e;</remark></entry>", r"1: .*"),
+    (f"<acls {XMLNS}><acl xmlns='urn:aceconv:um'/></acls>", r"1: <acl> is of the um schema"),
+    (f"<entry {XMLNS}><remark>{'x' * (1 << 21)}</remark></entry>", r"1: .*longer than 1048576"),
+    ('{"remark":"%s"}' % ("x" * (1 << 21)), r"1: an entry longer than"),
+]
+ENCODINGS = [  # what to make of a good encoding, and what must be said
+    (lambda e: e[:-1], r": the encoding at byte 0 is cut off or malformed"),
+    (lambda e: e + e[:9], r": the encoding at byte %d is cut off"),
+    (lambda e: b"\x82\x61X\x0a", r"#1: acl 'X' entry 10: a label without an encoding"),
+    (lambda e: b"\x82\x61X\x18\x0a" + e, r"#1: not a label"),
+    (lambda e: b"\x82\x61X\x00" + e, r"#1: not a label"),
+    (lambda e: b"\x82\x61\xff\x0a" + e, r"#1: not a label"),  # no UTF-8
+    (lambda e: b"\x83\x01\x02\x03", r"#1: "),
+    (lambda e: e[:-1] + bytes([e[-1] ^ 0x80]), r"#1: "),
+]
+
+
+class Messages(Case):
+    def test_bad_input(self):
+        for text, said in BAD_INPUT:
+            with self.subTest(text[:80]):
+                schema = ("--schema", "base") if text.startswith('{"acl"') else ()
+                code, _, err = self.run_command("encode", *schema, stdin=text)
+                self.assertEqual(code, 1, err)
+                self.assertRegex(err, r"\Aaceconv: <stdin>:" + said)
+                self.assertEqual(err.count("\n"), 1, err)
+
+    def test_bad_encodings(self):
+        good = self.ok("encode", stdin='{"grant":"deny"}')
+        for change, said in ENCODINGS:
+            with self.subTest(said):
+                data = change(good)
+                self.assertTrue(self.run_command("decode", stdin=data)[2].startswith("aceconv: <st"))
+                code, _, err = self.run_command("inspect", "-q", "--json", stdin=data)
+                self.assertEqual(code, 1)
+                self.assertRegex(err, "aceconv: <stdin>:.*" +
+                                 (said % len(good) if "%d" in said else said))
+
+    def test_usage_and_io(self):
+        doc, missing = self.file("doc", DOC), str(self.dir / "missing")
+        remark = self.file("remark", '{"remark":"r"}')
+        for code, args, said in [
+                (2, (), "a verb is expected"), (2, ("encrypt",), "encrypt"),
+                (2, ("encode", "--schema", "x", doc), "--schema"),
+                (2, ("encode", "--no-such-option"), "--no-such-option"),
+                (2, ("encode", remark), "--schema base or --schema um"),
+                (2, ("encode", "--trace=[", doc), "--trace"),
+                (2, ("convert", "--from", "um", "--to", "um", doc), "the same schema"),
+                (2, ("convert", doc), "--from"), (2, ("diff", doc), "B"),
+                (2, ("diff", "-", "-"), "standard input"),
+                (2, ("encode", "--stored", doc, self.file("um", document("um", ("X", numbered({})))),
+                     "-o", missing), None),
+                (3, ("encode", missing), missing + ": cannot read: No such file"),
+                (3, ("encode", str(self.dir)), "cannot read"),
+                (3, ("encode", doc, "-o", missing + "/x"), "cannot write: No such file"),
+                (3, ("encode", doc, "-o", "/dev/full"), "/dev/full: cannot write: No space left"),
+                (3, ("encode", doc, "--plugin", missing), missing),
+                (3, ("encode", doc, "--plugin", doc), doc),
+                (3, ("encode", doc, "--modules", missing), "cannot load the YANG modules"),
+                (3, ("--version", "--plugin", missing), missing),
+                (1, ("decode", doc), "expected encodings"),
+                (1, ("encode", "--schema", "um", doc), "of the base schema; expected the um")]:
+            with self.subTest(args):
+                got, out, err = self.run_command(*args)
+                if said is None:  # the stored file is looked at first, and is no encoding
+                    self.assertEqual(got, 1, err)
+                    continue
+                self.assertEqual((got, out), (code, b""), err)
+                self.assertIn(said, err)
+                self.assertTrue(err.startswith("aceconv: "), err)
+        stored = self.file("stored", self.ok("encode", doc))
+        self.assertEqual(self.run_command("encode", "--stored", stored, self.dir / "um")[0], 2)
+        with open("/dev/full", "wb") as full:
+            done = subprocess.run([ACECONV, "inspect", doc], stdout=full, stderr=subprocess.PIPE,
+                                  check=False)
+        self.assertEqual(done.returncode, 3)
+        self.assertIn(b"<stdout>: cannot write: No space left on device", done.stderr)
+
+    def test_help_and_version(self):
+        for args in (("--help",), ("encode", "--help"), ("convert", "-h")):
+            self.assertIn(b"aceconv", self.ok(*args))
+        version = self.ok("--version").decode()
+        self.assertRegex(version, r"(?m)^aceconv \d+\.\d+\.\d+\nplug-in /.*/libipv4_acl_ace\.so$")
+        self.assertRegex(version, r"(?m)^record  ipv4_acl_config_ace [0-9a-f]+$")
+
+    def test_data_cannot_drive_the_terminal(self):
+        for text, shown in ((document("base", ("\x1b[31mX", [])), "'\\x1b[31mX'"),
+                            (document("base", ("X\n", numbered({"grant": "\x9b2J"}))), "'X\\x0a'")):
+            _, _, err = self.run_command("encode", stdin=text)
+            self.assertEqual([c for c in err[:-1] if not c.isprintable()], [])
+            self.assertIn(shown, err)
+
+
+class KeepGoing(Case):
+    LINES = ('{"grant":"deny"}\n{"grant":\n{"grant":"drop"}\n'
+             '{"acl":"X","entry":{"sequence-number":5}}\n'
+             '{"acl":"X","entry":{"sequence-number":5}}\n{"grant":"permit"}\n')
+
+    def test_every_bad_entry_is_reported_and_the_rest_converted(self):
+        target = self.dir / "out"
+        code, _, err = self.run_command("encode", "--keep-going", "-o", target, stdin=self.LINES)
+        self.assertEqual(code, 1)
+        lines = err.splitlines()
+        self.assertEqual([line.split(":")[2] for line in lines[:-1]], ["2", "3", "5"])
+        self.assertEqual(lines[-1], "aceconv: 3 of 6 entries were bad")
+        self.assertEqual(len(self.records(target)), 3)
+        self.assertNotIn("were bad", self.run_command(
+            "encode", "--keep-going", "-q", stdin=self.LINES)[2])
+
+    def test_in_every_verb(self):
+        source = document("base", ("X", numbered(GOOD, {"grant": "drop"}, GOOD)))
+        path, good = self.file("bad", source), self.file("good", document("base", (
+            "X", [{"sequence-number": n, **GOOD} for n in (10, 30)])))
+        for args in (("inspect", "--json", path), ("check", path), ("diff", path, good),
+                     ("convert", "--from", "base", "--to", "um", path)):
+            code, out, err = self.run_command(*args, "--keep-going")
+            self.assertEqual((code, len([l for l in err.splitlines() if "entry 20" in l])), (1, 1))
+            self.assertNotIn(b"only in", out)
+        # A fault of the frame ends the input, but not what came before it.
+        cut = self.ok("encode", good)[:-1]
+        code, out, _ = self.run_command("decode", "--keep-going", stdin=cut)
+        self.assertEqual(code, 1)
+        self.assertEqual(len(json.loads(out)["aceconv-base:acls"]["acl"][0]["entry"]), 1)
+
+    def test_stops_at_the_first_without(self):
+        code, out, err = self.run_command("encode", stdin=self.LINES)
+        self.assertEqual((code, err.count("\n")), (1, 1))
+        self.assertEqual(len(self.records(stdin=out)), 1)  # what is out already is whole
+        source = document("base", ("X", numbered(GOOD, {"grant": "drop"})))
+        code, out, _ = self.run_command("convert", "--from", "base", "--to", "um", stdin=source)
+        self.assertEqual((code, len(json.loads(out)["aceconv-um:acls"]["acl"][0]["entry"])), (1, 1))
+
+    def test_what_a_document_has_no_place_for(self):
+        named, bare = '{"acl":"%s","entry":{"sequence-number":%d}}\n', '{"sequence-number":1}\n'
+        unnumbered = '{"acl":"X","entry":{}}\n'
+        for text, form, said in [
+                (named % ("X", 1) + named % ("Y", 1) + named % ("X", 2), "json", "together"),
+                (named % ("X", 1) + bare, "json", "with and without"),
+                (bare + named % ("X", 1), "xml", "with and without"),
+                (bare * 2, "xml", "second entry"), (unnumbered, "json", "without a sequence number")]:
+            encoded = self.ok("encode", "--schema", "base", stdin=text)
+            code, _, err = self.run_command("decode", "--to", form, stdin=encoded)
+            self.assertEqual(code, 1)
+            self.assertRegex(err, f"{said}.*; write ndjson instead")
+            lines = self.ok("decode", "--to", "ndjson", stdin=encoded)
+            self.assertEqual(self.ok("encode", "--schema", "base", stdin=lines), encoded)
+
+
+class Output(Case):
+    def left(self):
+        return sorted(os.listdir(self.dir))
+
+    def test_nothing_half_written_is_left(self):
+        bad = self.file("bad", document("base", ("X", numbered(*[GOOD] * 3000, {"grant": "x"}))))
+        old = self.file("old", "old content")
+        for target in (old, str(self.dir / "new")):
+            for args in (("encode", bad), ("inspect", bad),
+                         ("convert", "--from", "base", "--to", "um", "--report", target, bad)):
+                self.assertEqual(self.run_command(*args, "-o", target)[0], 1)
+        self.assertEqual(self.left(), ["bad", "old"])
+        with open(old, encoding="utf-8") as file:
+            self.assertEqual(file.read(), "old content")
+
+    def test_replaces_in_place_and_keeps_links_and_modes(self):
+        doc = self.file("doc", DOC)
+        os.chmod(doc, 0o640)
+        os.symlink("doc", self.dir / "link")
+        self.ok("convert", "--from", "base", "--to", "um", doc, "-o", self.dir / "link")
+        self.assertTrue(os.path.islink(self.dir / "link"))
+        self.assertEqual(os.stat(doc).st_mode & 0o777, 0o640)
+        self.assertEqual(len(self.records(doc)), 1)
+        self.assertEqual(self.left(), ["doc", "link"])
+
+    def test_told_to_stop(self):
+        for sign in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
+            with subprocess.Popen([ACECONV, "encode", "-", "-o", str(self.dir / "out")],
+                                  stdin=subprocess.PIPE) as process:
+                process.stdin.write(b'{"grant":"deny"}\n{"grant":"deny"}\n')
+                process.stdin.flush()
+                for _ in range(200):
+                    if self.left():
+                        break
+                    time.sleep(0.05)
+                self.assertTrue(self.left()[0].startswith(".out."))
+                process.send_signal(sign)
+                self.assertEqual(process.wait(20), -sign)
+            self.assertEqual(self.left(), [])
+
+    def test_a_closed_pipe_ends_it_quietly(self):
+        doc = self.file("doc", document("base", ("X", numbered(*[GOOD] * 4000))))
+        for args in (("inspect", doc), ("convert", "--from", "base", "--to", "um", doc)):
+            with subprocess.Popen([ACECONV, *args], stdout=subprocess.PIPE,
+                                  stderr=subprocess.PIPE) as process:
+                process.stdout.read(10)
+                process.stdout.close()
+                self.assertEqual((process.stderr.read(), process.wait(60)), (b"", 0))
+
+
+class Terminal(Case):
+    def on_terminal(self, *args, env=None):
+        main, side = pty.openpty()
+        try:
+            with subprocess.Popen([ACECONV, *args], stdin=subprocess.DEVNULL, stdout=side,
+                                  stderr=side, env={**os.environ, "TERM": "xterm", **(env or {})}
+                                  ) as process:
+                code = process.wait(60)
+            return code, os.read(main, 65536).decode()
+        finally:
+            os.close(main)
+            os.close(side)
+
+    def test_colour_only_on_a_terminal_and_not_under_no_color(self):
+        doc = self.file("doc", DOC)
+        for args, code in (("inspect", doc), 0), (("encode", str(self.dir / "none")), 3):
+            got, shown = self.on_terminal(*args)
+            self.assertEqual(got, code)
+            self.assertIn("\x1b[", shown)
+            for env in ({"NO_COLOR": "1"}, {"TERM": "dumb"}):
+                self.assertNotIn("\x1b[", self.on_terminal(*args, env=env)[1])
+            _, out, err = self.run_command(*args)
+            self.assertNotIn("\x1b[", out.decode() + err)
+        self.assertEqual(self.on_terminal("encode", doc)[0], 2)  # encodings are binary
+
+    def test_trace(self):
+        bad = '{"deny":{"tcp-flags":{"match-all":{"tcp-bits":"+syn +syn"}}}}'
+        line = "ccv_yang_set_ipv4_tcpflag: acl_yang_get_uint32_tcpflags_um returned failure"
+        for args, traced in (((), False), (("--trace",), True), (("--trace=set_ipv4",), True),
+                             (("--trace=^acl_yang",), False)):
+            code, _, err = self.run_command("encode", *args, stdin=bad)
+            self.assertEqual((code, line in err), (1, traced), args)
+
+
+if __name__ == "__main__":
+    unittest.main()

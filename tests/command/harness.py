@@ -1,0 +1,58 @@
+"""Runs the command for the tests."""
+import json
+import os
+import pathlib
+import subprocess
+import tempfile
+import unittest
+
+ACECONV = os.environ["ACECONV"]
+EXAMPLES = pathlib.Path(os.environ["ACECONV_SOURCE"]) / "examples"
+MODULE = {"base": "aceconv-base", "um": "aceconv-um"}
+
+
+def document(schema, *lists):
+    """A JSON document of (name, entries) lists."""
+    return json.dumps({MODULE[schema] + ":acls": {
+        "acl": [{"name": name, "entry": entries} for name, entries in lists]}})
+
+
+def numbered(*entries):
+    return [{"sequence-number": 10 * (i + 1), **entry} for i, entry in enumerate(entries)]
+
+
+class Case(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+        self.dir = pathlib.Path(self.folder.name)
+
+    def file(self, name, content):
+        path = self.dir / name
+        path.write_bytes(content if isinstance(content, bytes) else content.encode())
+        return str(path)
+
+    def run_command(self, *args, stdin=b"", **more):
+        """(exit code, standard output as bytes, standard error as text)"""
+        data = stdin if isinstance(stdin, bytes) else stdin.encode()
+        done = subprocess.run([ACECONV, *map(str, args)], input=data, capture_output=True,
+                              timeout=120, check=False, **more)
+        return done.returncode, done.stdout, done.stderr.decode()
+
+    def ok(self, *args, stdin=b""):
+        """Standard output of a run that must succeed and say nothing."""
+        code, out, err = self.run_command(*args, stdin=stdin)
+        self.assertEqual((code, err), (0, ""), args)
+        return out
+
+    def records(self, *args, stdin=b""):
+        """inspect --json, a dictionary an entry."""
+        lines = self.ok("inspect", "--json", *args, stdin=stdin).splitlines()
+        return [json.loads(line) for line in lines]
+
+    def fields(self, entry, schema):
+        """The fields of one entry by name, without the place in the record."""
+        record, = self.records("--schema", schema, stdin=json.dumps(entry))
+        return {f["name"]: f.get("value") for f in record["fields"]}

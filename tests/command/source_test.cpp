@@ -1,0 +1,95 @@
+// Where chunks of the input end must not matter.
+#include <algorithm>
+#include <gtest/gtest.h>
+
+#include "tools/aceconv/errors.h"
+#include "tools/aceconv/sequence_set.h"
+#include "tools/aceconv/source.h"
+
+namespace aceconv::tool {
+namespace {
+
+/// An input that comes in two pieces, then byte by byte after `split`.
+Window in_pieces(const std::string &text, std::size_t split) {
+    return Window([text, split, at = std::size_t{0}](char *buffer, std::size_t size) mutable {
+        const std::size_t piece = at < split ? split - at : 1;
+        const std::size_t count = std::min({piece, size, text.size() - at});
+        text.copy(buffer, count, at);
+        at += count;
+        return count;
+    });
+}
+
+/// Everything that a source tells, as one text.
+std::string told_by(const std::string &text, std::size_t split) {
+    std::string told;
+    Entry entry;
+    try {
+        const auto source = make_source(in_pieces(text, split), std::nullopt, std::nullopt);
+        while (source->next(entry))
+            told += entry.key.acl.value_or("-") + "@" + std::to_string(entry.position.line) + " " +
+                    entry.text + "\n";
+    } catch (const DataError &fault) {
+        told +=
+            "@" + std::to_string(entry.position.line) + " " + fault.path() + ": " + fault.what();
+    }
+    return told;
+}
+
+struct Input {
+    const char *text;
+    const char *told;
+};
+
+const Input kInputs[] = {
+    {R"({"aceconv-um:acls" : {"acl":[{"name":"A\"]\\","entry":[ {"remark":"}]\\\"{"} ,
+  {"a":[{"b":{}}]}]},
+ {"entry":[{}],"name":"B"} , {"name":"C"}]}})",
+     "A\"]\\@1 {\"remark\":\"}]\\\\\\\"{\"}\nA\"]\\@2 {\"a\":[{\"b\":{}}]}\nB@3 {}\n"},
+    {"\xEF\xBB\xBF{\"aceconv-base:acls\":{}}\n", ""},
+    {"{\"aceconv-base:acls\":{\"aceconv-base:acl\":[{\"aceconv-base:name\":\"\\u00e9\","
+     "\"entry\":[{\"x\":\"\\u005d\"}]}]}}",
+     "\xC3\xA9@1 {\"x\":\"\\u005d\"}\n"},
+    {"{\"aceconv-base:acls\":{\"acl\":[{\"name\":\"A\",\"entry\":[{}\n{}]}]}}",
+     "A@1 {}\n@2 /aceconv-base:acls/acl[name='A']: expected ',' or ']', found '{'"},
+    {"{\"aceconv-base:acls\":{\"acl\":[{\"name\":\"A\",\"entry\":[{}",
+     "A@1 {}\n@1 /aceconv-base:acls/acl[name='A']: expected ',' or ']', found the end of the "
+     "input"},
+    {"{\"grant\":\"deny\"}\n\n{\"acl\":\"X\",\"entry\":{\"remark\":\"\\\"\"}}\r\n",
+     "-@1 {\"grant\":\"deny\"}\nX@3 {\"remark\":\"\\\"\"}\n"},
+    {" {\n\"permit\":{}}{\"deny\":{}}", "-@1 {\n\"permit\":{}}\n-@2 {\"deny\":{}}\n"},
+    {"<acls xmlns='urn:aceconv:um'>\n<acl><name>A</name>\n<entry><remark>a</remark></entry></acl>"
+     "</acls>",
+     "A@3 <entry xmlns=\"urn:aceconv:um\"><remark>a</remark></entry>\n"},
+};
+
+TEST(Source, ChunksMayEndAnywhere) {
+    for (const Input &input : kInputs) {
+        const std::string text = input.text;
+        for (std::size_t split = 0; split <= text.size(); ++split)
+            ASSERT_EQ(told_by(text, split), input.told) << text << "\nsplit at " << split;
+    }
+}
+
+TEST(Source, EveryPrefixOfADocumentIsRefused) {
+    const std::string text = "{\"aceconv-base:acls\":{\"acl\":[{\"name\":\"A\",\"entry\":[{}]}]}}";
+    for (std::size_t length = 1; length < text.size(); ++length) {
+        const std::string told = told_by(text.substr(0, length), length);
+        EXPECT_NE(told.find(": "), told.npos) << text.substr(0, length);
+    }
+}
+
+TEST(SequenceSet, FindsEveryRepetition) {
+    // Ascending, with gaps, out of order, and each of them once more.
+    const std::uint32_t numbers[] = {10, 20, 30, 40, 41, 42, 100, 35, 5, 4294967295U, 1, 99};
+    SequenceSet set;
+    for (const std::uint32_t number : numbers)
+        EXPECT_TRUE(set.insert(number)) << number;
+    for (const std::uint32_t number : numbers)
+        EXPECT_FALSE(set.insert(number)) << number;
+    for (const std::uint32_t number : {11U, 36U, 43U, 98U, 0U})
+        EXPECT_TRUE(set.insert(number)) << number;
+}
+
+} // namespace
+} // namespace aceconv::tool

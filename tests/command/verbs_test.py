@@ -1,0 +1,313 @@
+"""What each verb does with good data, in every format."""
+import json
+import unittest
+import xml.etree.ElementTree as ElementTree
+
+from harness import Case, EXAMPLES, MODULE, document, numbered
+
+WEB = {"grant": "permit", "protocol": "tcp",
+       "source-network": {"source-address": "192.0.2.0", "source-prefix-length": 24},
+       "destination-port": {"destination-operator": "equal", "first-destination-port": "www"},
+       "icmp": {"icmp-type-code": "echo"}, "tcp": {"tcp-bits": "syn ack"},
+       "next-hop": {"next-hop-2": {"next-hop": "198.51.100.7", "vrf-name": "blue"}},
+       "capture": True, "remark": "caf\u00e9 \"web\""}
+UDF = {"permit": {"udf-entries": {"udf": [
+    {"udf-name": "offset-a", "udf-value": "1f", "udf-mask": "ff"}]}}}
+
+
+class Inspect(Case):
+    def test_every_present_field_with_its_place(self):
+        record, = self.records(stdin=json.dumps({"sequence-number": 7, **WEB}))
+        self.assertEqual((record["acl"], record["sequence"]), (None, 7))
+        rows = [(f["name"], f["bits"], f.get("offset"), f.get("width"), f.get("value"),
+                 f.get("keyword")) for f in record["fields"]]
+        self.assertEqual(rows, [
+            ("grant", ["0"], 16, 1, 1, "permit"),
+            ("protocol", ["1"], 18, 2, 6, "tcp"),
+            ("saddr", ["2"], 24, 4, "192.0.2.0", None),
+            ("spfx_len", ["36"], 32, 4, 24, None),
+            ("dopr", ["9"], 54, 1, 1, "equal"),
+            ("dport1", ["10"], 56, 2, 80, "www"),
+            ("capture", ["38"], 64, 4, True, None),
+            ("icmp_type_code", ["19"], 76, 4, 0x8FFFF, "echo"),
+            ("tcpflags", ["21"], 81, 1, 0x12, "syn ack"),
+            ("nexthop2", ["34"], 104, 4, "198.51.100.7", None),
+            ("vrf2", ["40"], 120, 8, "blue", None),
+            ("remark", ["31"], 200, 8, "caf\u00e9 \"web\"", None),
+            ("bit 42", ["42"], None, None, None, None)])
+        self.assertEqual(record["fields"][-1]["note"], "next hop 2 is configured")
+        self.assertEqual(record["ConfigurationMask"], "0x%016x" % sum(
+            1 << b for b in (0, 1, 2, 36, 9, 10, 38, 19, 21, 34, 40, 31, 42)))
+
+    def test_second_mask_and_arrays(self):
+        entry = {"permit": {**UDF["permit"], "police": {
+            "value": 5, "unit": "kbps", "priority": "medium"}}}
+        record, = self.records(stdin=json.dumps(entry))
+        rows = {f["name"]: (f["bits"], f["offset"], f["value"], f.get("keyword"))
+                for f in record["fields"]}
+        self.assertEqual(rows, {
+            "grant": (["0"], 16, 1, "permit"),
+            "UDF": (["2:0", "2:8", "2:16"], 224,
+                    [{"name": "offset-a", "value": "0x1f", "mask": "0xff"}], None),
+            "Police.PoliceValue": (["2:24"], 244, 5, None),
+            "Police.PoliceUnit": (["2:25"], 248, 2, "kbps"),
+            "Priority": (["2:28"], 260, 3, "medium")})
+
+    def test_names_follow_the_schema(self):
+        encoded = self.ok("encode", stdin=json.dumps(
+            {"fragment-type": "first-fragment", "protocol": 512}))
+        for schema, names in (("base", {"FragmentFlags": "first-fragment"}),
+                              ("um", {"FragmentFlags": "dont-fragment is-fragment",
+                                      "protocol": "ipv4"})):
+            record, = self.records("--schema", schema, stdin=encoded)
+            self.assertEqual(names, {f["name"]: f["keyword"] for f in record["fields"]
+                                     if "keyword" in f})
+
+    def test_unmarked_values_are_shown(self):
+        entry = {"permit": {"udf-entries": {"udf": [
+            {"udf-name": "f%d" % i, "udf-value": "1"} for i in range(9)]}}}
+        record, = self.records(stdin=json.dumps(entry))
+        udf = record["fields"][-1]
+        self.assertEqual((udf["name"], udf["bits"], len(udf["value"]), udf["note"]),
+                         ("UDF", [], 9, "not marked present"))
+
+    def test_text(self):
+        text = self.ok("inspect", stdin=document("base", ("X", numbered(WEB)))).decode()
+        self.assertIn("acl 'X' entry 10: ", text)
+        self.assertRegex(text, r"(?m)^  10 +56  dport1 +80 \(www\)$")
+        self.assertRegex(text, r"(?m)^  42 +bit 42 +set  ! next hop 2 is configured$")
+
+
+class Formats(Case):
+    def test_examples_come_back_through_every_format(self):
+        for path in sorted(EXAMPLES.glob("*.json")):
+            first = path.read_text().lstrip()
+            schema = "um" if first.startswith('{"aceconv-um:') else "base"
+            with self.subTest(path.name):
+                encoded = self.ok("encode", path)
+                for form in ("json", "xml", "ndjson"):
+                    out = self.dir / ("out." + form)
+                    self.ok("decode", "--schema", schema, "--to", form, "-o", out, stdin=encoded)
+                    self.assertEqual(self.ok("encode", out), encoded, form)
+                    self.ok("diff", path, out)
+                self.assertEqual(self.ok("check", "-q", path), b"")
+
+    def test_document_has_an_entry_a_line(self):
+        source = document("base", ("A", numbered({"remark": "1"}, {"remark": "2"})), ("B", []),
+                          ("C\n<&\"", numbered({"remark": "3"})))
+        encoded = self.ok("encode", stdin=source)
+        lines = self.ok("decode", stdin=encoded).decode().splitlines()
+        self.assertEqual(lines[1], '{"name":"A","entry":[')
+        self.assertTrue(lines[2].endswith("},") and "\"remark\":\"1\"" in lines[2])
+        again = json.loads("".join(lines))["aceconv-base:acls"]["acl"]
+        self.assertEqual([acl["name"] for acl in again], ["A", "C\n<&\""])
+        xml = self.ok("decode", "--to", "xml", stdin=encoded)
+        names = [e.text for e in ElementTree.fromstring(xml).iter("{urn:aceconv:base}name")]
+        self.assertEqual(names, ["A", "C\n<&\""])
+        self.assertEqual(self.ok("encode", stdin=xml), encoded)
+
+    def test_labels(self):
+        # RFC 8949: array of two, text or null, unsigned or null
+        source = document("base", ("X", numbered({"remark": "r"})))
+        self.assertTrue(self.ok("encode", stdin=source).startswith(b"\x82\x61X\x0a"))
+        self.assertTrue(self.ok("encode", stdin='{"sequence-number":300,"grant":"deny"}')
+                        .startswith(b"\x82\xf6\x19\x01\x2c"))
+        line = '{"acl":"X","entry":{"grant":"deny"}}'
+        self.assertTrue(self.ok("encode", stdin=line).startswith(b"\x82\x61X\xf6"))
+        bare = self.ok("encode", stdin='{"grant":"deny"}')
+        self.assertNotEqual(bare[0], 0x82)
+        self.assertEqual(self.ok("decode", "--to", "ndjson", stdin=bare * 2).count(b"\n"), 2)
+
+    def test_ways_to_write_the_same_entries(self):
+        one, two = {"sequence-number": 10, "grant": "deny"}, {"sequence-number": 20, **WEB}
+        ns = 'xmlns="urn:aceconv:base"'
+        whole = document("base", ("X", [one, two]))
+        wanted = self.ok("encode", stdin=whole)
+        same = {
+            "indented": json.dumps(json.loads(whole), indent=4),
+            "byte order mark": "\ufeff" + whole,
+            "name last": json.dumps({"aceconv-base:acls": {"acl": [
+                {"entry": [one, two], "name": "X"}]}}),
+            "lines": "".join(json.dumps({"acl": "X", "entry": e}) + "\r\n\n" for e in (one, two)),
+            "members turned": json.dumps({"entry": one, "acl": "X"}) + "\n" +
+                              json.dumps({"entry": two, "acl": "X"}),
+            "objects": json.dumps({"acl": "X", "entry": one}, indent=1) +
+                       json.dumps({"acl": "X", "entry": two}, indent=1),
+        }
+        for name, text in same.items():
+            with self.subTest(name):
+                self.assertEqual(self.ok("encode", stdin=text), wanted)
+        xml = f"""<?xml version="1.0"?><!-- c --><a:acls xmlns:a="urn:aceconv:base">
+            <a:acl><a:entry><a:sequence-number>10</a:sequence-number><a:remark>&lt;</a:remark>
+            </a:entry><a:name>X</a:name></a:acl></a:acls>"""
+        record, = self.records(stdin=xml)
+        self.assertEqual((record["acl"], record["sequence"], record["fields"][0]["value"]),
+                         ("X", 10, "<"))
+        record, = self.records(stdin=f"<entry {ns}><remark>r</remark></entry>")
+        self.assertEqual(record["acl"], None)
+
+    def test_schema_of_bare_entries_is_told_by_a_later_one(self):
+        lines = '{"remark":"a"}\n{"sequence-number":5,"remark":"b"}\n{"permit":{}}\n'
+        self.assertEqual(len(self.records(stdin=lines)), 3)
+        code, _, err = self.run_command("encode", stdin='{"remark":"a"}')
+        self.assertEqual(code, 2)
+        self.assertIn("--schema base or --schema um", err)
+        self.assertEqual(self.fields({"remark": "a"}, "um"), {"remark": "a"})
+
+    def test_empty_input_has_no_entries(self):
+        for verb in ("encode", "decode", "inspect", "check"):
+            self.assertEqual(self.run_command(verb, "-q", stdin=b" \n")[0], 0, verb)
+        self.assertEqual(self.ok("encode", stdin='{"aceconv-um:acls":{}}'), b"")
+
+    def test_stored_encodings_keep_user_defined_fields(self):
+        entry = {"grant": "deny"}
+        labelled = self.file("labelled", self.ok("encode", stdin=document("um", (
+            "X", [{"sequence-number": 20, **UDF}]))))
+        bare = self.file("bare", self.ok("encode", stdin=json.dumps(UDF)))
+        source = document("base", ("X", numbered(entry, entry)))
+        for stored, text, wanted in ((labelled, source, [False, True]), (bare, source, [True, False]),
+                                     (bare, json.dumps(entry), [True])):
+            encoded = self.ok("encode", "--stored", stored, stdin=text)
+            has_udf = ["UDF" in [f["name"] for f in r["fields"]]
+                       for r in self.records(stdin=encoded)]
+            self.assertEqual(has_udf, wanted)
+
+
+# entry of the source schema -> {field or leaf: (before, after)}
+LOSSES = {
+    "base": [
+        (WEB | {"next-hop": {}}, {}),
+        ({"grant": "permit", "capture": False}, {"capture": ("false", "true")}),
+        ({"grant": "deny", "sequence-str": "ten"}, {"SequenceStr": ('"ten"', None)}),
+        ({"grant": "deny", "icmp-off": [None]}, {}),
+        ({"grant": "permit", "icmp-off": [None]}, {"icmp_off": ("1", None)}),
+        ({"grant": "permit", "next-hop": {"next-hop-1": {"next-hop": "192.0.2.9"}}},
+         {"nexthop1": ("192.0.2.9", None)}),
+        ({"grant": "permit", "next-hop": {"next-hop-type": "default-next-hop",
+                                          "next-hop-3": {"track-name": "t"}}},
+         {"track3": ('"t"', None)}),
+        ({"grant": "deny", "source-port": {"source-operator": "equal"}},
+         {"sopr": ("1 (equal)", None)}),
+        ({"grant": "deny", "source-port": {"first-source-port": "www"}},
+         {"sport1": ("80 (www)", None)}),
+        ({"grant": "deny", "fragment-type": "dont-fragment last-fragment"}, {}),
+        ({"grant": "deny", "fragment-type": 6}, {"FragmentFlags": ("6", None)}),
+        ({"grant": "deny", "tcp": {"tcp-bits-mask": "ack"}},
+         {"tcpflags_mask": ("16 (ack)", None)}),
+        ({"protocol": "tcp", "remark": "no action"}, {"protocol": ("6 (tcp)", None)}),
+        ({"grant": "deny", "source-network": {"source-wild-card-bits": "0.0.0.255"}},
+         {"smask": ("0.0.0.255", None)}),
+    ],
+    "um": [
+        ({"deny": {"source": {"host": "192.0.2.1", "port": {"eq": "SSH"}}}}, {}),
+        ({"deny": {"fragment-type": "last-fragment", "icmp-off": {}}}, {}),
+        (UDF, {"UDF": ("offset-a 0x1f/0xff", None)}),
+        ({"deny": {"icmp-on": {}, "police": {"value": 9, "unit": "gbps", "priority": "low"}}},
+         {"icmp_on": ("1", None), "Police.PoliceValue": ("9", None),
+          "Police.PoliceUnit": ("4 (gbps)", None), "Priority": ("2 (low)", None)}),
+        ({"permit": {"log": {}, "log-input": {}}}, {"permit/log": ("present", None)}),
+        ({"permit": {"protocol": "tcp", "eq": "udp"}},
+         {"permit/protocol": ('"tcp"', None)}),
+    ],
+}
+
+
+class Convert(Case):
+    def test_losses_are_named(self):
+        for source, rows in LOSSES.items():
+            target = {"base": "um", "um": "base"}[source]
+            report = self.dir / "report"
+            text = document(source, ("X", numbered(*(entry for entry, _ in rows))))
+            code, out, err = self.run_command("convert", "--from", source, "--to", target,
+                                              "--report", report, stdin=text)
+            self.assertEqual(code, 0, err)
+            converted = json.loads(out)[MODULE[target] + ":acls"]["acl"][0]
+            self.assertEqual([e["sequence-number"] for e in converted["entry"]],
+                             [10 * (i + 1) for i in range(len(rows))])
+            told = json.loads(report.read_text())
+            self.assertEqual((told["from"], told["to"], told["entries"]),
+                             (source, target, len(rows)))
+            for i, (entry, wanted) in enumerate(rows):
+                with self.subTest(entry=entry):
+                    found = {loss.get("field", loss.get("leaf")): (loss["before"], loss["after"])
+                             for loss in told["losses"] if loss["sequence"] == 10 * (i + 1)}
+                    self.assertEqual(found, wanted)
+                    for name in wanted:
+                        self.assertRegex(err, rf"(?m)^aceconv: <stdin>:1: acl 'X' entry "
+                                              rf"{10 * (i + 1)}: loss: {name}[ :]")
+            lossy = sum(1 for _, wanted in rows if wanted)
+            self.assertEqual(told["entries-with-losses"], lossy)
+            self.assertIn(f"aceconv: {lossy} of {len(rows)} entries with losses", err)
+
+    def test_fragment_types_are_renumbered(self):
+        base = ["dont-fragment", "is-fragment", "first-fragment", "last-fragment",
+                "dont-fragment is-fragment", "dont-fragment first-fragment",
+                "dont-fragment last-fragment"]
+        numbers = {"base": [1, 2, 4, 8, 3, 5, 9], "um": [0, 2, 1, 3, 4, 5, 6]}
+        source = document("base", ("X", numbered(*(
+            {"grant": "deny", "fragment-type": name} for name in base))))
+        um = self.ok("convert", "--from", "base", "--to", "um", stdin=source)
+        for schema, text in (("base", source), ("um", um)):
+            found = [f["value"] for r in self.records(stdin=text) for f in r["fields"]
+                     if f["name"] == "FragmentFlags"]
+            self.assertEqual(found, numbers[schema])
+        self.ok("diff", self.file("a", source), self.file("b", um))
+
+    def test_strict_and_other_outputs(self):
+        lossless, lossy = '{"permit":{"log":{}}}', '{"permit":{"police":{"value":1}}}'
+        args = ("convert", "--from", "um", "--to", "base", "--strict")
+        self.assertEqual(self.run_command(*args, stdin=lossless)[0], 0)
+        code, out, err = self.run_command(*args, "--to-format", "xml", "-q", stdin=lossy)
+        self.assertEqual((code, err), (1, ""))
+        self.assertEqual(ElementTree.fromstring(out).tag, "{urn:aceconv:base}entry")
+        encoded = self.ok("encode", stdin=lossless)
+        self.assertEqual(json.loads(self.ok("convert", "--from", "um", "--to", "base",
+                                            stdin=encoded))["log-option"], "log")
+
+
+class CheckAndDiff(Case):
+    def test_check_names_what_does_not_come_back(self):
+        rows = [
+            ({"permit": {"source": {"port": {"eq": 80}}, "icmp": {
+                "message-type": 3, "message-code": 1}, "tcp-flags": {
+                    "match-all": {"tcp-bits": "ack +syn -fin"}}}}, []),
+            ({"permit": {"source": {"port": {"eq": 80, "gt": 90}}}}, ["permit/source/port/eq"]),
+            ({"permit": {}, "deny": {}}, ["permit"]),
+            ({"deny": {"tcp-flags": {"match-any": {"tcp-bits": "-ack syn"}}}},
+             ["deny/tcp-flags/match-any/tcp-bits"]),
+            ({"deny": {"nexthop2": {"vrf": "v"}}},
+             ["deny/nexthop2", "deny/nexthop2/vrf", "vrf2"]),
+            ({"deny": {"icmp": {"message-type-name": "Echo", "message-type": 3}}},
+             ["deny/icmp/message-type-name", "icmp_type_code"]),
+        ]
+        code, out, err = self.run_command(
+            "check", stdin=document("um", ("X", numbered(*(e for e, _ in rows)))))
+        self.assertEqual((code, err), (1, ""))
+        lines = out.decode().splitlines()
+        for i, (entry, wanted) in enumerate(rows):
+            mark = f"acl 'X' entry {10 * (i + 1)}: "
+            found = [line[len(mark):].split(":")[0].split(" ")[0] for line in lines
+                     if line.startswith(mark)]
+            self.assertEqual(sorted(set(found) & set(wanted)), sorted(wanted), entry)
+            self.assertEqual(bool(found), bool(wanted), (entry, found))
+        self.assertEqual(lines[-1], "6 entries checked, 5 do not come back the same")
+
+    def test_diff_compares_meaning(self):
+        a = self.file("a", document("base", ("X", numbered(
+            {"grant": "permit", "protocol": "tcp"}, {"grant": "deny"}, {"remark": "r"})), ("Y", [])))
+        b = self.file("b", document("um", ("X", [
+            {"sequence-number": 20, "deny": {"log": {}}},
+            {"sequence-number": 10, "permit": {"protocol": 6}},
+            {"sequence-number": 40, "remark": "r"}])))
+        code, out, err = self.run_command("diff", a, b)
+        self.assertEqual((code, err), (1, ""))
+        self.assertEqual(out.decode().splitlines(), [
+            "acl 'X' entry 20: log (log-option): absent -> 1 (log)",
+            f"acl 'X' entry 30: - only in {a}", f"acl 'X' entry 40: + only in {b}"])
+        encoded = self.ok("encode", b)
+        self.assertEqual(self.ok("diff", "--schema-b", "um", b, "-", stdin=encoded), b"")
+        self.assertEqual(self.run_command("diff", "-q", a, b)[:2], (1, b""))
+
+
+if __name__ == "__main__":
+    unittest.main()

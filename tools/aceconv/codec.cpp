@@ -1,0 +1,105 @@
+#include "tools/aceconv/codec.h"
+
+#include <cstdlib>
+
+#include "host/bag/bag_library.h"
+#include "tools/aceconv/errors.h"
+
+namespace aceconv::tool {
+namespace {
+
+std::size_t slot(Schema schema, Format format) {
+    return (schema == Schema::um ? 2U : 0U) + (format == Format::xml ? 1U : 0U);
+}
+
+Modules load_modules(const std::filesystem::path &directory) {
+    try {
+        return Modules(directory);
+    } catch (const DataError &e) {
+        throw IoError(directory.string() + ": cannot load the YANG modules: " + e.what());
+    }
+}
+
+constexpr bool is_bag_status(std::uint32_t status) {
+    return status >= static_cast<std::uint32_t>(BagStatus::not_registered) &&
+           status <= static_cast<std::uint32_t>(BagStatus::no_memory);
+}
+
+/// Why a decoder returned `status`.
+std::string decoder_fault(std::uint32_t status) {
+    if (is_bag_status(status))
+        return bag_last_error();
+    switch (status) {
+    case ACE_STATUS_NO_KEYWORD:
+        return "a TCP flag that has no name; expected flags fin, syn, rst, psh, ack, urg";
+    case ACE_STATUS_UNKNOWN_UNIT:
+        return "an unknown rate unit; expected 0 to 4, pps to gbps";
+    case ACE_STATUS_NO_MEMORY:
+        return "out of memory";
+    default:
+        return "the decoder failed with status " + std::to_string(status);
+    }
+}
+
+} // namespace
+
+Codec::Codec(const Plugin &plugin, const std::filesystem::path &modules)
+    : plugin_(plugin), modules_(load_modules(modules)) {}
+
+EntryReader &Codec::reader(Schema schema, Format format) {
+    auto &reader = readers_[slot(schema, format)];
+    if (!reader)
+        reader = make_validating_reader(modules_, schema, format);
+    return *reader;
+}
+
+EntryWriter &Codec::writer(Schema schema, Format format) {
+    auto &writer = writers_[slot(schema, format)];
+    if (!writer)
+        writer = make_validating_writer(modules_, schema, format);
+    return *writer;
+}
+
+Bytes Codec::encode(Entry &entry, const Bytes *stored) {
+    if (!entry.format)
+        return entry.encoding;
+    EntryReader &source = reader(entry.schema, *entry.format);
+    ccv_yang_node *node = nullptr;
+    try {
+        node = source.read(entry.text, entry.key);
+    } catch (const DataError &) {
+        entry.key.sequence = source.sequence(); // for the message
+        throw;
+    }
+    entry.key.sequence = source.sequence();
+    if (entry.in_document && !entry.key.sequence)
+        throw DataError("", "an entry without \"sequence-number\"");
+    std::uint8_t *encoded = nullptr;
+    std::uint32_t length = 0;
+    const Encoder encoder = entry.schema == Schema::base ? plugin_.encode_base : plugin_.encode_um;
+    const std::uint32_t status = encoder(
+        node, stored != nullptr ? stored->data() : nullptr,
+        stored != nullptr ? static_cast<std::uint32_t>(stored->size()) : 0, &encoded, &length);
+    if (is_bag_status(status))
+        throw DataError("", bag_last_error());
+    if (status != 0)
+        throw source.explain(status);
+    const std::unique_ptr<std::uint8_t, void (*)(void *)> owner(encoded, std::free);
+    return {encoded, encoded + length};
+}
+
+std::string Codec::decode(const Bytes &encoding, Schema schema, Format format,
+                          const EntryKey &key) {
+    EntryWriter &target = writer(schema, format);
+    ccv_yang_output *output = target.begin(key);
+    const Decoder decoder = schema == Schema::base ? plugin_.decode_base : plugin_.decode_um;
+    const std::uint32_t status =
+        decoder(output, encoding.data(), static_cast<std::uint32_t>(encoding.size()));
+    if (status != 0)
+        throw DataError("", decoder_fault(status));
+    std::string text;
+    target.finish(text);
+    return text;
+}
+
+} // namespace aceconv::tool

@@ -1,0 +1,168 @@
+// aceconv convert: from one schema to the other through the record, with an
+// account of everything that did not come along.
+#include "tools/aceconv/changes.h"
+#include "tools/aceconv/errors.h"
+#include "tools/aceconv/leaves.h"
+#include "tools/aceconv/options.h"
+#include "tools/aceconv/pipeline.h"
+#include "tools/aceconv/record_view.h"
+#include "tools/aceconv/text.h"
+
+namespace aceconv::tool {
+namespace {
+
+struct ConvertOptions {
+    CommonOptions common;
+    InputOptions input; // its schema is the one to convert from
+    std::optional<Schema> to;
+    std::string output = "-";
+    OutputFormat format = OutputFormat::json;
+    std::string report;
+    bool strict = false;
+};
+
+struct Converted {
+    std::string text;
+    std::vector<Change> losses;
+};
+
+/// Where `differences` tell of a field of the source record, shows it as the
+/// source schema names it.
+void show_original(std::vector<Difference> &differences, const std::vector<FieldValue> &original) {
+    for (Difference &difference : differences)
+        for (const FieldValue &field : original)
+            if (difference.before && field.name == difference.before->name)
+                difference.before = field;
+}
+
+/// What is lost is what the finished text no longer says: it is encoded again
+/// and compared with the record that it was made from.
+Converted convert(Codec &codec, const RecordView &view, Entry &entry, Schema to, Format format) {
+    const Schema from = entry.schema;
+    const Bytes encoding = codec.encode(entry);
+    Converted result;
+    if (entry.format)
+        result.losses = lost_leaves(
+            leaves_of(entry.text, *entry.format),
+            leaves_of(codec.decode(encoding, from, Format::json, {}), Format::json), from);
+    Record source(codec.descriptor(), encoding);
+    const bool untranslated = translate_fragment_type(source.get(), from, to);
+    result.text = codec.decode(source.encode(), to, format, entry.key);
+
+    Entry again;
+    again.key = entry.key;
+    again.schema = to;
+    again.format = format;
+    again.text = result.text;
+    Record target(codec.descriptor(), codec.encode(again));
+    clear_derived_bits(source.get());
+    clear_derived_bits(target.get());
+    std::vector<Difference> differences = view.compare(source, target, to);
+    if (differences.empty() && !untranslated)
+        return result;
+    const auto original = view.describe(Record(codec.descriptor(), encoding).get(), from);
+    for (const FieldValue &value : original)
+        if (untranslated && value.name == "FragmentFlags")
+            differences.push_back({value, std::nullopt});
+    show_original(differences, original);
+    std::vector<Change> changes = field_changes(differences, from);
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        const RecordField *field = differences[i].any().field;
+        const char *leaf = field == nullptr     ? ""
+                           : to == Schema::base ? field->base_leaf
+                                                : field->um_leaf;
+        if (leaf == nullptr)
+            changes[i].reason = "the " + std::string(schema_name(to)) + " schema has no such leaf";
+        result.losses.push_back(std::move(changes[i]));
+    }
+    return result;
+}
+
+/// The losses as a JSON document, written as they come.
+class LossReport {
+  public:
+    LossReport(const std::string &path, Schema from, Schema to) : output_(path) {
+        output_.write("{\"from\":\"" + std::string(schema_name(from)) + "\",\"to\":\"" +
+                      std::string(schema_name(to)) + "\",\"losses\":[");
+    }
+    void add(const Change &loss, const Entry &entry) {
+        output_.write(std::exchange(first_, false) ? "\n" : ",\n");
+        output_.write(change_json(loss, entry)
+                          .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+    }
+    void finish(std::uint64_t entries, std::uint64_t with_losses) {
+        output_.write("\n],\"entries\":" + std::to_string(entries) +
+                      ",\"entries-with-losses\":" + std::to_string(with_losses) + "}\n");
+        output_.commit();
+    }
+
+  private:
+    Output output_;
+    bool first_ = true;
+};
+
+int run(const ConvertOptions &options) {
+    const Schema from = *options.input.schema;
+    const Schema to = *options.to;
+    if (from == to)
+        throw UsageError("--from and --to name the same schema");
+    if (options.output == "-" && options.report == "-")
+        throw UsageError("the output and --report cannot both be standard output");
+    const auto codec = start(options.common);
+    const RecordView view(codec->descriptor());
+    FaultReport report(options.input.path);
+    const auto source = open_source(options.input, report);
+    if (!source)
+        return exit_data;
+    Output output(options.output);
+    const auto sink = make_sink(options.format, to, output);
+    std::optional<LossReport> losses;
+    if (!options.report.empty())
+        losses.emplace(options.report, from, to);
+    std::uint64_t fields = 0;
+    std::uint64_t entries = 0;
+    const Outcome outcome = run_entries(
+        *source, report, options.common.keep_going,
+        [&](Entry &entry) { return convert(*codec, view, entry, to, text_format(options.format)); },
+        [&](const Entry &entry, const Converted &converted) {
+            sink->write(entry.key, converted.text);
+            entries += converted.losses.empty() ? 0U : 1U;
+            fields += converted.losses.size();
+            for (const Change &loss : converted.losses) {
+                if (!options.common.quiet)
+                    say(shown_place(report.file(), entry.position, entry.key) +
+                        "loss: " + change_text(loss));
+                if (losses)
+                    losses->add(loss, entry);
+            }
+        });
+    if (!finish(output, *sink, outcome.stopped))
+        return exit_data;
+    if (losses)
+        losses->finish(outcome.entries, entries);
+    if (!options.common.quiet && entries != 0)
+        say(std::to_string(entries) + " of " + std::to_string(outcome.entries) +
+            " entries with losses, " + std::to_string(fields) + " in all");
+    const int status = conclude(options.common, report, outcome.entries);
+    return options.strict && entries != 0 ? exit_data : status;
+}
+
+} // namespace
+
+void add_convert(CLI::App &app, int &status) {
+    auto options = std::make_shared<ConvertOptions>();
+    CLI::App *verb = app.add_subcommand(
+        "convert", "Convert entries from one schema to the other, and list what is lost");
+    add_input(*verb, options->input, nullptr);
+    add_schema(*verb, "--from", options->input.schema, "The schema to convert from")->required();
+    add_schema(*verb, "--to", options->to, "The schema to convert to")->required();
+    add_output(*verb, options->output);
+    add_output_format(*verb, "--to-format", options->format);
+    verb->add_option("--report", options->report, "Write the losses to this file, as JSON")
+        ->type_name("FILE");
+    verb->add_flag("--strict", options->strict, "Exit with 1 when anything is lost");
+    add_common(*verb, options->common);
+    verb->callback([options, &status] { status = run(*options); });
+}
+
+} // namespace aceconv::tool

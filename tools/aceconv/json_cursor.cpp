@@ -1,0 +1,107 @@
+#include "tools/aceconv/json_cursor.h"
+
+#include <nlohmann/json.hpp>
+
+#include "tools/aceconv/errors.h"
+#include "tools/aceconv/text.h"
+
+namespace aceconv::tool {
+namespace {
+constexpr std::size_t kMaxName = 4096; // bytes of a member's name or a list's
+}
+
+int JsonCursor::peek() {
+    for (;;) {
+        const std::string_view view = window_.view();
+        std::size_t blanks = 0;
+        while (blanks < view.size() && is_json_blank(view[blanks])) {
+            line_ += view[blanks] == '\n' ? 1U : 0U;
+            ++blanks;
+        }
+        window_.take(blanks);
+        if (blanks < view.size())
+            return static_cast<unsigned char>(view[blanks]);
+        if (!window_.more())
+            return -1;
+    }
+}
+
+bool JsonCursor::accept(char wanted) {
+    if (peek() != static_cast<unsigned char>(wanted))
+        return false;
+    window_.take(1);
+    return true;
+}
+
+void JsonCursor::expect(char wanted, std::string_view what) {
+    if (!accept(wanted))
+        unexpected(what);
+}
+
+void JsonCursor::unexpected(std::string_view what) {
+    const int found = peek();
+    throw StreamError("", "expected " + std::string(what) + ", found " +
+                              (found < 0 ? "the end of the input"
+                                         : "'" + printable({window_.view().data(), 1}) + "'"));
+}
+
+std::string JsonCursor::string(std::string_view what) {
+    if (peek() != '"')
+        unexpected(what);
+    std::size_t end = 1;
+    for (bool escaped = false;; ++end) {
+        window_.want(end + 1);
+        const std::string_view view = window_.view();
+        if (end >= view.size() || end > kMaxName)
+            throw StreamError("", "a string that does not end, for " + std::string(what));
+        if (!escaped && view[end] == '"')
+            break;
+        escaped = !escaped && view[end] == '\\';
+    }
+    const std::string_view token = window_.view().substr(0, end + 1);
+    const auto value = nlohmann::json::parse(token.begin(), token.end(), nullptr, false);
+    if (!value.is_string())
+        throw StreamError("", "not a JSON string: " + printable(token));
+    window_.take(end + 1);
+    return value.get<std::string>();
+}
+
+bool JsonCursor::object(std::string &text, std::size_t limit, std::string_view what) {
+    if (peek() != '{')
+        unexpected(what);
+    const std::size_t before = text.size();
+    bool fits = true;
+    std::size_t depth = 0;
+    bool in_string = false;
+    bool escaped = false;
+    for (;;) {
+        const std::string_view view = window_.view();
+        std::size_t at = 0;
+        bool closed = false;
+        while (at < view.size() && !closed) {
+            const char c = view[at++];
+            if (c == '\n')
+                ++line_;
+            if (in_string) {
+                in_string = escaped || c != '"';
+                escaped = !escaped && c == '\\';
+            } else if (c == '"') {
+                in_string = true;
+            } else if (c == '{' || c == '[') {
+                ++depth;
+            } else if (c == '}' || c == ']') {
+                closed = --depth == 0;
+            }
+        }
+        fits = fits && text.size() - before + at <= limit;
+        if (fits)
+            text.append(view.substr(0, at));
+        window_.take(at);
+        if (closed)
+            return fits;
+        if (!window_.more())
+            throw StreamError("", "the input ends inside " + std::string(what));
+    }
+}
+
+} // namespace aceconv::tool

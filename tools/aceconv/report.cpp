@@ -1,0 +1,77 @@
+#include "tools/aceconv/report.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <unistd.h>
+
+#include "tools/aceconv/text.h"
+
+namespace aceconv::tool {
+namespace {
+
+void write_line(const std::string &prefix, std::string_view line) {
+    std::string text = prefix;
+    text += escaped(line);
+    text += '\n';
+    std::fwrite(text.data(), 1, text.size(), stderr); // unbuffered, so one call a line
+}
+
+} // namespace
+
+Style::Style(int fd) {
+    const char *no_color = std::getenv("NO_COLOR");
+    const char *terminal = std::getenv("TERM");
+    on_ = isatty(fd) == 1 && (no_color == nullptr || *no_color == '\0') && terminal != nullptr &&
+          std::string_view(terminal) != "dumb";
+}
+
+std::string Style::paint(const char *code, std::string_view text) const {
+    return on_ ? "\033[" + std::string(code) + "m" + std::string(text) + "\033[0m"
+               : std::string(text);
+}
+
+std::string shown_name(const std::string &path) {
+    return path == "-" ? "<stdin>" : path;
+}
+
+std::string shown_key(const EntryKey &key) {
+    std::string text;
+    if (key.acl)
+        text = "acl '" + printable(*key.acl) + "'";
+    if (key.sequence)
+        text += (text.empty() ? "entry " : " entry ") + std::to_string(*key.sequence);
+    return text;
+}
+
+std::string shown_entry(const EntryKey &key, const Position &position) {
+    const std::string text = shown_key(key);
+    return key.sequence
+               ? text
+               : text + (text.empty() ? "entry #" : " entry #") + std::to_string(position.ordinal);
+}
+
+std::string shown_place(const std::string &file, const Position &position, const EntryKey &key) {
+    std::string text = file + ":";
+    if (position.line != 0)
+        text += std::to_string(position.line) + ":";
+    else if (position.ordinal != 0)
+        text += "#" + std::to_string(position.ordinal) + ":";
+    const std::string who = shown_key(key);
+    return text + " " + (who.empty() ? "" : who + ": ");
+}
+
+void FaultReport::add(const Position &position, const EntryKey &key, const DataError &fault) {
+    ++count_;
+    say_error(shown_place(file_, position, key) +
+              (fault.path().empty() ? "" : fault.path() + ": ") + fault.what());
+}
+
+void say(std::string_view line) {
+    write_line("aceconv: ", line);
+}
+
+void say_error(std::string_view line) {
+    write_line(Style(STDERR_FILENO).red("aceconv:") + " ", line);
+}
+
+} // namespace aceconv::tool

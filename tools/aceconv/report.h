@@ -1,0 +1,59 @@
+// What the command says on standard error, and how it looks.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "tools/aceconv/source.h"
+
+namespace aceconv::tool {
+
+/// Colours for one stream: only on a terminal, and not under NO_COLOR.
+class Style {
+  public:
+    explicit Style(int fd);
+    [[nodiscard]] std::string red(std::string_view text) const { return paint("31;1", text); }
+    [[nodiscard]] std::string green(std::string_view text) const { return paint("32", text); }
+    [[nodiscard]] std::string bold(std::string_view text) const { return paint("1", text); }
+    [[nodiscard]] std::string faint(std::string_view text) const { return paint("2", text); }
+
+  private:
+    [[nodiscard]] std::string paint(const char *code, std::string_view text) const;
+    bool on_;
+};
+
+/// "<stdin>" for "-".
+std::string shown_name(const std::string &path);
+
+/// "acl 'X' entry 20", as far as it is known; "" otherwise.
+std::string shown_key(const EntryKey &key);
+
+/// "entry 20" of a list, or of none: what to call the entry in any case.
+std::string shown_entry(const EntryKey &key, const Position &position);
+
+/// Faults of one input's entries, each as
+///   aceconv: FILE:LINE: acl 'X' entry 20: PATH: what is wrong
+/// where entries have no lines, "#3" is the third one.
+class FaultReport {
+  public:
+    explicit FaultReport(const std::string &path) : file_(shown_name(path)) {}
+
+    void add(const Position &position, const EntryKey &key, const DataError &fault);
+    [[nodiscard]] std::uint64_t count() const { return count_; }
+    [[nodiscard]] const std::string &file() const { return file_; }
+
+  private:
+    std::string file_;
+    std::uint64_t count_ = 0;
+};
+
+/// "FILE:LINE: acl 'X' entry 20: "
+std::string shown_place(const std::string &file, const Position &position, const EntryKey &key);
+
+/// One line on standard error, after "aceconv: ".
+void say(std::string_view line);
+/// The same, marked as an error.
+void say_error(std::string_view line);
+
+} // namespace aceconv::tool
