@@ -13,11 +13,10 @@ namespace aceconv {
 namespace {
 
 bool is_name(const SchemaNode &leaf, std::string_view text) {
-    return std::any_of(leaf.names.begin(), leaf.names.end(),
-                       [&](const SchemaNode::Name &name) {
-                           // Most names differ in their first character.
-                           return !text.empty() && text[0] == name.text[0] && text == name.text;
-                       });
+    return std::any_of(leaf.names.begin(), leaf.names.end(), [&](const SchemaNode::Name &name) {
+        // Most names differ in their first character.
+        return !text.empty() && text[0] == name.text[0] && text == name.text;
+    });
 }
 
 /// Names of bits by ascending position, separated by single blanks.
