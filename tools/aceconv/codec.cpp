@@ -43,20 +43,22 @@ std::string decoder_fault(std::uint32_t status) {
 
 } // namespace
 
-Codec::Codec(const Plugin &plugin, const std::filesystem::path &modules)
-    : plugin_(plugin), modules_(load_modules(modules)) {}
+Codec::Codec(const Plugin &plugin, const std::filesystem::path &modules, Backend backend)
+    : plugin_(plugin), modules_(load_modules(modules)), backend_(backend) {}
 
 EntryReader &Codec::reader(Schema schema, Format format) {
     auto &reader = readers_[slot(schema, format)];
     if (!reader)
-        reader = make_validating_reader(modules_, schema, format);
+        reader = bulk(format) ? make_bulk_reader(modules_, schema)
+                              : make_validating_reader(modules_, schema, format);
     return *reader;
 }
 
 EntryWriter &Codec::writer(Schema schema, Format format) {
     auto &writer = writers_[slot(schema, format)];
     if (!writer)
-        writer = make_validating_writer(modules_, schema, format);
+        writer = bulk(format) ? make_bulk_writer(modules_, schema)
+                              : make_validating_writer(modules_, schema, format);
     return *writer;
 }
 

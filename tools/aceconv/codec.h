@@ -11,11 +11,14 @@
 
 namespace aceconv::tool {
 
+/// Which of the host's backends reads and writes JSON; XML is always libyang's.
+enum class Backend { bulk, validating };
+
 /// Everything that conversions need; one for each thread.
 class Codec {
   public:
     /// Throws IoError when the YANG modules cannot be loaded.
-    Codec(const Plugin &plugin, const std::filesystem::path &modules);
+    Codec(const Plugin &plugin, const std::filesystem::path &modules, Backend backend);
 
     /// The entry's encoding, which is `entry.encoding` where it came as one. Fills
     /// in the sequence number in `entry.key`. `stored` is the entry's earlier
@@ -31,8 +34,13 @@ class Codec {
     EntryReader &reader(Schema schema, Format format);
     EntryWriter &writer(Schema schema, Format format);
 
+    [[nodiscard]] bool bulk(Format format) const {
+        return backend_ == Backend::bulk && format == Format::json;
+    }
+
     Plugin plugin_;
     Modules modules_;
+    Backend backend_;
     std::array<std::unique_ptr<EntryReader>, 4> readers_;
     std::array<std::unique_ptr<EntryWriter>, 4> writers_;
 };

@@ -15,6 +15,8 @@ const std::map<std::string, InputFormat> kInputFormats = {{"json", InputFormat::
                                                           {"cbor", InputFormat::cbor}};
 const std::map<std::string, OutputFormat> kOutputFormats = {
     {"json", OutputFormat::json}, {"xml", OutputFormat::xml}, {"ndjson", OutputFormat::ndjson}};
+const std::map<std::string, Backend> kBackends = {{"bulk", Backend::bulk},
+                                                  {"validating", Backend::validating}};
 const std::map<std::string, Schema> kSchemas = {{"base", Schema::base}, {"um", Schema::um}};
 
 constexpr const char *kAnyFunction = "."; // matches every name
@@ -36,6 +38,11 @@ void add_places(CLI::App &app, CommonOptions &options) {
 void add_common(CLI::App &verb, CommonOptions &options) {
     verb.add_flag("--keep-going", options.keep_going,
                   "Report every bad entry and go on with the rest");
+    verb.add_option("--backend", options.backend,
+                    "How JSON is read and written: bulk (fast) or validating (libyang); both "
+                    "accept the same")
+        ->transform(CLI::CheckedTransformer(kBackends, CLI::ignore_case))
+        ->type_name("NAME");
     verb.add_flag("-q,--quiet", options.quiet, "Say nothing but errors");
     verb.add_flag("--trace{.}", options.trace,
                   "Show the UM converters' diagnostic trace; with =REGEX only that of functions "
@@ -106,7 +113,7 @@ std::unique_ptr<Codec> start(const CommonOptions &options) {
             throw UsageError("--trace: " + std::string(e.what()));
         }
     }
-    return std::make_unique<Codec>(find_plugin(options), find_modules(options));
+    return std::make_unique<Codec>(find_plugin(options), find_modules(options), options.backend);
 }
 
 std::unique_ptr<Source> open_source(const InputOptions &options, FaultReport &report) {

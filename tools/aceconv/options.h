@@ -17,7 +17,8 @@ namespace aceconv::tool {
 struct CommonOptions {
     std::string plugin;  // empty: found beside the program
     std::string modules; // empty: found beside the program
-    std::string trace;   // an expression for function names; empty: off
+    Backend backend = Backend::bulk;
+    std::string trace; // an expression for function names; empty: off
     bool keep_going = false;
     bool quiet = false;
 };
