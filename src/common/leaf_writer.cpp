@@ -38,12 +38,10 @@ void write_value(ccv_yang_output *output, const Record &record, const Leaf &leaf
     case Write::ipv4:
         ccv_yang_ipv4(output, leaf.name, value);
         break;
-    case Write::empty:
+    default: // Write::empty
         if (value != 0) {
             ccv_yang_empty(output, leaf.name);
         }
-        break;
-    default:
         break;
     }
 }

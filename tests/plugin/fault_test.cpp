@@ -1,7 +1,11 @@
 // What one failing allocation or bounded string call does.
 #include <gtest/gtest.h>
 
+#include <cstring>
+
+#include "aceconv/plugin.h"
 #include "recording_host.h"
+#include "um/decoder/emit.h"
 
 namespace aceconv::test {
 namespace {
@@ -132,6 +136,29 @@ TEST(Faults, accounting_sees_leaks_and_second_releases) {
     EXPECT_EQ(host.leaks(), 0U);
     host.release(block);
     EXPECT_EQ(host.faults.size(), 1U);
+}
+
+// The table of TCP flags can produce neither of these.
+TEST(Faults, flag_text_of_other_tables) {
+    const std::string long_name(2077, 'x');
+    const std::string too_long(2079, 'x');
+    const struct {
+        ccv_yang_keyword rows[3];
+        std::uint32_t mask;
+        std::uint32_t status;
+        std::size_t length;
+    } cases[] = {
+        {{{0, "a"}, {31, "b"}, {0, nullptr}}, 0x80000001, 0, 5},
+        {{{0, "a"}, {32, "b"}, {0, nullptr}}, 1, ACE_STATUS_NO_KEYWORD, 2},
+        {{{0, long_name.c_str()}, {1, "b"}, {0, nullptr}}, 1, 0, 2078},
+        {{{0, long_name.c_str()}, {1, "b"}, {0, nullptr}}, 3, ACE_STATUS_NO_SPACE, 2078},
+        {{{0, too_long.c_str()}, {1, "b"}, {0, nullptr}}, 1, ACE_STATUS_NO_SPACE, 1},
+    };
+    for (const auto &row : cases) {
+        ace::um::FlagText built;
+        EXPECT_EQ(ace::um::build_flag_text(row.rows, 1, row.mask, built), row.status);
+        EXPECT_EQ(std::strlen(built.text), row.length);
+    }
 }
 
 } // namespace

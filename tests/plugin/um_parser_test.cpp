@@ -203,6 +203,7 @@ TEST(UmParsers, tcp_flag_names) {
         {"tcp-flags{}", "|"},
         {"tcp-flags{tcp-bits='syn ack'}", "tcpflags=0x12 | 21"},
         {"tcp-flags{tcp-bits=''}", "|"},
+        {"tcp-flags{other=syn tcp-bits2=ack}", "|"},
         {"tcp-flags{tcp-bits=#256}", "|"}, // nothing left in eight bits
         {"tcp-flags{tcp-bits=syn tcp-bits=''}", "| 21"},
         {"tcp-flags{match-all{other='+syn'} match-any{} other{tcp-bits='+syn'}}", "|"},

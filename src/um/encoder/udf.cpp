@@ -44,7 +44,8 @@ std::uint32_t extend_array(ccv_yang_node *list, ace_udf_array &udf) {
     }
     std::memcpy(elements, udf.elements, udf.count * sizeof(ace_udf_element));
     std::free(udf.elements);
-    udf = {count, elements};
+    udf.count = count; // member by member: the padding between them stays zero
+    udf.elements = elements;
     return 0;
 }
 
