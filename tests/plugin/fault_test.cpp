@@ -147,14 +147,14 @@ TEST(Faults, flag_text_of_other_tables) {
         std::uint32_t mask;
         std::uint32_t status;
         std::size_t length;
-    } cases[] = {
+    } texts[] = {
         {{{0, "a"}, {31, "b"}, {0, nullptr}}, 0x80000001, 0, 5},
         {{{0, "a"}, {32, "b"}, {0, nullptr}}, 1, ACE_STATUS_NO_KEYWORD, 2},
         {{{0, long_name.c_str()}, {1, "b"}, {0, nullptr}}, 1, 0, 2078},
         {{{0, long_name.c_str()}, {1, "b"}, {0, nullptr}}, 3, ACE_STATUS_NO_SPACE, 2078},
         {{{0, too_long.c_str()}, {1, "b"}, {0, nullptr}}, 1, ACE_STATUS_NO_SPACE, 1},
     };
-    for (const auto &row : cases) {
+    for (const auto &row : texts) {
         ace::um::FlagText built;
         EXPECT_EQ(ace::um::build_flag_text(row.rows, 1, row.mask, built), row.status);
         EXPECT_EQ(std::strlen(built.text), row.length);
