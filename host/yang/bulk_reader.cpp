@@ -119,7 +119,8 @@ class BulkTree final : public EntryTree {
                 return false;
             }
         }
-        return list.entries != 0 && repeated_key(list) == nullptr;
+        return list.entries != 0 && list.entries <= list.schema->most_entries &&
+               repeated_key(list) == nullptr;
     }
 
     bool take_leaf(json::value value, Node &leaf) {

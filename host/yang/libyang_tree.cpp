@@ -140,6 +140,10 @@ void LibyangTree::add_list(Node &parent, const lyd_node &first) {
             add_children(add(schema_of(*data), &list, NodeForm::list_entry), lyd_child(data));
         }
     }
+    if (list.entries > list.schema->most_entries) {
+        throw DataError(path(list),
+                        "more than " + std::to_string(list.schema->most_entries) + " entries");
+    }
     check_keys(list);
 }
 

@@ -156,6 +156,7 @@ void compile_schema(const lysc_node *node, SchemaNode &result) {
         break;
     case LYS_LIST:
         result.kind = NodeKind::list;
+        result.most_entries = reinterpret_cast<const lysc_node_list *>(node)->max;
         break;
     default:
         unsupported(node, "kind of node");
@@ -198,14 +199,14 @@ std::string expected(const SchemaNode &leaf) {
     case LeafType::string:
         break;
     }
-    if (!leaf.pattern.empty()) {
-        return "a string of the form " + leaf.pattern;
-    }
+    std::string text = "a string";
     if (leaf.largest != std::numeric_limits<std::uint64_t>::max()) {
-        return "a string of " + std::to_string(leaf.smallest) + " to " +
-               std::to_string(leaf.largest) + " characters";
+        text += " of " + std::to_string(leaf.smallest) + " to " + std::to_string(leaf.largest) +
+                " characters";
+    } else if (leaf.smallest != 0) {
+        text += " that is not empty";
     }
-    return leaf.smallest == 0 ? "a string" : "a string that is not empty";
+    return leaf.pattern.empty() ? text : text + " of the form " + leaf.pattern;
 }
 
 } // namespace aceconv

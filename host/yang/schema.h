@@ -35,11 +35,12 @@ struct SchemaNode {
     std::string_view key = {}; // the name, for comparing
     NodeKind kind = NodeKind::container;
     LeafType type = LeafType::none;
-    std::uint8_t place = 0;     // among its siblings, from 0; below max_siblings
-    std::uint64_t smallest = 0; // of number and name_or_number,
-    std::uint64_t largest = 0;  // and of a string's length in characters
-    std::string pattern;        // of a string; empty when there is none
-    std::vector<Name> names;    // of enumeration, name_or_number and bits
+    std::uint8_t place = 0;         // among its siblings, from 0; below max_siblings
+    std::uint64_t smallest = 0;     // of number and name_or_number,
+    std::uint64_t largest = 0;      // and of a string's length in characters
+    std::uint32_t most_entries = 0; // of a list
+    std::string pattern;            // of a string; empty when there is none
+    std::vector<Name> names;        // of enumeration, name_or_number and bits
     const SchemaNode *parent = nullptr;
     const lysc_node *compiled = nullptr;
     std::vector<SchemaNode> children; // in the module's order; a list's key is the first

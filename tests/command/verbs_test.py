@@ -64,12 +64,13 @@ class Inspect(Case):
                                      if "keyword" in f})
 
     def test_unmarked_values_are_shown(self):
-        entry = {"permit": {"udf-entries": {"udf": [
-            {"udf-name": "f%d" % i, "udf-value": "1"} for i in range(9)]}}}
-        record, = self.records(stdin=json.dumps(entry))
-        udf = record["fields"][-1]
-        self.assertEqual((udf["name"], udf["bits"], len(udf["value"]), udf["note"]),
-                         ("UDF", [], 9, "not marked present"))
+        encoded = self.ok("encode", "--schema", "base", stdin='{"qos-group": 5}')
+        self.assertIn((1 << 55).to_bytes(8, "big"), encoded)  # the mask: another bit instead
+        encoded = encoded.replace((1 << 55).to_bytes(8, "big"), (1 << 56).to_bytes(8, "big"))
+        record, = self.records(stdin=encoded)
+        field, = [f for f in record["fields"] if f["name"] == "qos_group"]
+        self.assertEqual((field["bits"], field["value"], field["note"]),
+                         ([], 5, "not marked present"))
 
     def test_text(self):
         text = self.ok("inspect", stdin=document("base", ("X", numbered(WEB)))).decode()

@@ -202,7 +202,7 @@ const Failing failing[] = {
      S::repeated, "/deny/udf-entries/udf[udf-name='a']: a second entry with the same key"},
     {um, "deny udf-entries *udf", [](Output out) { udf(out, ""); }, S::refused,
      "/deny/udf-entries/udf/udf-name: Unsatisfied length - string \"\" length is not allowed; "
-     "expected a string of 1 to 16 characters"},
+     "expected a string of 1 to 16 characters of the form [ -~]*"},
     {um, "deny udf-entries *udf",
      [](Output out) {
          ccv_yang_list_entry_begin(out, "udf", 1);

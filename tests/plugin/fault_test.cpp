@@ -140,6 +140,7 @@ TEST(Faults, accounting_sees_leaks_and_second_releases) {
 
 // The table of TCP flags can produce neither of these.
 TEST(Faults, flag_text_of_other_tables) {
+    const Host host; // supplies the bounded append
     const std::string long_name(2077, 'x');
     const std::string too_long(2079, 'x');
     const struct {

@@ -122,7 +122,7 @@ std::vector<FieldValue> RecordView::describe(const ipv4_acl_config_ace &record,
     }
     for (std::size_t bit = 0; bit < bits.size(); ++bit)
         if (bits.test(bit)) {
-            FieldValue value;
+            FieldValue value{};
             value.name = "bit " + bit_name(static_cast<int>(bit));
             value.bits = {static_cast<int>(bit)};
             value.note = bit == 42 || bit == 43
