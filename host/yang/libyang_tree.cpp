@@ -1,6 +1,5 @@
 #include "host/yang/libyang_tree.h"
 
-#include <algorithm>
 #include <bit>
 #include <new>
 

@@ -4,7 +4,6 @@
 
 #include "host/error.h"
 #include "host/yang/backend.h"
-#include "host/yang/data_path.h"
 #include "host/yang/libyang_tree.h"
 #include "host/yang/modules.h"
 
