@@ -13,6 +13,9 @@ namespace aceconv {
 /// A JSON string as the leaf's value.
 bool text_value(const SchemaNode &leaf, std::string_view text, Value &value);
 
+/// A dotted quad without leading zeros.
+bool ipv4_value(std::string_view text, Value &value);
+
 /// A JSON number as the leaf's value.
 bool number_value(const SchemaNode &leaf, std::uint64_t number, Value &value);
 

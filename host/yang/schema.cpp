@@ -128,18 +128,6 @@ std::string number_range(const SchemaNode &leaf) {
 
 } // namespace
 
-const SchemaNode *SchemaNode::find(std::string_view wanted, std::size_t hint) const {
-    const std::size_t count = children.size();
-    std::size_t at = hint < count ? hint : 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        if (wanted == children[at].key) {
-            return &children[at];
-        }
-        at = at + 1 < count ? at + 1 : 0;
-    }
-    return nullptr;
-}
-
 void compile_schema(const lysc_node *node, SchemaNode &result) {
     result.name = node->name;
     result.key = node->name;

@@ -45,9 +45,23 @@ struct SchemaNode {
     const lysc_node *compiled = nullptr;
     std::vector<SchemaNode> children; // in the module's order; a list's key is the first
 
-    /// The child of that name; `hint` is where the search starts, best the place
-    /// behind the child found before.
-    [[nodiscard]] const SchemaNode *find(std::string_view wanted, std::size_t hint = 0) const;
+    /// The child whose name `is_wanted`; `hint` is where the search starts, best the
+    /// place behind the child found before.
+    template <class IsWanted>
+    [[nodiscard]] const SchemaNode *find_if(IsWanted is_wanted, std::size_t hint) const {
+        const std::size_t count = children.size();
+        std::size_t at = hint < count ? hint : 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            if (is_wanted(children[at].key)) {
+                return &children[at];
+            }
+            at = at + 1 < count ? at + 1 : 0;
+        }
+        return nullptr;
+    }
+    [[nodiscard]] const SchemaNode *find(std::string_view wanted, std::size_t hint = 0) const {
+        return find_if([&](std::string_view candidate) { return candidate == wanted; }, hint);
+    }
 };
 
 /// Siblings fit a 64-bit set.
