@@ -112,16 +112,15 @@ struct ccv_yang_output {
     struct Level {
         const aceconv::SchemaNode *schema;
         NodeForm form;
-        bool opened = false;                       // the backend knows it
-        std::uint8_t hint = 0;                     // where the next child is looked for
-        std::uint64_t given = 0;                   // children by place
-        std::string key = {};                      // of a list entry
-        std::unordered_set<std::string> keys = {}; // of a list
+        bool opened = false;              // the backend knows it and what is around it
+        std::uint8_t hint = 0;            // where the next child is looked for
+        std::uint64_t given = 0;          // children by place
+        const std::string *key = nullptr; // of a list entry, one of keys_
     };
 
     [[nodiscard]] std::string position(const char *name) const;
     const aceconv::SchemaNode *child(const char *name, aceconv::NodeKind kind);
-    bool open_pending();
+    bool open_pending(std::size_t count);
     std::uint32_t end(NodeForm form);
     std::uint32_t entry_key(const aceconv::SchemaNode &leaf, std::string_view key);
 
@@ -129,6 +128,7 @@ struct ccv_yang_output {
     const aceconv::SchemaNode &entry_;
     const bool drop_empty_;
     std::vector<Level> levels_;
+    std::vector<std::unordered_set<std::string>> keys_; // of the open lists
     aceconv::EntryKey where_;
     aceconv::YangStatus failure_ = aceconv::YangStatus::ok;
     std::string failure_path_;

@@ -1,6 +1,4 @@
 // The bulk backend's writer: the emitters' calls appended as JSON text.
-#include <arpa/inet.h>
-
 #include <charconv>
 #include <stdexcept>
 
@@ -41,7 +39,7 @@ class BulkOutput final : public ccv_yang_output {
     bool open(const SchemaNode &container, std::string & /*why*/) override {
         name(container);
         text_ += '{';
-        levels_.push_back({.close = "}"});
+        levels_.emplace_back();
         return true;
     }
 
@@ -56,13 +54,13 @@ class BulkOutput final : public ccv_yang_output {
             levels_.back().list = &list;
         }
         text_ += '{';
-        levels_.push_back({.close = "}"});
+        levels_.emplace_back();
         return put(list.children[0], {.kind = ValueKind::text, .text = key}, why);
     }
 
     void close() override {
         end_list();
-        text_ += levels_.back().close;
+        text_ += '}';
         levels_.pop_back();
     }
 
@@ -82,15 +80,19 @@ class BulkOutput final : public ccv_yang_output {
         case ValueKind::empty:
             text_ += "[null]";
             break;
-        default:
+        case ValueKind::text:
             quoted(value.text);
+            break;
+        default: // names and addresses hold nothing to escape
+            text_ += '"';
+            text_ += value.text;
+            text_ += '"';
         }
         return true;
     }
 
   private:
     struct Level {
-        const char *close = "";
         bool holds_nodes = false;
         const SchemaNode *list = nullptr; // whose array is open here
     };
@@ -98,7 +100,9 @@ class BulkOutput final : public ccv_yang_output {
     static bool acceptable(const SchemaNode &leaf, const Value &value) {
         Value taken;
         switch (value.kind) {
-        case ValueKind::text:
+        case ValueKind::text: // an emitter has looked at the characters
+            return leaf.type == LeafType::string ? takes_text(leaf, value.text)
+                                                 : text_value(leaf, value.text, taken);
         case ValueKind::name:
         case ValueKind::bits:
             return text_value(leaf, value.text, taken);
@@ -117,10 +121,11 @@ class BulkOutput final : public ccv_yang_output {
     /// The name of the next node here.
     void name(const SchemaNode &node) {
         end_list();
-        text_ += levels_.back().holds_nodes ? ",\"" : "\"";
+        if (levels_.back().holds_nodes) {
+            text_ += ',';
+        }
         levels_.back().holds_nodes = true;
-        text_ += node.name;
-        text_ += "\":";
+        text_ += node.member;
     }
 
     void number(std::uint64_t value) {

@@ -61,9 +61,6 @@ std::size_t length(std::string_view text) {
 } // namespace
 
 bool takes_text(const SchemaNode &leaf, std::string_view text) {
-    if (text_fault(text) != nullptr) {
-        return false;
-    }
     const bool any_length =
         leaf.smallest == 0 && leaf.largest == std::numeric_limits<std::uint64_t>::max();
     if (!any_length) {
@@ -80,7 +77,7 @@ bool text_value(const SchemaNode &leaf, std::string_view text, Value &value) {
     switch (leaf.type) {
     case LeafType::string:
         value.kind = ValueKind::text;
-        return takes_text(leaf, text);
+        return text_fault(text) == nullptr && takes_text(leaf, text);
     case LeafType::enumeration:
     case LeafType::name_or_number:
         value.kind = ValueKind::name;

@@ -30,6 +30,9 @@ Bounds bounds(const lysc_range *range, std::uint64_t largest) {
 template <class Item>
 void take_names(const Item *items, std::vector<SchemaNode::Name> &names) {
     for (LY_ARRAY_COUNT_TYPE i = 0; i < LY_ARRAY_COUNT(items); ++i) {
+        if (std::strpbrk(items[i].name, "\"\\") != nullptr) { // written without escapes
+            throw std::logic_error(std::string("name ") + items[i].name + ": quoted characters");
+        }
         // Bits and enumerations share libyang's item; `position` is its unsigned reading.
         names.push_back({items[i].position, items[i].name});
     }
@@ -131,6 +134,7 @@ std::string number_range(const SchemaNode &leaf) {
 void compile_schema(const lysc_node *node, SchemaNode &result) {
     result.name = node->name;
     result.key = node->name;
+    result.member = '"' + std::string(node->name) + "\":";
     result.compiled = node;
     // libyang leaves the private pointer to its user but hands out constant nodes.
     const_cast<lysc_node *>(node)->priv = &result;

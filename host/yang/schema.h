@@ -33,6 +33,7 @@ struct SchemaNode {
 
     const char *name = "";
     std::string_view key = {}; // the name, for comparing
+    std::string member;        // "name": as JSON has it
     NodeKind kind = NodeKind::container;
     LeafType type = LeafType::none;
     std::uint8_t place = 0;         // among its siblings, from 0; below max_siblings
