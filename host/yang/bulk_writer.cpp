@@ -4,6 +4,7 @@
 
 #include "host/yang/leaf_value.h"
 #include "host/yang/modules.h"
+#include "host/yang/text_buffer.h"
 
 namespace aceconv {
 
@@ -18,7 +19,8 @@ class BulkOutput final : public ccv_yang_output {
 
     void start(const EntryKey &where) {
         restart(where);
-        text_ = "{";
+        text_.clear();
+        text_ += '{';
         levels_.assign(1, {});
         started_ = true;
         if (where.sequence) {
@@ -31,7 +33,7 @@ class BulkOutput final : public ccv_yang_output {
             throw std::logic_error("finish without begin");
         }
         check_complete();
-        text += text_;
+        text += text_.text();
         text += '}';
     }
 
@@ -75,10 +77,10 @@ class BulkOutput final : public ccv_yang_output {
             number(value.number);
             break;
         case ValueKind::boolean:
-            text_ += value.number != 0 ? "true" : "false";
+            text_ += std::string_view(value.number != 0 ? "true" : "false");
             break;
         case ValueKind::empty:
-            text_ += "[null]";
+            text_ += std::string_view("[null]");
             break;
         case ValueKind::text:
             quoted(value.text);
@@ -129,9 +131,10 @@ class BulkOutput final : public ccv_yang_output {
     }
 
     void number(std::uint64_t value) {
-        char digits[20];
-        const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-        text_.append(digits, end);
+        constexpr std::size_t most = 20; // digits
+        char *digits = text_.room(most);
+        text_.grow(
+            static_cast<std::size_t>(std::to_chars(digits, digits + most, value).ptr - digits));
     }
 
     /// A JSON string (RFC 8259, section 7) with the escapes that libyang writes.
@@ -143,39 +146,39 @@ class BulkOutput final : public ccv_yang_output {
             if (static_cast<unsigned char>(byte) >= 0x20 && byte != '"' && byte != '\\') {
                 continue;
             }
-            text_.append(value, plain, at - plain);
+            text_ += value.substr(plain, at - plain);
             plain = at + 1;
             escape(byte);
         }
-        text_.append(value, plain);
+        text_ += value.substr(plain);
         text_ += '"';
     }
 
     void escape(char byte) {
         switch (byte) {
         case '"':
-            text_ += "\\\"";
+            text_ += std::string_view("\\\"");
             break;
         case '\\':
-            text_ += "\\\\";
+            text_ += std::string_view("\\\\");
             break;
         case '\r':
-            text_ += "\\r";
+            text_ += std::string_view("\\r");
             break;
         case '\t':
-            text_ += "\\t";
+            text_ += std::string_view("\\t");
             break;
         default: {
             constexpr char digits[] = "0123456789ABCDEF";
             const auto code = static_cast<unsigned char>(byte);
-            text_ += "\\u00";
+            text_ += std::string_view("\\u00");
             text_ += digits[code >> 4U];
             text_ += digits[code & 0xFU];
         }
         }
     }
 
-    std::string text_;
+    TextBuffer text_;
     std::vector<Level> levels_;
     bool started_ = false;
 };

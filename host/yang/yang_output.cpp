@@ -1,4 +1,5 @@
 // What the emitters of aceconv/host/yang_access.h do, for any backend.
+#include <cstring>
 #include <new>
 
 #include "host/error.h"
@@ -89,7 +90,11 @@ std::uint32_t ccv_yang_output::fail(YangStatus status, const char *name, std::st
 }
 
 const SchemaNode *ccv_yang_output::peek(const char *name) const {
-    return levels_.back().schema->find(name, levels_.back().hint);
+    // Most names differ in their first character.
+    const auto is_named = [&](std::string_view key) {
+        return key.front() == name[0] && std::strcmp(key.data(), name) == 0;
+    };
+    return levels_.back().schema->find_if(is_named, levels_.back().hint);
 }
 
 /// The child that a call names, checked and noted as given; null after a failure.
