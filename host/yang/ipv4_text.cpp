@@ -5,40 +5,27 @@
 
 namespace aceconv {
 
-namespace {
-
-/// Takes a number 0 to 255 without leading zeros off the front of `text`.
-bool take_octet(std::string_view &text, std::uint8_t &octet) {
-    unsigned number = 0;
-    std::size_t digits = 0;
-    while (digits < text.size() && digits < 3 && text[digits] >= '0' && text[digits] <= '9') {
-        number = number * 10 + static_cast<unsigned>(text[digits++] - '0');
-    }
-    if (digits == 0 || number > 255 || (digits > 1 && text[0] == '0')) {
-        return false;
-    }
-    octet = static_cast<std::uint8_t>(number);
-    text.remove_prefix(digits);
-    return true;
-}
-
-} // namespace
-
 bool read_ipv4(std::string_view text, std::uint32_t &address) {
     std::array<std::uint8_t, 4> octets{};
-    for (std::size_t i = 0; i < octets.size(); ++i) {
-        if (i > 0) {
-            if (text.empty() || text[0] != '.') {
-                return false;
-            }
-            text.remove_prefix(1);
-        }
-        if (!take_octet(text, octets[i])) {
+    const char *at = text.data();
+    const char *const end = at + text.size();
+    for (std::uint8_t &octet : octets) {
+        if (&octet != octets.data() && (at == end || *at++ != '.')) {
             return false;
         }
+        const char *const start = at;
+        unsigned number = 0;
+        for (; at != end && *at >= '0' && *at <= '9'; ++at) {
+            number = number * 10 + static_cast<unsigned>(*at - '0');
+        }
+        const auto digits = at - start;
+        if (digits == 0 || digits > 3 || number > 255 || (digits > 1 && *start == '0')) {
+            return false;
+        }
+        octet = static_cast<std::uint8_t>(number);
     }
     std::memcpy(&address, octets.data(), sizeof address);
-    return text.empty();
+    return at == end;
 }
 
 Ipv4Text::Ipv4Text(std::uint32_t address) {

@@ -16,7 +16,7 @@ namespace {
 bool is_name(const SchemaNode &leaf, std::string_view text) {
     return std::any_of(leaf.names.begin(), leaf.names.end(), [&](const SchemaNode::Name &name) {
         // Most names differ in their first character.
-        return !text.empty() && text[0] == name.text[0] && text == name.text;
+        return !text.empty() && text.front() == name.text.front() && text == name.text;
     });
 }
 

@@ -27,8 +27,8 @@ enum class LeafType : std::uint8_t {
 
 struct SchemaNode {
     struct Name {
-        std::uint32_t value; // of an enumeration's name; position of a bit
-        const char *text;
+        std::uint32_t value;   // of an enumeration's name; position of a bit
+        std::string_view text; // NUL-terminated
     };
 
     const char *name = "";
@@ -46,17 +46,22 @@ struct SchemaNode {
     const lysc_node *compiled = nullptr;
     std::vector<SchemaNode> children; // in the module's order; a list's key is the first
 
-    /// The child whose name `is_wanted`; `hint` is where the search starts, best the
-    /// place behind the child found before.
+    /// The child whose name `is_wanted`; `hint` is where the search starts, 0 or the
+    /// place behind a child.
     template <class IsWanted>
     [[nodiscard]] const SchemaNode *find_if(IsWanted is_wanted, std::size_t hint) const {
-        const std::size_t count = children.size();
-        std::size_t at = hint < count ? hint : 0;
-        for (std::size_t i = 0; i < count; ++i) {
-            if (is_wanted(children[at].key)) {
-                return &children[at];
+        const SchemaNode *begin = children.data();
+        const SchemaNode *end = begin + children.size();
+        const SchemaNode *start = begin + hint; // at the end at most
+        for (const SchemaNode *child = start; child != end; ++child) {
+            if (is_wanted(child->key)) {
+                return child;
             }
-            at = at + 1 < count ? at + 1 : 0;
+        }
+        for (const SchemaNode *child = begin; child != start; ++child) {
+            if (is_wanted(child->key)) {
+                return child;
+            }
         }
         return nullptr;
     }
