@@ -49,9 +49,39 @@ cbor_callbacks make_callbacks() noexcept {
 
 const cbor_callbacks item_callbacks = make_callbacks();
 
+/// Reads a number, string, array or map whose head and content are complete,
+/// which is most of any encoding; false leaves the item to libcbor.
+bool read_plain(std::span<const std::uint8_t> bytes, Item &item) noexcept {
+    constexpr ItemKind kinds[] = {ItemKind::number, ItemKind::other, ItemKind::bytes,
+                                  ItemKind::text,   ItemKind::array, ItemKind::map};
+    if (bytes.empty())
+        return false;
+    const std::size_t major = bytes[0] >> 5U;
+    const unsigned info = bytes[0] & 0x1FU;
+    const std::size_t head = info < 24 ? 1 : 1 + (std::size_t{1} << (info - 24U) % 4U);
+    if (major >= std::size(kinds) || major == 1 || info > 27 || head > bytes.size())
+        return false;
+    std::uint64_t value = info;
+    if (head > 1) {
+        value = 0;
+        for (const std::uint8_t byte : bytes.subspan(1, head - 1))
+            value = value << 8U | byte;
+    }
+    item = {kinds[major], value, nullptr, head};
+    if (item.kind == ItemKind::bytes || item.kind == ItemKind::text) {
+        if (value > bytes.size() - head)
+            return false;
+        item.data = bytes.data() + head;
+        item.size += static_cast<std::size_t>(value);
+    }
+    return true;
+}
+
 } // namespace
 
 ItemStatus read_item(std::span<const std::uint8_t> bytes, Item &item) noexcept {
+    if (read_plain(bytes, item))
+        return ItemStatus::ok;
     item = {ItemKind::other, 0, nullptr, 0};
     const cbor_decoder_result result =
         cbor_stream_decode(bytes.data(), bytes.size(), &item_callbacks, &item);

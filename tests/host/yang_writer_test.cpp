@@ -344,7 +344,7 @@ std::string everything(const SchemaNode &node) {
         } else if (number) {
             text.append(std::to_string(child.largest));
         } else if (!child.names.empty()) {
-            const char *name = child.names[child.names.size() / 2].text;
+            const char *name = child.names[child.names.size() / 2].text.data();
             text.append("\"").append(name).append("\"");
         } else {
             text.append(samples[static_cast<std::size_t>(child.type)]);
