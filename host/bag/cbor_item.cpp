@@ -58,14 +58,17 @@ bool read_plain(std::span<const std::uint8_t> bytes, Item &item) noexcept {
         return false;
     const std::size_t major = bytes[0] >> 5U;
     const unsigned info = bytes[0] & 0x1FU;
-    const std::size_t head = info < 24 ? 1 : 1 + (std::size_t{1} << (info - 24U) % 4U);
-    if (major >= std::size(kinds) || major == 1 || info > 27 || head > bytes.size())
+    if (major >= std::size(kinds) || major == 1 || info > 27)
         return false;
+    std::size_t head = 1;
     std::uint64_t value = info;
-    if (head > 1) {
+    if (info >= 24) {
+        head += std::size_t{1} << (info - 24U);
+        if (head > bytes.size())
+            return false;
         value = 0;
-        for (const std::uint8_t byte : bytes.subspan(1, head - 1))
-            value = value << 8U | byte;
+        for (std::size_t i = 1; i < head; ++i)
+            value = value << 8U | bytes[i];
     }
     item = {kinds[major], value, nullptr, head};
     if (item.kind == ItemKind::bytes || item.kind == ItemKind::text) {
@@ -148,6 +151,11 @@ std::optional<std::size_t> cbor_item_length(std::span<const std::uint8_t> bytes)
     std::size_t at = 0;
     std::uint64_t open = 1; // items still to come
     while (open > 0) {
+        if (at < bytes.size() && bytes[at] < 24) { // most keys, many numbers
+            ++at;
+            --open;
+            continue;
+        }
         Item item{};
         if (read_item(bytes.subspan(at), item) != ItemStatus::ok ||
             item.kind == ItemKind::indefinite)

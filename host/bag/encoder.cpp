@@ -59,12 +59,6 @@ bool is_empty_block(const Member &member, const std::uint8_t *field) {
     return true;
 }
 
-/// False also for a word that reaches beyond the record.
-bool is_zero_word(const RecordType &type, const std::uint8_t *record, std::size_t word) {
-    return (word + 1) * word_bytes <= type.size &&
-           load<std::uint64_t>(record + word * word_bytes) == 0;
-}
-
 [[nodiscard]] bool write_record(Output &output, const RecordType &type, const std::uint8_t *record);
 
 [[nodiscard]] bool write_string(Output &output, const std::uint8_t *field, const char *name) {
@@ -122,12 +116,14 @@ bool is_zero_word(const RecordType &type, const std::uint8_t *record, std::size_
 bool write_record(Output &output, const RecordType &type, const std::uint8_t *record) {
     std::array<std::uint16_t, max_members> present; // the first `count` are set
     std::size_t count = 0;
+    const std::size_t whole_words = type.size / word_bytes;
+    const WordMembers *const words = type.words.data();
     std::size_t next = 0; // member; one that reaches into several words is looked at once
     for (std::size_t word = 0; word < type.words.size(); ++word) {
-        if (is_zero_word(type, record, word))
+        if (word < whole_words && load<std::uint64_t>(record + word * word_bytes) == 0)
             continue;
-        for (next = std::max<std::size_t>(next, type.words[word].begin);
-             next < type.words[word].end; ++next)
+        const std::size_t end = words[word].end;
+        for (next = std::max<std::size_t>(next, words[word].begin); next < end; ++next)
             if (!is_empty(type.members[next], record + type.members[next].offset))
                 present[count++] = static_cast<std::uint16_t>(next);
     }

@@ -28,7 +28,7 @@ enum class LeafType : std::uint8_t {
 struct SchemaNode {
     struct Name {
         std::uint32_t value;   // of an enumeration's name; position of a bit
-        std::string_view text; // NUL-terminated
+        std::string_view text; // a NUL follows
     };
 
     const char *name = "";

@@ -128,12 +128,13 @@ const SchemaNode *ccv_yang_output::child(const char *name, NodeKind kind) {
 
 /// Opens what was held back of the outermost `count` levels.
 bool ccv_yang_output::open_pending(std::size_t count) {
-    if (levels_[count - 1].opened) {
-        return true;
+    std::size_t pending = count; // what is around an open level is open
+    while (!levels_[pending - 1].opened) {
+        --pending;
     }
-    for (std::size_t i = 0; i < count; ++i) {
-        Level &level = levels_[i];
-        if (level.opened || level.form == NodeForm::list) {
+    for (; pending < count; ++pending) {
+        Level &level = levels_[pending];
+        if (level.form == NodeForm::list) {
             continue;
         }
         if (level.form == NodeForm::list_entry) {

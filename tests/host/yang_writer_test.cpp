@@ -284,7 +284,7 @@ class Copy {
     void leaf(ccv_yang_node *node, const char *name) {
         std::vector<ccv_yang_keyword> table;
         for (const SchemaNode::Name &row : node->schema->names) {
-            table.push_back({row.value, row.text});
+            table.push_back({row.value, row.text.data()});
         }
         table.push_back({0, nullptr});
         std::uint32_t value = 0;
