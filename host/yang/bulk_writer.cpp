@@ -67,8 +67,7 @@ class BulkOutput final : public ccv_yang_output {
     }
 
     bool put(const SchemaNode &leaf, const Value &value, std::string &why) override {
-        if (!acceptable(leaf, value)) {
-            why = "\"" + std::string(value.text) + "\"; expected " + expected(leaf);
+        if (!takes_value(leaf, value, why)) {
             return false;
         }
         name(leaf);
@@ -98,20 +97,6 @@ class BulkOutput final : public ccv_yang_output {
         bool holds_nodes = false;
         const SchemaNode *list = nullptr; // whose array is open here
     };
-
-    static bool acceptable(const SchemaNode &leaf, const Value &value) {
-        Value taken;
-        switch (value.kind) {
-        case ValueKind::text: // an emitter has looked at the characters
-            return leaf.type == LeafType::string ? takes_text(leaf, value.text)
-                                                 : text_value(leaf, value.text, taken);
-        case ValueKind::name:
-        case ValueKind::bits:
-            return text_value(leaf, value.text, taken);
-        default: // checked by type and range already
-            return true;
-        }
-    }
 
     void end_list() {
         if (levels_.back().list != nullptr) {

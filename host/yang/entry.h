@@ -80,6 +80,24 @@ class EntryWriter {
     virtual void finish(std::string &text) = 0;
 };
 
+/// Takes what a decoder emits as nodes instead of text, to be compared.
+class EntryMirror {
+  public:
+    virtual ~EntryMirror() = default;
+
+    /// Like EntryWriter's.
+    virtual ccv_yang_output *begin(const EntryKey &where) = 0;
+    /// Throws what EntryWriter::finish throws. The node stays valid until the next begin.
+    virtual const ccv_yang_node &finish() = 0;
+};
+std::unique_ptr<EntryMirror> make_mirror(Modules &modules, Schema schema);
+
+/// Whether every node of `original` stands in `entry` too, leaves with the same
+/// value (a name and its number are the same), list entries in the same places;
+/// the sequence number does not count. False may also mean another way of
+/// writing the same.
+bool says_all_of(const ccv_yang_node &entry, const ccv_yang_node &original);
+
 /// The validating backend, on libyang.
 std::unique_ptr<EntryReader> make_validating_reader(Modules &modules, Schema schema, Format format);
 std::unique_ptr<EntryWriter> make_validating_writer(Modules &modules, Schema schema, Format format);

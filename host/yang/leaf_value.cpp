@@ -92,6 +92,27 @@ bool text_value(const SchemaNode &leaf, std::string_view text, Value &value) {
     }
 }
 
+bool takes_value(const SchemaNode &leaf, const Value &value, std::string &why) {
+    Value taken;
+    bool takes = true; // others are checked by type and range already
+    switch (value.kind) {
+    case ValueKind::text: // an emitter has looked at the characters
+        takes = leaf.type == LeafType::string ? takes_text(leaf, value.text)
+                                              : text_value(leaf, value.text, taken);
+        break;
+    case ValueKind::name:
+    case ValueKind::bits:
+        takes = text_value(leaf, value.text, taken);
+        break;
+    default:
+        break;
+    }
+    if (!takes) {
+        why = "\"" + std::string(value.text) + "\"; expected " + expected(leaf);
+    }
+    return takes;
+}
+
 bool ipv4_value(std::string_view text, Value &value) {
     std::uint32_t address = 0;
     const bool taken = read_ipv4(text, address);

@@ -22,12 +22,11 @@ struct CheckOptions {
 std::vector<Change> check(Codec &codec, const RecordView &view, Entry &entry) {
     const Encoding encoded = codec.encode(entry);
     const Bytes encoding(encoded.begin(), encoded.end());
-    Entry again{.key = entry.key, .schema = entry.schema, .format = Format::json};
-    codec.decode(encoding, entry.schema, Format::json, entry.key, again.text);
     std::vector<Change> changes;
     if (entry.format)
-        changes = lost_leaves(leaves_of(entry.text, *entry.format),
-                              leaves_of(again.text, Format::json), entry.schema);
+        changes = lost_leaves(codec, entry, encoding);
+    Entry again{.key = entry.key, .schema = entry.schema, .format = Format::json};
+    codec.decode(encoding, entry.schema, Format::json, entry.key, again.text);
     const Encoding second = codec.encode(again);
     if (std::equal(second.begin(), second.end(), encoding.begin(), encoding.end()))
         return changes;

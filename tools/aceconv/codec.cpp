@@ -67,6 +67,7 @@ Encoding Codec::encode(Entry &entry, Encoding stored) {
     if (!entry.format)
         return entry.encoding;
     EntryReader &source = reader(entry.schema, *entry.format);
+    read_ = nullptr;
     ccv_yang_node *node = nullptr;
     try {
         node = source.read(entry.text, entry.key);
@@ -88,19 +89,32 @@ Encoding Codec::encode(Entry &entry, Encoding stored) {
     if (status != 0)
         throw source.explain(status);
     encoded_.reset(encoded);
+    read_ = node;
     return {encoded, length};
 }
 
-void Codec::decode(Encoding encoding, Schema schema, Format format, const EntryKey &key,
-                   std::string &text) {
-    EntryWriter &target = writer(schema, format);
-    ccv_yang_output *output = target.begin(key);
+void Codec::run_decoder(ccv_yang_output *output, Encoding encoding, Schema schema) const {
     const Decoder decoder = schema == Schema::base ? plugin_.decode_base : plugin_.decode_um;
     const std::uint32_t status =
         decoder(output, encoding.data(), static_cast<std::uint32_t>(encoding.size()));
     if (status != 0)
         throw DataError("", decoder_fault(status));
+}
+
+void Codec::decode(Encoding encoding, Schema schema, Format format, const EntryKey &key,
+                   std::string &text) {
+    EntryWriter &target = writer(schema, format);
+    run_decoder(target.begin(key), encoding, schema);
     target.finish(text);
+}
+
+bool Codec::gives_back(Encoding encoding, Schema schema, const EntryKey &key) {
+    auto &mirror = mirrors_[schema == Schema::um ? 1 : 0];
+    if (!mirror)
+        mirror = make_mirror(modules_, schema);
+    run_decoder(mirror->begin(key), encoding, schema);
+    const ccv_yang_node &decoded = mirror->finish();
+    return read_ != nullptr && says_all_of(decoded, *read_);
 }
 
 } // namespace aceconv::tool

@@ -36,11 +36,17 @@ class Codec {
     void decode(Encoding encoding, Schema schema, Format format, const EntryKey &key,
                 std::string &text);
 
+    /// Whether decoding `encoding` gives back every node of the entry last encoded
+    /// from text, with the same values. False may also mean another way of writing
+    /// the same. Throws DataError.
+    bool gives_back(Encoding encoding, Schema schema, const EntryKey &key);
+
     [[nodiscard]] const bag_descriptor &descriptor() const { return *plugin_.descriptor; }
 
   private:
     EntryReader &reader(Schema schema, Format format);
     EntryWriter &writer(Schema schema, Format format);
+    void run_decoder(ccv_yang_output *output, Encoding encoding, Schema schema) const;
 
     [[nodiscard]] bool bulk(Format format) const {
         return backend_ == Backend::bulk && format == Format::json;
@@ -49,7 +55,9 @@ class Codec {
     const Plugin plugin_;
     Modules modules_;
     const Backend backend_;
+    std::array<std::unique_ptr<EntryMirror>, 2> mirrors_;
     std::unique_ptr<std::uint8_t, void (*)(void *)> encoded_;
+    const ccv_yang_node *read_ = nullptr; // the entry last encoded from text
     std::array<std::unique_ptr<EntryReader>, 4> readers_;
     std::array<std::unique_ptr<EntryWriter>, 4> writers_;
 };

@@ -1,6 +1,7 @@
 // aceconv convert: from one schema to the other through the record, with an
 // account of everything that did not come along.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 
 #include "tools/aceconv/changes.h"
 #include "tools/aceconv/errors.h"
@@ -39,23 +40,25 @@ void convert(Codec &codec, const RecordView &view, Entry &entry, Schema to, Form
     const Schema from = entry.schema;
     const Encoding encoded = codec.encode(entry);
     const Bytes encoding(encoded.begin(), encoded.end());
-    if (entry.format) {
-        std::string kept;
-        codec.decode(encoding, from, Format::json, {}, kept);
-        product.changes =
-            lost_leaves(leaves_of(entry.text, *entry.format), leaves_of(kept, Format::json), from);
-    }
+    if (entry.format)
+        product.changes = lost_leaves(codec, entry, encoding);
     Record source(codec.descriptor(), encoding);
+    const bool typed = has_fragment_type(source.get());
     const bool untranslated = translate_fragment_type(source.get(), from, to);
-    codec.decode(source.encode(), to, format, entry.key, product.bytes);
+    const Bytes translated = typed ? source.encode() : encoding;
+    codec.decode(translated, to, format, entry.key, product.bytes);
 
     Entry again{.key = entry.key, .schema = to, .format = format, .text = product.bytes};
-    Record target(codec.descriptor(), codec.encode(again));
+    const Encoding encoded_again = codec.encode(again);
+    if (!untranslated && std::equal(encoded_again.begin(), encoded_again.end(), translated.begin(),
+                                    translated.end()))
+        return;
+    Record target(codec.descriptor(), encoded_again);
     clear_derived_bits(source.get());
     clear_derived_bits(target.get());
-    std::vector<Difference> differences = view.compare(source, target, to);
-    if (differences.empty() && !untranslated)
+    if (!untranslated && source.encode() == target.encode())
         return;
+    std::vector<Difference> differences = view.compare(source, target, to);
     const auto original = view.describe(Record(codec.descriptor(), encoding).get(), from);
     for (const FieldValue &value : original)
         if (untranslated && value.name == "FragmentFlags")

@@ -184,4 +184,13 @@ std::vector<Change> lost_leaves(const Leaves &before, const Leaves &after, Schem
     return changes;
 }
 
+std::vector<Change> lost_leaves(Codec &codec, const Entry &entry, Encoding encoding) {
+    if (codec.gives_back(encoding, entry.schema, entry.key))
+        return {};
+    std::string kept;
+    codec.decode(encoding, entry.schema, Format::json, entry.key, kept);
+    return lost_leaves(leaves_of(entry.text, *entry.format), leaves_of(kept, Format::json),
+                       entry.schema);
+}
+
 } // namespace aceconv::tool

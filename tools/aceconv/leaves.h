@@ -8,6 +8,7 @@
 
 #include "host/yang/entry.h"
 #include "tools/aceconv/changes.h"
+#include "tools/aceconv/codec.h"
 
 namespace aceconv::tool {
 
@@ -22,5 +23,9 @@ Leaves leaves_of(std::string_view text, Format format);
 /// or has with another value. Two spellings of one value are the same: a name
 /// and its number, a set of flags in another order, "host" and "address".
 std::vector<Change> lost_leaves(const Leaves &before, const Leaves &after, Schema schema);
+
+/// The leaves of `entry`, which `codec` has just encoded from text, that
+/// `encoding`, its encoding, does not give back.
+std::vector<Change> lost_leaves(Codec &codec, const Entry &entry, Encoding encoding);
 
 } // namespace aceconv::tool

@@ -45,8 +45,12 @@ Bytes Record::encode() const {
     return {encoded, encoded + length};
 }
 
+bool has_fragment_type(const ipv4_acl_config_ace &record) {
+    return (record.ConfigurationMask & kFragmentType) != 0;
+}
+
 bool translate_fragment_type(ipv4_acl_config_ace &record, Schema from, Schema to) {
-    if (from == to || (record.ConfigurationMask & kFragmentType) == 0)
+    if (from == to || !has_fragment_type(record))
         return false;
     const char *name = nullptr;
     for (auto row = fragment_types(from); row->name != nullptr; ++row)

@@ -25,6 +25,9 @@ class Record {
     ipv4_acl_config_ace record_{};
 };
 
+/// Whether the record has FragmentFlags, the one field whose numbers depend on the schema.
+[[nodiscard]] bool has_fragment_type(const ipv4_acl_config_ace &record);
+
 /// Renumbers FragmentFlags from one schema's numbering to the other's. A value
 /// without counterpart is removed, and true returned.
 [[nodiscard]] bool translate_fragment_type(ipv4_acl_config_ace &record, Schema from, Schema to);
