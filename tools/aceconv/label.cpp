@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cbor.h>
 #include <limits>
-#include <memory>
 
+#include "host/bag/cbor_item.h"
 #include "tools/aceconv/text.h"
 
 namespace aceconv::tool {
@@ -35,21 +35,17 @@ bool is_label(std::span<const std::uint8_t> item) {
     return !item.empty() && item.front() == kArrayOfTwo;
 }
 
-EntryKey parse_label(std::span<const std::uint8_t> item) {
-    cbor_load_result result{};
-    const auto release = [](cbor_item_t *loaded) { cbor_decref(&loaded); };
-    const std::unique_ptr<cbor_item_t, decltype(release)> label(
-        cbor_load(item.data(), item.size(), &result), release);
+EntryKey parse_label(const std::span<const std::uint8_t> item) {
     EntryKey key;
-    if (label && cbor_isa_array(label.get()) && cbor_array_size(label.get()) == 2) {
-        const cbor_item_t *name = cbor_array_handle(label.get())[0];
-        const cbor_item_t *sequence = cbor_array_handle(label.get())[1];
-        if (cbor_isa_string(name) && cbor_string_is_definite(name))
-            key.acl.emplace(reinterpret_cast<const char *>(cbor_string_handle(name)),
-                            cbor_string_length(name));
-        if (cbor_isa_uint(sequence) && cbor_get_int(sequence) != 0 &&
-            cbor_get_int(sequence) <= std::numeric_limits<std::uint32_t>::max())
-            key.sequence = static_cast<std::uint32_t>(cbor_get_int(sequence));
+    Item head{}, name{}, sequence{};
+    if (read_item(item, head) == ItemStatus::ok &&
+        read_item(item.subspan(head.size), name) == ItemStatus::ok &&
+        read_item(item.subspan(head.size + name.size), sequence) == ItemStatus::ok) {
+        if (name.kind == ItemKind::text && is_utf8({name.data, name.value}))
+            key.acl.emplace(reinterpret_cast<const char *>(name.data), name.value);
+        if (sequence.kind == ItemKind::number && sequence.value != 0 &&
+            sequence.value <= std::numeric_limits<std::uint32_t>::max())
+            key.sequence = static_cast<std::uint32_t>(sequence.value);
     }
     // Whatever was not understood does not come back the same.
     std::string again;
