@@ -31,7 +31,7 @@ const std::string_view *EntryTree::repeated_key(const Node &list) {
     return twice == keys_.end() ? nullptr : &*twice;
 }
 
-std::string EntryTree::path(const Node &node) {
+std::string EntryTree::path(const Node &node) const {
     std::string text;
     for (const Node *at = &node; at->parent != nullptr; at = at->parent) {
         // An entry and its list are one step of a path.

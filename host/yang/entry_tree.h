@@ -16,7 +16,7 @@ class EntryTree : public Entry {
 
     [[nodiscard]] Node &root() { return nodes_.front(); }
     /// The path below the entry.
-    [[nodiscard]] static std::string path(const Node &node);
+    [[nodiscard]] std::string path(const Node &node) const;
 
   protected:
     /// Forgets all nodes and makes room for `count`, so that they stay in place.
