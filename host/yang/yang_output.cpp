@@ -38,6 +38,14 @@ bool takes(LeafType type, ValueKind kind) {
     return false;
 }
 
+const SchemaNode *find_child(const SchemaNode &parent, const char *name, std::size_t hint) {
+    // Most names differ in their first character.
+    const auto is_named = [&](std::string_view key) {
+        return key.front() == name[0] && std::strcmp(key.data(), name) == 0;
+    };
+    return parent.find_if(is_named, hint);
+}
+
 } // namespace
 
 void ccv_yang_output::restart(const aceconv::EntryKey &where) {
@@ -91,11 +99,7 @@ std::uint32_t ccv_yang_output::fail(YangStatus status, const char *name, std::st
 }
 
 const SchemaNode *ccv_yang_output::peek(const char *name) const {
-    // Most names differ in their first character.
-    const auto is_named = [&](std::string_view key) {
-        return key.front() == name[0] && std::strcmp(key.data(), name) == 0;
-    };
-    return innermost().schema->find_if(is_named, innermost().hint);
+    return find_child(*innermost().schema, name, innermost().hint);
 }
 
 /// The child that a call names, checked and noted as given; null after a failure.
@@ -103,11 +107,12 @@ const SchemaNode *ccv_yang_output::child(const char *name, NodeKind kind) {
     if (failure_ != YangStatus::ok) {
         return nullptr;
     }
-    if (innermost().form == NodeForm::list) {
+    Level &level = innermost();
+    if (level.form == NodeForm::list) {
         fail(YangStatus::misplaced, name, "a node between the entries of a list");
         return nullptr;
     }
-    const SchemaNode *found = peek(name);
+    const SchemaNode *found = find_child(*level.schema, name, level.hint);
     if (found == nullptr) {
         fail(YangStatus::unknown_node, name, {});
         return nullptr;
@@ -116,7 +121,6 @@ const SchemaNode *ccv_yang_output::child(const char *name, NodeKind kind) {
         fail(YangStatus::wrong_type, name, "expected " + expected(*found));
         return nullptr;
     }
-    Level &level = innermost();
     const std::uint64_t bit = std::uint64_t{1} << found->place;
     if ((level.given & bit) != 0) {
         fail(YangStatus::repeated, name, {});
