@@ -52,8 +52,8 @@ const cbor_callbacks item_callbacks = make_callbacks();
 /// Reads a number, string, array or map whose head and content are complete,
 /// which is most of any encoding; false leaves the item to libcbor.
 bool read_plain(std::span<const std::uint8_t> bytes, Item &item) noexcept {
-    constexpr ItemKind kinds[] = {ItemKind::number, ItemKind::other, ItemKind::bytes,
-                                  ItemKind::text,   ItemKind::array, ItemKind::map};
+    static constexpr ItemKind kinds[] = {ItemKind::number, ItemKind::other, ItemKind::bytes,
+                                         ItemKind::text,   ItemKind::array, ItemKind::map};
     if (bytes.empty())
         return false;
     const std::size_t major = bytes[0] >> 5U;

@@ -123,6 +123,17 @@ std::vector<WordMembers> members_by_word(const RecordType &type) {
     return words;
 }
 
+void add_blocks(const Member &member, std::vector<OwnedBlock> &blocks) {
+    const std::size_t start = member.offset;
+    if (member.kind == Kind::string)
+        blocks.push_back({start, 0, nullptr});
+    else if (member.kind == Kind::array)
+        blocks.push_back({start + elements_pointer, start, member.type});
+    else if (member.kind == Kind::record)
+        for (const OwnedBlock &inner : member.type->blocks)
+            blocks.push_back({start + inner.address, start + inner.count, inner.element});
+}
+
 /// Lays `described` out with natural alignment, which leaves one place for each
 /// member, and compares that with the row.
 RecordType compile_type(const DescribedType &described, const bag_layout &row,
@@ -151,9 +162,7 @@ RecordType compile_type(const DescribedType &described, const bag_layout &row,
         type.alignment = std::max(type.alignment, shape.alignment);
         type.members.push_back({shape.kind, static_cast<std::uint32_t>(start),
                                 static_cast<std::uint32_t>(shape.width), inner});
-        if (shape.kind == Kind::string || shape.kind == Kind::array ||
-            (shape.kind == Kind::record && !inner->owners.empty()))
-            type.owners.push_back(type.members.back());
+        add_blocks(type.members.back(), type.blocks);
         type.names.emplace_back(source.name);
         type.spellings.emplace_back(source.spelling);
     }

@@ -57,12 +57,19 @@ struct WordMembers {
     std::uint16_t end;
 };
 
+/// Where a record keeps the address of a heap block that it owns.
+struct OwnedBlock {
+    std::size_t address;       // offset of the pointer
+    std::size_t count;         // of an array: offset of its 32-bit count
+    const RecordType *element; // of an array, else null
+};
+
 struct RecordType {
     std::size_t size = 0;
     std::size_t alignment = 1;
     std::vector<Member> members;        // in description order: the index is the map key
     std::vector<WordMembers> words;     // of 8 bytes each; the last may reach beyond the record
-    std::vector<Member> owners;         // those that own heap blocks, directly or inside
+    std::vector<OwnedBlock> blocks;     // also those of sub-records
     std::vector<std::string> names;     // parallel to members
     std::vector<std::string> spellings; // parallel to members: the type's text
 };

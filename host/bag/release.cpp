@@ -7,26 +7,20 @@
 namespace aceconv {
 
 void release_blocks(const RecordType &type, std::uint8_t *record) noexcept {
-    for (const Member &member : type.owners) {
-        std::uint8_t *const field = record + member.offset;
-        if (member.kind == Kind::record) {
-            release_blocks(*member.type, field);
-            continue;
-        }
-        std::uint8_t *const slot = member.kind == Kind::array ? field + elements_pointer : field;
+    for (const OwnedBlock &owned : type.blocks) {
         std::uint8_t *block = nullptr;
-        std::memcpy(&block, slot, sizeof block);
+        std::memcpy(&block, record + owned.address, sizeof block);
         if (block == nullptr)
             continue;
-        if (member.kind == Kind::array && !member.type->owners.empty()) {
+        if (owned.element != nullptr && !owned.element->blocks.empty()) {
             std::uint32_t count = 0;
-            std::memcpy(&count, field, sizeof count);
+            std::memcpy(&count, record + owned.count, sizeof count);
             for (std::size_t i = 0; i < count; ++i)
-                release_blocks(*member.type, block + i * member.type->size);
+                release_blocks(*owned.element, block + i * owned.element->size);
         }
         std::free(block);
         block = nullptr;
-        std::memcpy(slot, &block, sizeof block);
+        std::memcpy(record + owned.address, &block, sizeof block);
     }
 }
 

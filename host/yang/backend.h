@@ -6,6 +6,7 @@
 // keywords, statuses, the order of calls, what is reported.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -110,8 +111,8 @@ struct ccv_yang_output {
 
   private:
     struct Level {
-        const aceconv::SchemaNode *schema;
-        NodeForm form;
+        const aceconv::SchemaNode *schema = nullptr;
+        NodeForm form = NodeForm::entry;
         bool opened = false;              // the backend knows it and what is around it
         std::uint8_t hint = 0;            // where the next child is looked for
         std::uint64_t given = 0;          // children by place
@@ -120,14 +121,18 @@ struct ccv_yang_output {
 
     [[nodiscard]] std::string position(const char *name) const;
     const aceconv::SchemaNode *child(const char *name, aceconv::NodeKind kind);
-    bool open_pending(std::size_t count);
+    bool open_pending(std::size_t last);
     std::uint32_t end(NodeForm form);
     std::uint32_t entry_key(const aceconv::SchemaNode &leaf, std::string_view key);
 
     const aceconv::Schema schema_;
     const aceconv::SchemaNode &entry_;
     const bool drop_empty_;
-    std::vector<Level> levels_;
+    Level &innermost() { return levels_[depth_]; }
+    [[nodiscard]] const Level &innermost() const { return levels_[depth_]; }
+
+    std::array<Level, aceconv::max_depth> levels_;      // up to the innermost
+    std::size_t depth_ = 0;                             // of the innermost
     std::vector<std::unordered_set<std::string>> keys_; // of the open lists
     aceconv::EntryKey where_;
     aceconv::YangStatus failure_ = aceconv::YangStatus::ok;

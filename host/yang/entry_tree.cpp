@@ -8,8 +8,12 @@ namespace aceconv {
 
 void EntryTree::restart(std::size_t count) {
     looked_at = nullptr;
-    nodes_.clear();
-    nodes_.reserve(count);
+    count_ = 0;
+    if (count > capacity_) {
+        capacity_ = 0; // until there are as many
+        nodes_ = std::make_unique<Node[]>(count);
+        capacity_ = count;
+    }
 }
 
 void EntryTree::link_in_order(Node &node, Node &parent) {
@@ -31,7 +35,7 @@ const std::string_view *EntryTree::repeated_key(const Node &list) {
     return twice == keys_.end() ? nullptr : &*twice;
 }
 
-std::string EntryTree::path(const Node &node) {
+std::string EntryTree::path(const Node &node) const {
     std::string text;
     for (const Node *at = &node; at->parent != nullptr; at = at->parent) {
         // An entry and its list are one step of a path.

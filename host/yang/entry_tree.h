@@ -1,6 +1,7 @@
 // The nodes of one entry as converters walk them, however they were read.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,9 +15,9 @@ class EntryTree : public Entry {
   public:
     using Node = ccv_yang_node;
 
-    [[nodiscard]] Node &root() { return nodes_.front(); }
+    [[nodiscard]] Node &root() { return nodes_[0]; }
     /// The path below the entry.
-    [[nodiscard]] static std::string path(const Node &node);
+    [[nodiscard]] std::string path(const Node &node) const;
 
   protected:
     /// Forgets all nodes and makes room for `count`, so that they stay in place.
@@ -30,16 +31,15 @@ class EntryTree : public Entry {
   private:
     static void link_in_order(Node &node, Node &parent);
 
-    std::vector<Node> nodes_;
+    std::unique_ptr<Node[]> nodes_; // the first `count_` are in use
+    std::size_t count_ = 0;
+    std::size_t capacity_ = 0;
     std::vector<std::string_view> keys_;
 };
 
 inline EntryTree::Node &EntryTree::add(const SchemaNode &schema, Node *parent, NodeForm form) {
-    Node &node = nodes_.emplace_back();
-    node.schema = &schema;
-    node.owner = this;
-    node.parent = parent;
-    node.form = form;
+    Node &node = nodes_[count_++];
+    node = {.schema = &schema, .owner = this, .parent = parent, .form = form};
     if (parent == nullptr) {
         return node;
     }

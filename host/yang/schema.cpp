@@ -30,7 +30,7 @@ Bounds bounds(const lysc_range *range, std::uint64_t largest) {
 template <class Item>
 void take_names(const Item *items, std::vector<SchemaNode::Name> &names) {
     for (LY_ARRAY_COUNT_TYPE i = 0; i < LY_ARRAY_COUNT(items); ++i) {
-        if (std::strpbrk(items[i].name, "\"\\") != nullptr) { // written without escapes
+        if (std::strpbrk(items[i].name, "\"\\\t\r\n") != nullptr) { // written as they are
             throw std::logic_error(std::string("name ") + items[i].name + ": quoted characters");
         }
         // Bits and enumerations share libyang's item; `position` is its unsigned reading.
@@ -112,6 +112,15 @@ void take_type(const lysc_node *node, SchemaNode &result) {
     }
 }
 
+/// Levels above the node.
+std::size_t depth(const SchemaNode &node) {
+    std::size_t levels = 0;
+    for (const SchemaNode *above = node.parent; above != nullptr; above = above->parent) {
+        levels += above->kind == NodeKind::list ? 2 : 1;
+    }
+    return levels;
+}
+
 std::string listing(const std::vector<SchemaNode::Name> &names) {
     constexpr std::size_t shown = 12;
     std::string text;
@@ -132,6 +141,9 @@ std::string number_range(const SchemaNode &leaf) {
 } // namespace
 
 void compile_schema(const lysc_node *node, SchemaNode &result) {
+    if (depth(result) >= max_depth) {
+        unsupported(node, "nested too deep");
+    }
     result.name = node->name;
     result.key = node->name;
     result.member = '"' + std::string(node->name) + "\":";

@@ -72,6 +72,9 @@ struct SchemaNode {
 
 /// Siblings fit a 64-bit set.
 constexpr std::size_t max_siblings = 64;
+/// How deep nodes nest, a list and its entry counting as two; far beyond what
+/// either module needs.
+constexpr std::size_t max_depth = 16;
 
 /// Compiles `node` and what is below it, and points libyang's private pointers
 /// at the result, which must stay where it is. Throws std::logic_error for a

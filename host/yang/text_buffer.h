@@ -3,22 +3,23 @@
 
 #include <cstddef>
 #include <cstring>
+#include <memory>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 namespace aceconv {
 
 class TextBuffer {
   public:
-    [[nodiscard]] std::string_view text() const { return {bytes_.data(), size_}; }
+    [[nodiscard]] std::string_view text() const { return {bytes_.get(), size_}; }
     void clear() { size_ = 0; }
 
     /// Room for `most` more bytes, of which `grow` then says how many were used.
     [[nodiscard]] char *room(std::size_t most) {
-        if (bytes_.size() - size_ < most) {
-            bytes_.resize(2 * (size_ + most));
+        if (capacity_ - size_ < most) {
+            enlarge(2 * (size_ + most));
         }
-        return bytes_.data() + size_;
+        return bytes_.get() + size_;
     }
     void grow(std::size_t used) { size_ += used; }
 
@@ -34,8 +35,18 @@ class TextBuffer {
     }
 
   private:
-    std::vector<char> bytes_;
+    void enlarge(std::size_t capacity) {
+        std::unique_ptr<char[]> larger(new char[capacity]);
+        if (size_ != 0) {
+            std::memcpy(larger.get(), bytes_.get(), size_);
+        }
+        bytes_ = std::move(larger);
+        capacity_ = capacity;
+    }
+
+    std::unique_ptr<char[]> bytes_;
     std::size_t size_ = 0;
+    std::size_t capacity_ = 0;
 };
 
 } // namespace aceconv

@@ -26,7 +26,7 @@ struct ccv_yang_iter {
     [[nodiscard]] aceconv::YangStatus first(std::uint32_t step, ccv_yang_node *&current,
                                             std::int32_t *index) {
         ccv_yang_node *node = step == CCV_YANG_STEP_ENTRY ? start_ : current;
-        if (node == nullptr || !fits(step, node->form) || depth_ == max_depth) {
+        if (node == nullptr || !fits(step, node->form) || depth_ == aceconv::max_depth) {
             return aceconv::YangStatus::misplaced;
         }
         levels_[depth_++] = {step, 0, node->child};
@@ -54,8 +54,6 @@ struct ccv_yang_iter {
     }
 
   private:
-    static constexpr std::size_t max_depth = 16; // far beyond what either module nests
-
     struct Level {
         std::uint32_t step;
         std::int32_t position;
@@ -91,5 +89,5 @@ struct ccv_yang_iter {
     ccv_yang_node *start_;
     bool started_ = false;
     std::size_t depth_ = 0;
-    std::array<Level, max_depth> levels_; // the first `depth_` are set
+    std::array<Level, aceconv::max_depth> levels_; // the first `depth_` are set
 };

@@ -38,12 +38,20 @@ bool takes(LeafType type, ValueKind kind) {
     return false;
 }
 
+const SchemaNode *find_child(const SchemaNode &parent, const char *name, std::size_t hint) {
+    // Most names differ in their first character.
+    const auto is_named = [&](std::string_view key) {
+        return key.front() == name[0] && std::strcmp(key.data(), name) == 0;
+    };
+    return parent.find_if(is_named, hint);
+}
+
 } // namespace
 
 void ccv_yang_output::restart(const aceconv::EntryKey &where) {
-    levels_.clear();
     keys_.clear();
-    levels_.push_back({.schema = &entry_, .form = NodeForm::entry, .opened = true});
+    depth_ = 0;
+    innermost() = {.schema = &entry_, .form = NodeForm::entry, .opened = true};
     where_ = where;
     failure_ = YangStatus::ok;
 }
@@ -54,14 +62,15 @@ void ccv_yang_output::check_complete() const {
                                                     ? aceconv::status_text(code(failure_))
                                                     : failure_why_);
     }
-    if (levels_.size() > 1) {
+    if (depth_ > 0) {
         throw aceconv::DataError(position(nullptr), "left open");
     }
 }
 
 std::string ccv_yang_output::position(const char *name) const {
     std::string path = aceconv::entry_path(schema_, where_);
-    for (const Level &level : levels_) {
+    for (std::size_t depth = 0; depth <= depth_; ++depth) {
+        const Level &level = levels_[depth];
         if (level.form == NodeForm::list_entry) {
             if (level.key != nullptr && !level.key->empty()) {
                 path += aceconv::key_predicate(level.schema->children[0].name, *level.key);
@@ -90,11 +99,7 @@ std::uint32_t ccv_yang_output::fail(YangStatus status, const char *name, std::st
 }
 
 const SchemaNode *ccv_yang_output::peek(const char *name) const {
-    // Most names differ in their first character.
-    const auto is_named = [&](std::string_view key) {
-        return key.front() == name[0] && std::strcmp(key.data(), name) == 0;
-    };
-    return levels_.back().schema->find_if(is_named, levels_.back().hint);
+    return find_child(*innermost().schema, name, innermost().hint);
 }
 
 /// The child that a call names, checked and noted as given; null after a failure.
@@ -102,11 +107,12 @@ const SchemaNode *ccv_yang_output::child(const char *name, NodeKind kind) {
     if (failure_ != YangStatus::ok) {
         return nullptr;
     }
-    if (levels_.back().form == NodeForm::list) {
+    Level &level = innermost();
+    if (level.form == NodeForm::list) {
         fail(YangStatus::misplaced, name, "a node between the entries of a list");
         return nullptr;
     }
-    const SchemaNode *found = peek(name);
+    const SchemaNode *found = find_child(*level.schema, name, level.hint);
     if (found == nullptr) {
         fail(YangStatus::unknown_node, name, {});
         return nullptr;
@@ -115,7 +121,6 @@ const SchemaNode *ccv_yang_output::child(const char *name, NodeKind kind) {
         fail(YangStatus::wrong_type, name, "expected " + expected(*found));
         return nullptr;
     }
-    Level &level = levels_.back();
     const std::uint64_t bit = std::uint64_t{1} << found->place;
     if ((level.given & bit) != 0) {
         fail(YangStatus::repeated, name, {});
@@ -126,13 +131,13 @@ const SchemaNode *ccv_yang_output::child(const char *name, NodeKind kind) {
     return found;
 }
 
-/// Opens what was held back of the outermost `count` levels.
-bool ccv_yang_output::open_pending(std::size_t count) {
-    std::size_t pending = count; // what is around an open level is open
+/// Opens what was held back, up to the level at depth `last`.
+bool ccv_yang_output::open_pending(std::size_t last) {
+    std::size_t pending = last + 1; // what is around an open level is open
     while (!levels_[pending - 1].opened) {
         --pending;
     }
-    for (; pending < count; ++pending) {
+    for (; pending <= last; ++pending) {
         Level &level = levels_[pending];
         if (level.form == NodeForm::list) {
             continue;
@@ -142,9 +147,8 @@ bool ccv_yang_output::open_pending(std::size_t count) {
                  std::string("an entry starts with its key, ") + level.schema->children[0].name);
             return false;
         }
-        std::string why;
-        if (!open(*level.schema, why)) {
-            fail(YangStatus::refused, nullptr, std::move(why));
+        if (!open(*level.schema, failure_why_)) {
+            fail(YangStatus::refused, nullptr, std::move(failure_why_));
             return false;
         }
         level.opened = true;
@@ -157,17 +161,17 @@ std::uint32_t ccv_yang_output::container_begin(const char *name) {
     if (container == nullptr) {
         return code(failure_);
     }
-    levels_.push_back({.schema = container, .form = NodeForm::container});
+    levels_[++depth_] = {.schema = container, .form = NodeForm::container};
     if (!drop_empty_) {
-        open_pending(levels_.size());
+        open_pending(depth_);
     }
     return code(failure_);
 }
 
 std::uint32_t ccv_yang_output::presence() {
     if (failure_ == YangStatus::ok) {
-        if (levels_.back().form == NodeForm::container) {
-            open_pending(levels_.size());
+        if (innermost().form == NodeForm::container) {
+            open_pending(depth_);
         } else {
             fail(YangStatus::misplaced, nullptr, "presence of something else than a container");
         }
@@ -177,15 +181,15 @@ std::uint32_t ccv_yang_output::presence() {
 
 std::uint32_t ccv_yang_output::end(NodeForm form) {
     if (failure_ == YangStatus::ok) {
-        if (levels_.back().form != form) {
+        if (innermost().form != form) {
             fail(YangStatus::misplaced, nullptr, "an end without its begin");
-        } else if (form == NodeForm::list_entry && !levels_.back().opened) {
+        } else if (form == NodeForm::list_entry && !innermost().opened) {
             fail(YangStatus::misplaced, nullptr, "an entry without its key");
         } else {
-            if (levels_.back().opened) {
+            if (innermost().opened) {
                 close();
             }
-            levels_.pop_back();
+            --depth_;
             if (form == NodeForm::list) {
                 keys_.pop_back();
             }
@@ -208,35 +212,34 @@ std::uint32_t ccv_yang_output::list_begin(const char *name) {
     const SchemaNode *list = child(name, NodeKind::list);
     if (list != nullptr) {
         keys_.emplace_back();
-        levels_.push_back({.schema = list, .form = NodeForm::list});
+        levels_[++depth_] = {.schema = list, .form = NodeForm::list};
     }
     return code(failure_);
 }
 
 std::uint32_t ccv_yang_output::list_entry_begin(const char *name, std::uint32_t keys) {
     if (failure_ == YangStatus::ok) {
-        const Level &list = levels_.back();
+        const Level &list = innermost();
         if (list.form != NodeForm::list || std::string_view(name) != list.schema->name ||
             keys != 1) {
             fail(YangStatus::misplaced, nullptr, "an entry outside its list");
         } else {
-            levels_.push_back({.schema = list.schema, .form = NodeForm::list_entry});
+            levels_[++depth_] = {.schema = list.schema, .form = NodeForm::list_entry};
         }
     }
     return code(failure_);
 }
 
 std::uint32_t ccv_yang_output::entry_key(const SchemaNode &leaf, std::string_view key) {
-    Level &entry = levels_.back();
+    Level &entry = innermost();
     const auto [place, is_new] = keys_.back().emplace(key);
     entry.key = &*place;
     if (!is_new) {
         return fail(YangStatus::repeated, nullptr, "a second entry with the same key");
     }
-    if (open_pending(levels_.size() - 1)) { // what is around the list
-        std::string why;
-        if (!open_entry(*entry.schema, key, why)) {
-            fail(YangStatus::refused, leaf.name, std::move(why));
+    if (open_pending(depth_ - 1)) { // what is around the list
+        if (!open_entry(*entry.schema, key, failure_why_)) {
+            fail(YangStatus::refused, leaf.name, std::move(failure_why_));
         }
         entry.opened = true;
     }
@@ -256,15 +259,14 @@ std::uint32_t ccv_yang_output::leaf(const char *name, const Value &value) {
         return fail(YangStatus::out_of_range, name,
                     std::to_string(value.number) + "; expected " + expected(*found));
     }
-    if (levels_.back().form == NodeForm::list_entry && found->place == 0) {
+    if (innermost().form == NodeForm::list_entry && found->place == 0) {
         return entry_key(*found, value.text);
     }
-    if (!open_pending(levels_.size())) {
+    if (!open_pending(depth_)) {
         return code(failure_);
     }
-    std::string why;
-    if (!put(*found, value, why)) {
-        fail(YangStatus::refused, name, std::move(why));
+    if (!put(*found, value, failure_why_)) {
+        fail(YangStatus::refused, name, std::move(failure_why_));
     }
     return code(failure_);
 }

@@ -188,7 +188,8 @@ inline ipv4_acl_config_ace random_ace(std::mt19937 &random) {
             record.UDF.elements = static_cast<ace_udf_element *>(
                 std::calloc(record.UDF.count, sizeof(ace_udf_element)));
             for (std::uint32_t i = 0; i < record.UDF.count; ++i) {
-                std::memset(record.UDF.elements[i].UDFName, 'u', below(17));
+                const std::uint32_t start = below(17); // zeros in front count
+                std::memset(record.UDF.elements[i].UDFName + start, 'u', below(17 - start));
                 record.UDF.elements[i].UDFValue = below(3);
                 record.UDF.elements[i].UDFMask = below(UINT32_MAX);
             }
