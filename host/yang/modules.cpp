@@ -83,12 +83,14 @@ Modules::Context::Context(const std::filesystem::path &directory) {
 }
 
 const SchemaNode &Modules::Context::entry(Schema schema) {
-    SchemaNode &entry = entries_[static_cast<std::size_t>(schema)];
-    if (entry.children.empty()) {
-        restore_schema(compiled_module(schema), entry);
-        entry.modules = this;
+    std::unique_ptr<SchemaNode> &entry = entries_[static_cast<std::size_t>(schema)];
+    if (!entry) {
+        auto restored = std::make_unique<SchemaNode>();
+        restore_schema(compiled_module(schema), *restored);
+        restored->modules = this;
+        entry = std::move(restored);
     }
-    return entry;
+    return *entry;
 }
 
 ly_ctx *Modules::Context::libyang() {
@@ -122,12 +124,20 @@ void Modules::Context::load(const std::filesystem::path *directory) {
             }
         }
     }
+    std::array<const lysc_node *, schemas.size()> nodes{};
     for (const Schema schema : schemas) {
-        const lysc_node *node = find_entry(context, schema);
+        const auto slot = static_cast<std::size_t>(schema);
+        nodes[slot] = find_entry(context, schema);
         if (directory != nullptr) {
-            compile_schema(node, entries_[static_cast<std::size_t>(schema)]);
+            entries_[slot] = std::make_unique<SchemaNode>();
+            compile_schema(nodes[slot], *entries_[slot]);
+        } else {
+            (void)entry(schema);
         }
-        link_schema(node, const_cast<SchemaNode &>(entry(schema)));
+    }
+    // Nothing fails from here on, which would leave links to a context that is gone.
+    for (std::size_t slot = 0; slot < nodes.size(); ++slot) {
+        link_schema(nodes[slot], *entries_[slot]);
     }
     libyang_ = std::move(loaded);
 }

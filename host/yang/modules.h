@@ -30,7 +30,7 @@ struct Modules::Context {
     void load(const std::filesystem::path *directory);
 
     std::unique_ptr<ly_ctx, ContextDeleter> libyang_;
-    std::array<SchemaNode, 2> entries_;
+    std::array<std::unique_ptr<SchemaNode>, 2> entries_;
 };
 
 /// libyang's node behind `node` of an entry that Context::entry returned.
