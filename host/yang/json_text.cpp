@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <vector>
 
@@ -12,16 +13,13 @@ namespace {
 
 constexpr std::string_view blanks = " \t\r\n";
 
-/// The first of the characters `marks` at or behind `at`, else npos.
-template <char... marks>
-std::size_t find_mark(std::string_view text, std::size_t at) {
-    for (; at < text.size(); ++at) {
-        if (((text[at] == marks) || ...)) {
-            return at;
-        }
+constexpr auto bracket_or_quote = [] {
+    std::array<bool, 256> table{};
+    for (const char mark : {'"', '{', '}', '[', ']'}) {
+        table[static_cast<unsigned char>(mark)] = true;
     }
-    return std::string_view::npos;
-}
+    return table;
+}();
 
 /// Goes once over the brackets and strings of one object. Tokens between them
 /// are libyang's matter.
@@ -67,8 +65,10 @@ class JsonLook {
     }
 
     void step() {
-        at_ = find_mark<'"', '{', '}', '[', ']'>(text_, at_);
-        if (at_ == std::string_view::npos) {
+        while (at_ < text_.size() && !bracket_or_quote[static_cast<unsigned char>(text_[at_])]) {
+            ++at_;
+        }
+        if (at_ == text_.size()) {
             throw DataError("", "the JSON object does not end");
         }
         const char bracket = text_[at_];
@@ -100,20 +100,26 @@ class JsonLook {
 
     void string() {
         const std::size_t start = ++at_;
+        std::size_t end = text_.find('"', at_);
         bool escapes = false;
         for (;;) {
-            at_ = find_mark<'"', '\\'>(text_, at_);
-            if (at_ == std::string_view::npos) {
-                throw DataError("", "a JSON string does not end");
-            }
-            if (text_[at_] == '"') {
+            const std::size_t slash = text_.substr(0, end).find('\\', at_);
+            if (slash == std::string_view::npos) {
                 break;
             }
             escapes = true;
+            at_ = slash;
             escape();
+            end = end < at_ ? text_.find('"', at_) : end;
         }
+        if (end == std::string_view::npos) {
+            throw DataError("", "a JSON string does not end");
+        }
+        at_ = end;
         const std::string_view content = text_.substr(start, at_ - start);
-        at_ = std::min(text_.find_first_not_of(blanks, at_ + 1), text_.size());
+        do {
+            ++at_;
+        } while (peek() == ' ' || peek() == '\t' || peek() == '\n' || peek() == '\r');
         if (peek() == ':' && levels_.back().object) {
             member(content, escapes);
         }

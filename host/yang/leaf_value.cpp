@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "host/yang/ipv4_text.h"
+#include "host/yang/modules.h"
 #include "host/yang/yang_text.h"
 
 namespace aceconv {
@@ -43,7 +44,7 @@ bool is_canonical_set(const SchemaNode &leaf, std::string_view text) {
 }
 
 bool matches_pattern(const SchemaNode &leaf, std::string_view text) {
-    const lysc_type *type = reinterpret_cast<const lysc_node_leaf *>(leaf.compiled)->type;
+    const lysc_type *type = reinterpret_cast<const lysc_node_leaf &>(compiled_node(leaf)).type;
     ly_err_item *error = nullptr;
     const LY_ERR result = lyplg_type_validate_patterns(
         reinterpret_cast<const lysc_type_str *>(type)->patterns, text.data(), text.size(), &error);

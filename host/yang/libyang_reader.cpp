@@ -140,7 +140,7 @@ class LibyangReader final : public EntryReader {
         // errors, libyang puts the nodes in order.
         TreeOwner entry = given_.first ? parse_document(LYD_PARSE_ORDERED) : nullptr;
         if (entry == nullptr && (entry = parse_document(0)) == nullptr) {
-            throw translated(take_error(context_.libyang.get()), context_.entry(schema_));
+            throw translated(take_error(context_.libyang()), context_.entry(schema_));
         }
         const lyd_node *key_leaf = lyd_child(entry.get());
         tree_.assign(std::move(entry), given_.given);
@@ -155,7 +155,7 @@ class LibyangReader final : public EntryReader {
         lyd_node *entry = nullptr;
         if (format_ == Format::xml) {
             lyd_node *acls = nullptr;
-            if (lyd_parse_data_mem(context_.libyang.get(), document_.c_str(), LYD_XML, options, 0,
+            if (lyd_parse_data_mem(context_.libyang(), document_.c_str(), LYD_XML, options, 0,
                                    &acls) == LY_SUCCESS) {
                 entry = list_entry(lyd_child(acls));
                 (void)lyd_unlink_tree(entry);
@@ -168,7 +168,7 @@ class LibyangReader final : public EntryReader {
             throw std::bad_alloc();
         }
         const LY_ERR result =
-            lyd_parse_data(context_.libyang.get(), list_, in, LYD_JSON, options, 0, nullptr);
+            lyd_parse_data(context_.libyang(), list_, in, LYD_JSON, options, 0, nullptr);
         ly_in_free(in, 0);
         TreeOwner parsed(list_entry(list_));
         return result == LY_SUCCESS ? std::move(parsed) : nullptr;

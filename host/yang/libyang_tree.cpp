@@ -63,7 +63,7 @@ std::size_t count_nodes(const lyd_node *first) {
 
 TreeOwner new_list(Modules::Context &context, Schema schema) {
     const lys_module *module =
-        ly_ctx_get_module_implemented(context.libyang.get(), module_name(schema).data());
+        ly_ctx_get_module_implemented(context.libyang(), module_name(schema).data());
     lyd_node *acls = nullptr;
     if (lyd_new_inner(nullptr, module, "acls", 0, &acls) != LY_SUCCESS) {
         throw std::bad_alloc();

@@ -82,7 +82,7 @@ class LibyangOutput final : public ccv_yang_output {
   private:
     bool entered(LY_ERR result, lyd_node *created, std::string &why) {
         if (result != LY_SUCCESS) {
-            why = take_error(context_.libyang.get()).message;
+            why = take_error(context_.libyang()).message;
             return false;
         }
         current_ = created;
@@ -90,7 +90,7 @@ class LibyangOutput final : public ccv_yang_output {
     }
 
     bool refused(const SchemaNode &leaf, std::string &why) const {
-        why = take_error(context_.libyang.get()).message;
+        why = take_error(context_.libyang()).message;
         if (!why.empty() && why.back() == '.') {
             why.pop_back();
         }

@@ -3,6 +3,8 @@
 
 #include <libyang/libyang.h>
 
+#include <array>
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -15,15 +17,26 @@ struct ContextDeleter {
     void operator()(ly_ctx *context) const { ly_ctx_destroy(context); }
 };
 
+/// libyang is loaded when it is first needed; until then the entries come from the
+/// tables of compiled_modules.h, provided that the modules are those of the build.
 struct Modules::Context {
-    std::unique_ptr<ly_ctx, ContextDeleter> libyang;
-    SchemaNode base_entry;
-    SchemaNode um_entry;
+  public:
+    explicit Context(const std::filesystem::path &directory);
 
-    [[nodiscard]] const SchemaNode &entry(Schema schema) const {
-        return schema == Schema::base ? base_entry : um_entry;
-    }
+    [[nodiscard]] const SchemaNode &entry(Schema schema);
+    [[nodiscard]] ly_ctx *libyang();
+
+  private:
+    void load(const std::filesystem::path *directory);
+
+    std::unique_ptr<ly_ctx, ContextDeleter> libyang_;
+    std::array<std::unique_ptr<SchemaNode>, 2> entries_;
 };
+
+/// libyang's node behind `node` of an entry that Context::entry returned.
+const lysc_node &compiled_node(const SchemaNode &node);
+
+std::filesystem::path module_file(const std::filesystem::path &directory, Schema schema);
 
 /// The text and data path of libyang's last complaint, taken from the context.
 struct LibyangError {

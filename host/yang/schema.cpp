@@ -140,16 +140,28 @@ std::string number_range(const SchemaNode &leaf) {
 
 } // namespace
 
+void name_schema(const char *name, SchemaNode &result) {
+    result.name = name;
+    result.key = name;
+    result.member = '"' + std::string(name) + "\":";
+}
+
+void link_schema(const lysc_node *node, SchemaNode &compiled) {
+    compiled.compiled = node;
+    // libyang leaves the private pointer to its user but hands out constant nodes.
+    const_cast<lysc_node *>(node)->priv = &compiled;
+    const lysc_node *child = lysc_node_child(node);
+    for (SchemaNode &compiled_child : compiled.children) {
+        link_schema(child, compiled_child);
+        child = child->next;
+    }
+}
+
 void compile_schema(const lysc_node *node, SchemaNode &result) {
     if (depth(result) >= max_depth) {
         unsupported(node, "nested too deep");
     }
-    result.name = node->name;
-    result.key = node->name;
-    result.member = '"' + std::string(node->name) + "\":";
-    result.compiled = node;
-    // libyang leaves the private pointer to its user but hands out constant nodes.
-    const_cast<lysc_node *>(node)->priv = &result;
+    name_schema(node->name, result);
     switch (node->nodetype) {
     case LYS_LEAF:
         result.kind = NodeKind::leaf;

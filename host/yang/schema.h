@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "host/yang/entry.h"
+
 struct lysc_node; // libyang's
 
 namespace aceconv {
@@ -43,8 +45,9 @@ struct SchemaNode {
     std::string pattern;            // of a string; empty when there is none
     std::vector<Name> names;        // of enumeration, name_or_number and bits
     const SchemaNode *parent = nullptr;
-    const lysc_node *compiled = nullptr;
-    std::vector<SchemaNode> children; // in the module's order; a list's key is the first
+    const lysc_node *compiled = nullptr; // null until libyang is needed
+    Modules::Context *modules = nullptr; // of an entry
+    std::vector<SchemaNode> children;    // in the module's order; a list's key is the first
 
     /// The child whose name `is_wanted`; `hint` is where the search starts, 0 or the
     /// place behind a child.
@@ -76,10 +79,15 @@ constexpr std::size_t max_siblings = 64;
 /// either module needs.
 constexpr std::size_t max_depth = 16;
 
-/// Compiles `node` and what is below it, and points libyang's private pointers
-/// at the result, which must stay where it is. Throws std::logic_error for a
-/// construct that the host does not know.
+/// Compiles `node` and what is below it. Throws std::logic_error for a construct
+/// that the host does not know.
 void compile_schema(const lysc_node *node, SchemaNode &result);
+
+/// Joins `node` and what is below it with its compiled form, which must stay where
+/// it is: libyang's private pointers point at it.
+void link_schema(const lysc_node *node, SchemaNode &compiled);
+
+void name_schema(const char *name, SchemaNode &result);
 
 /// What the leaf takes, for messages: "one of: deny, permit", "a number 0 to 255".
 std::string expected(const SchemaNode &leaf);

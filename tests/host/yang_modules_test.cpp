@@ -1,14 +1,30 @@
 // The two YANG modules against the keyword tables and the record's widths.
 #include "yang_testing.h"
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <map>
 #include <optional>
+#include <tuple>
 
 #include "aceconv/keywords.h"
 #include "host/yang/modules.h"
 
 namespace aceconv::testing {
 namespace {
+
+struct TemporaryDirectory {
+    TemporaryDirectory() {
+        std::string name = std::filesystem::temp_directory_path() / "aceconv-modules-XXXXXX";
+        path = ::mkdtemp(name.data());
+    }
+    ~TemporaryDirectory() { std::filesystem::remove_all(path); }
+    TemporaryDirectory(const TemporaryDirectory &) = delete;
+    TemporaryDirectory &operator=(const TemporaryDirectory &) = delete;
+
+    std::filesystem::path path;
+};
 
 struct Row {
     const char *ending; // of the leaf's path; the longest one that fits counts
@@ -121,11 +137,55 @@ class Comparison {
 
 TEST(YangModules, AgreeWithTheKeywordTables) {
     Comparison base(base_rows);
-    base.visit(modules().context().base_entry, "");
+    base.visit(modules().context().entry(Schema::base), "");
     base.expect_all_used();
     Comparison um(um_rows);
-    um.visit(modules().context().um_entry, "");
+    um.visit(modules().context().entry(Schema::um), "");
     um.expect_all_used();
+}
+
+void expect_same(const SchemaNode &table, const SchemaNode &libyang) {
+    SCOPED_TRACE(libyang.name);
+    EXPECT_EQ(table.member, libyang.member);
+    EXPECT_EQ(std::tie(table.key, table.kind, table.type, table.place, table.smallest,
+                       table.largest, table.most_entries, table.pattern),
+              std::tie(libyang.key, libyang.kind, libyang.type, libyang.place, libyang.smallest,
+                       libyang.largest, libyang.most_entries, libyang.pattern));
+    ASSERT_EQ(table.names.size(), libyang.names.size());
+    for (std::size_t i = 0; i < table.names.size(); ++i) {
+        EXPECT_EQ(table.names[i].value, libyang.names[i].value);
+        EXPECT_STREQ(table.names[i].text, libyang.names[i].text);
+    }
+    ASSERT_EQ(table.children.size(), libyang.children.size());
+    for (std::size_t i = 0; i < table.children.size(); ++i) {
+        EXPECT_EQ(table.children[i].parent, &table);
+        expect_same(table.children[i], libyang.children[i]);
+    }
+}
+
+TEST(YangModules, OtherTextsThanThoseOfTheBuildAreCompiled) {
+    const Modules built(ACECONV_YANG_DIRECTORY);
+    const TemporaryDirectory other;
+    for (const Schema schema : {Schema::base, Schema::um}) {
+        const auto copy = module_file(other.path, schema);
+        std::filesystem::copy_file(module_file(ACECONV_YANG_DIRECTORY, schema), copy);
+        std::ofstream(copy, std::ios::app) << "// edited\n";
+    }
+    const Modules edited(other.path);
+    for (const Schema schema : {Schema::base, Schema::um}) {
+        const SchemaNode &table = built.context().entry(schema);
+        EXPECT_EQ(table.compiled, nullptr);
+        EXPECT_NE(edited.context().entry(schema).compiled, nullptr);
+        expect_same(table, edited.context().entry(schema));
+    }
+    const SchemaNode &leaf = built.context().entry(Schema::um).children[0];
+    EXPECT_STREQ(compiled_node(leaf).name, "sequence-number");
+    EXPECT_STREQ(leaf.compiled->name, "sequence-number");
+
+    const auto um = module_file(other.path, Schema::um);
+    std::ofstream(um) << "module aceconv-um { }";
+    EXPECT_NE(error_of([&] { const Modules broken(other.path); }).find(um.string()),
+              std::string::npos);
 }
 
 TEST(YangModules, AMissingDirectoryOrModuleIsReported) {
