@@ -135,38 +135,40 @@ def messages(count):
     return complete
 
 
+def aceconv(inputs, name, source, complete, *arguments, threads=1, once=False):
+    command = [inputs.build / "bin/aceconv", *arguments, "-q", "-j", str(threads)]
+    return Contender(name, command, source, complete, once=once)
+
+
+BASE_TO_LINES = "decode", "--schema", "base", "--to", "ndjson"
+UM_TO_LINES = "decode", "--schema", "um", "--to", "ndjson"
+BASE_TO_UM = "convert", "--from", "base", "--to", "um", "--to-format", "ndjson"
+
+
 def aceconv_streams(inputs):
     """Each verb with one and two workers."""
-    count = inputs.count
-    convert = ["convert", "--from", "base", "--to", "um", "--to-format", "ndjson"]
-    for name, arguments, source, complete in (
-        (ENCODE, ["encode", "--schema", "base"], inputs.base, encodings(count)),
-        (DECODE, ["decode", "--schema", "base", "--to", "ndjson"], inputs.base_bags,
-         has_lines(count)),
-        (CONVERT, convert, inputs.base, has_lines(count)),
+    encoded, lines = encodings(inputs.count), has_lines(inputs.count)
+    for name, source, complete, arguments in (
+        (ENCODE, inputs.base, encoded, ("encode", "--schema", "base")),
+        (DECODE, inputs.base_bags, lines, BASE_TO_LINES),
+        (CONVERT, inputs.base, lines, BASE_TO_UM),
     ):
         for number in (1, 2):
-            command = [inputs.build / "bin/aceconv", *arguments, "-q", "-j", str(number)]
-            yield Contender(workers(name, number), command, source, complete)
+            yield aceconv(inputs, workers(name, number), source, complete, *arguments,
+                          threads=number)
+
+
+def aceconv_document(inputs):
+    return aceconv(inputs, f"{ENCODE}, a document", inputs.document, encodings(inputs.count),
+                   "encode", "--schema", "base", once=inputs.count > LARGE)
 
 
 def aceconv_others(inputs):
-    count = inputs.count
-    for name, source, complete, *arguments in (
-        (f"{ENCODE}, UM", inputs.um, encodings(count), "encode", "--schema", "um"),
-        (f"{DECODE}, UM", inputs.um_bags, has_lines(count), "decode", "--schema", "um", "--to",
-         "ndjson"),
-        (VALIDATING, inputs.base, encodings(count), "encode", "--schema", "base", "--backend",
-         "validating"),
-    ):
-        command = [inputs.build / "bin/aceconv", *arguments, "-q", "-j", "1"]
-        yield Contender(name, command, source, complete)
-
-
-def document(inputs):
-    arguments = ["encode", "--schema", "base", "-q", "-j", "1"]
-    return Contender(f"{ENCODE}, a document", [inputs.build / "bin/aceconv", *arguments],
-                     inputs.document, encodings(inputs.count), once=inputs.count > LARGE)
+    encoded, lines = encodings(inputs.count), has_lines(inputs.count)
+    yield aceconv(inputs, f"{ENCODE}, UM", inputs.um, encoded, "encode", "--schema", "um")
+    yield aceconv(inputs, f"{DECODE}, UM", inputs.um_bags, lines, *UM_TO_LINES)
+    yield aceconv(inputs, VALIDATING, inputs.base, encoded, "encode", "--schema", "base",
+                  "--backend", "validating")
 
 
 def yanglint(name, kind, inputs):
@@ -180,7 +182,7 @@ def yanglint(name, kind, inputs):
 def contenders(inputs):
     count, programs = inputs.count, inputs.build / "bin"
     protobuf = programs / "protobuf_entries"
-    result = [*aceconv_streams(inputs), document(inputs)]
+    result = [*aceconv_streams(inputs), aceconv_document(inputs)]
     if count <= LARGE:
         result += aceconv_others(inputs)
     walked = f"{count} entries, {inputs.members()} members,".encode()

@@ -78,7 +78,7 @@ class Lines {
             held_ += static_cast<std::size_t>(got);
             const std::string_view fresh(buffer_.data() + searched, held_ - searched);
             const std::size_t last = fresh.rfind('\n');
-            if (got == 0 || last != fresh.npos) {
+            if (got == 0 || last != std::string_view::npos) {
                 taken_ = got == 0 ? held_ : searched + last + 1;
                 return {buffer_.data(), taken_};
             }
