@@ -28,6 +28,7 @@ def inputs_of(build, count):
 
 
 def compare(build, count, rounds):
+    print(f"Measuring with {count:,} entries", file=sys.stderr)
     with inputs_of(build, count) as inputs:
         rows = measuring.measure(contenders.contenders(inputs), rounds, inputs.work)
         sizes = ", ".join(
