@@ -27,7 +27,7 @@ def contender_table(rows, count):
             f"{1e6 * row.processor() / count:.2f}",
             f"{count / row.seconds():,.0f}",
             f"{row.peak:.1f}",
-            f"{row.peak - row.rest:.1f}",
+            f"{round(row.peak - row.rest, 1) + 0:.1f}",  # without a negative zero
         ]
 
     print_table(["", "Ratio", "us an entry", "Spread", "Processor us", "Entries a second",
