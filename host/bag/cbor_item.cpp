@@ -49,9 +49,42 @@ cbor_callbacks make_callbacks() noexcept {
 
 const cbor_callbacks item_callbacks = make_callbacks();
 
+/// Reads a number, string, array or map whose head and content are complete,
+/// which is most of any encoding; false leaves the item to libcbor.
+bool read_plain(std::span<const std::uint8_t> bytes, Item &item) noexcept {
+    constexpr ItemKind kinds[] = {ItemKind::number, ItemKind::other, ItemKind::bytes,
+                                  ItemKind::text,   ItemKind::array, ItemKind::map};
+    if (bytes.empty())
+        return false;
+    const std::size_t major = bytes[0] >> 5U;
+    const unsigned info = bytes[0] & 0x1FU;
+    if (major >= std::size(kinds) || major == 1 || info > 27)
+        return false;
+    std::size_t head = 1;
+    std::uint64_t value = info;
+    if (info >= 24) {
+        head += std::size_t{1} << (info - 24U);
+        if (head > bytes.size())
+            return false;
+        value = 0;
+        for (std::size_t i = 1; i < head; ++i)
+            value = value << 8U | bytes[i];
+    }
+    item = {kinds[major], value, nullptr, head};
+    if (item.kind == ItemKind::bytes || item.kind == ItemKind::text) {
+        if (value > bytes.size() - head)
+            return false;
+        item.data = bytes.data() + head;
+        item.size += static_cast<std::size_t>(value);
+    }
+    return true;
+}
+
 } // namespace
 
 ItemStatus read_item(std::span<const std::uint8_t> bytes, Item &item) noexcept {
+    if (read_plain(bytes, item))
+        return ItemStatus::ok;
     item = {ItemKind::other, 0, nullptr, 0};
     const cbor_decoder_result result =
         cbor_stream_decode(bytes.data(), bytes.size(), &item_callbacks, &item);
@@ -118,6 +151,11 @@ std::optional<std::size_t> cbor_item_length(std::span<const std::uint8_t> bytes)
     std::size_t at = 0;
     std::uint64_t open = 1; // items still to come
     while (open > 0) {
+        if (at < bytes.size() && bytes[at] < 24) { // most keys, many numbers
+            ++at;
+            --open;
+            continue;
+        }
         Item item{};
         if (read_item(bytes.subspan(at), item) != ItemStatus::ok ||
             item.kind == ItemKind::indefinite)

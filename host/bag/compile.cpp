@@ -108,6 +108,21 @@ Shape shape_of(const DescribedMember &member, const RecordType *inner) {
     }
 }
 
+std::vector<WordMembers> members_by_word(const RecordType &type) {
+    std::vector<WordMembers> words(align_up(type.size, word_bytes) / word_bytes);
+    for (std::size_t i = type.members.size(); i-- > 0;) {
+        const Member &member = type.members[i];
+        const auto index = static_cast<std::uint16_t>(i);
+        for (std::size_t word = member.offset / word_bytes;
+             word * word_bytes < member.offset + member.width; ++word) {
+            const bool first_seen = words[word].end == 0;
+            words[word] = {index,
+                           first_seen ? static_cast<std::uint16_t>(index + 1) : words[word].end};
+        }
+    }
+    return words;
+}
+
 /// Lays `described` out with natural alignment, which leaves one place for each
 /// member, and compares that with the row.
 RecordType compile_type(const DescribedType &described, const bag_layout &row,
@@ -146,6 +161,7 @@ RecordType compile_type(const DescribedType &described, const bag_layout &row,
     if (type.size != row.size)
         refuse("type $" + std::to_string(described.number) + ": size " + std::to_string(row.size) +
                ", expected " + std::to_string(type.size));
+    type.words = members_by_word(type);
     return type;
 }
 

@@ -57,11 +57,10 @@ class Decoder {
         if (!is_shortest(item))
             return malformed("not in its shortest form");
         at_ += item.size;
+        if (item.kind != ItemKind::array && item.kind != ItemKind::map)
+            return true;
         const std::size_t left = bytes_.size() - at_;
-        if ((item.kind == ItemKind::array && item.value > left) ||
-            (item.kind == ItemKind::map && item.value > left / 2))
-            return truncated();
-        return true;
+        return item.value <= (item.kind == ItemKind::map ? left / 2 : left) || truncated();
     }
 
     [[nodiscard]] bool next(Item &item, ItemKind kind, const char *expected) {

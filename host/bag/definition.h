@@ -24,6 +24,9 @@ constexpr std::size_t max_types = 16; // bounds how deep encodings nest
 constexpr std::size_t max_members = 256;
 constexpr std::size_t max_type_bytes = std::size_t{64} * 1024;
 
+/// What the encoder looks at together: zero words hold no member that is set.
+constexpr std::size_t word_bytes = 8;
+
 /// Where a counted array keeps its element pointer, from its 32-bit count.
 constexpr std::size_t elements_pointer = 8;
 
@@ -48,10 +51,17 @@ struct Member {
     const RecordType *type; // of a sub-record or of an array's elements, else null
 };
 
+/// The members with bytes in one aligned word of a record, as a range of indices.
+struct WordMembers {
+    std::uint16_t begin;
+    std::uint16_t end;
+};
+
 struct RecordType {
     std::size_t size = 0;
     std::size_t alignment = 1;
     std::vector<Member> members;        // in description order: the index is the map key
+    std::vector<WordMembers> words;     // of 8 bytes each; the last may reach beyond the record
     std::vector<Member> owners;         // those that own heap blocks, directly or inside
     std::vector<std::string> names;     // parallel to members
     std::vector<std::string> spellings; // parallel to members: the type's text

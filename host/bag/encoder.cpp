@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <arpa/inet.h>
 #include <array>
 #include <cstring>
@@ -115,9 +116,17 @@ bool is_empty_block(const Member &member, const std::uint8_t *field) {
 bool write_record(Output &output, const RecordType &type, const std::uint8_t *record) {
     std::array<std::uint16_t, max_members> present; // the first `count` are set
     std::size_t count = 0;
-    for (std::size_t i = 0; i < type.members.size(); ++i)
-        if (!is_empty(type.members[i], record + type.members[i].offset))
-            present[count++] = static_cast<std::uint16_t>(i);
+    const std::size_t whole_words = type.size / word_bytes;
+    const WordMembers *const words = type.words.data();
+    std::size_t next = 0; // member; one that reaches into several words is looked at once
+    for (std::size_t word = 0; word < type.words.size(); ++word) {
+        if (word < whole_words && load<std::uint64_t>(record + word * word_bytes) == 0)
+            continue;
+        const std::size_t end = words[word].end;
+        for (next = std::max<std::size_t>(next, words[word].begin); next < end; ++next)
+            if (!is_empty(type.members[next], record + type.members[next].offset))
+                present[count++] = static_cast<std::uint16_t>(next);
+    }
     if (!output.map(count))
         return false;
     for (std::size_t i = 0; i < count; ++i) {

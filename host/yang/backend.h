@@ -1,12 +1,13 @@
 // What stands behind the handles of aceconv/host/yang_access.h.
 //
-// A backend reads or writes one notation of an entry; it hands out nodes and
-// implements the walk and the output. Everything that does not depend on how an
-// entry is held stands once, in yang_access.cpp and yang_output.cpp: types,
-// ranges and keywords, IPv4 text, statuses, the order of calls, what is reported.
+// A backend reads or writes one notation of an entry; it fills a tree of nodes and
+// implements the output. Everything that does not depend on the notation stands
+// once, in yang_access.cpp and yang_output.cpp: the walk, types, ranges and
+// keywords, statuses, the order of calls, what is reported.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -22,7 +23,8 @@ namespace aceconv {
 enum class ValueKind : std::uint8_t { none, text, name, number, bits, boolean, empty, ipv4 };
 
 /// The value of a leaf. `text` holds text, one name, names of bits separated by
-/// blanks or a dotted quad; `number` a number or a boolean, 0 or 1.
+/// blanks or a dotted quad; `number` a number, a boolean, 0 or 1, or, where a leaf
+/// is read, the IPv4 address in network byte order.
 struct Value {
     ValueKind kind = ValueKind::none;
     std::string_view text = {};
@@ -37,14 +39,10 @@ struct Wanted {
 };
 
 /// One entry while converters read it; notes what they look at, for messages.
-class Entry {
-  public:
-    virtual ~Entry() = default;
-    /// A new walk over the children of `node`; null when memory runs out.
-    virtual ccv_yang_iter *walk(ccv_yang_node &node) noexcept = 0;
-
+struct Entry {
     const ccv_yang_node *looked_at = nullptr;
-    Wanted wanted; // of the reader that failed at looked_at
+    Wanted wanted;                             // of the reader that failed at looked_at
+    std::unique_ptr<ccv_yang_iter> spare_walk; // used again, and null meanwhile
 };
 
 /// Why a converter returned `status`: what it found at the node last looked at
@@ -55,26 +53,18 @@ std::string explanation(const Entry &entry, std::uint32_t status);
 
 enum class NodeForm : std::uint8_t { entry, container, list, list_entry, leaf };
 
+/// Children stand in the module's order; the instances of a list stand behind one
+/// list node.
 struct ccv_yang_node {
     const aceconv::SchemaNode *schema = nullptr;
     aceconv::Entry *owner = nullptr;
+    ccv_yang_node *parent = nullptr;
+    ccv_yang_node *child = nullptr; // the first
+    ccv_yang_node *last = nullptr;  // child
+    ccv_yang_node *next = nullptr;
     NodeForm form = NodeForm::container;
     std::uint32_t entries = 0; // of a list
     aceconv::Value value = {}; // of a leaf
-};
-
-struct ccv_yang_iter {
-    virtual ~ccv_yang_iter() = default;
-    ccv_yang_iter() = default;
-    ccv_yang_iter(const ccv_yang_iter &) = delete;
-    ccv_yang_iter &operator=(const ccv_yang_iter &) = delete;
-
-    [[nodiscard]] virtual bool active() const = 0;
-    /// `index` may be null, here and in next.
-    [[nodiscard]] virtual aceconv::YangStatus first(std::uint32_t step, ccv_yang_node *&current,
-                                                    std::int32_t *index) = 0;
-    [[nodiscard]] virtual bool finished(std::uint32_t step) const = 0;
-    virtual void next(ccv_yang_node *&current, std::int32_t *index) = 0;
 };
 
 /// The output of one entry. The first failure is kept with its path, and the
@@ -122,16 +112,15 @@ struct ccv_yang_output {
     struct Level {
         const aceconv::SchemaNode *schema;
         NodeForm form;
-        bool opened = false;                       // the backend knows it
-        std::uint8_t hint = 0;                     // where the next child is looked for
-        std::uint64_t given = 0;                   // children by place
-        std::string key = {};                      // of a list entry
-        std::unordered_set<std::string> keys = {}; // of a list
+        bool opened = false;              // the backend knows it and what is around it
+        std::uint8_t hint = 0;            // where the next child is looked for
+        std::uint64_t given = 0;          // children by place
+        const std::string *key = nullptr; // of a list entry, one of keys_
     };
 
     [[nodiscard]] std::string position(const char *name) const;
     const aceconv::SchemaNode *child(const char *name, aceconv::NodeKind kind);
-    bool open_pending();
+    bool open_pending(std::size_t count);
     std::uint32_t end(NodeForm form);
     std::uint32_t entry_key(const aceconv::SchemaNode &leaf, std::string_view key);
 
@@ -139,6 +128,7 @@ struct ccv_yang_output {
     const aceconv::SchemaNode &entry_;
     const bool drop_empty_;
     std::vector<Level> levels_;
+    std::vector<std::unordered_set<std::string>> keys_; // of the open lists
     aceconv::EntryKey where_;
     aceconv::YangStatus failure_ = aceconv::YangStatus::ok;
     std::string failure_path_;

@@ -1,5 +1,7 @@
 // The bulk backend's reader: one pass of simdjson over an entry's text, checked
-// against the module's compiled form.
+// against the module's compiled form. simdjson refuses bad UTF-8 and control
+// characters inside strings; between them only JSON's tokens pass, and each string
+// is a name of the module or checked as a value.
 //
 // It takes only what it is sure that the validating reader takes, with the same
 // values. Whatever else a text holds (a fault, or a rare way of writing) is read
@@ -15,7 +17,6 @@
 #include "host/yang/entry_tree.h"
 #include "host/yang/leaf_value.h"
 #include "host/yang/modules.h"
-#include "host/yang/yang_text.h"
 
 namespace aceconv {
 
@@ -30,7 +31,10 @@ class BulkTree final : public EntryTree {
 
     /// False for a text that has to be read the other way.
     bool assign(std::string_view text, const SchemaNode &entry) {
-        padded_.resize(text.size() + simdjson::SIMDJSON_PADDING);
+        if (const std::size_t size = text.size() + simdjson::SIMDJSON_PADDING;
+            size > padded_.size()) {
+            padded_.resize(2 * size);
+        }
         std::memcpy(padded_.data(), text.data(), text.size());
         std::memset(padded_.data() + text.size(), 0, simdjson::SIMDJSON_PADDING);
         // No node is shorter than a list entry "{},".
@@ -49,23 +53,23 @@ class BulkTree final : public EntryTree {
 
     /// The entry's key when the text has one.
     [[nodiscard]] const Node *sequence() {
-        const Node *first = static_cast<Node &>(root()).child;
+        const Node *first = root().child;
         return first != nullptr && first->schema->place == 0 ? first : nullptr;
     }
 
   private:
-    /// A member's name without the module's prefix; empty when it has escapes.
-    [[nodiscard]] std::string_view name_of(json::field &field) const {
-        const char *raw = field.key().raw();
-        const auto *end = static_cast<const char *>(std::memchr(raw, '"', padded_.size()));
-        std::string_view name(raw, static_cast<std::size_t>(end - raw));
-        if (name.find('\\') != std::string_view::npos) {
-            return {};
+    /// The child that a member names, with or without the module's prefix; null also
+    /// for a name that is written with escapes.
+    [[nodiscard]] const SchemaNode *child(const SchemaNode &parent, json::raw_json_string name,
+                                          std::size_t hint) const {
+        const auto is_name = [&](std::string_view key) { return name.unsafe_is_equal(key); };
+        const SchemaNode *found = parent.find_if(is_name, hint);
+        if (found != nullptr || std::strncmp(name.raw(), module_.data(), module_.size()) != 0) {
+            return found;
         }
-        if (name.size() > module_.size() && name.compare(0, module_.size(), module_) == 0) {
-            name.remove_prefix(module_.size());
-        }
-        return name;
+        const char *rest = name.raw() + module_.size();
+        const char *end = static_cast<const char *>(std::memchr(rest, '"', padded_.size()));
+        return parent.find({rest, static_cast<std::size_t>(end - rest)}, hint);
     }
 
     bool take_members(json::object object, Node &parent) {
@@ -76,7 +80,7 @@ class BulkTree final : public EntryTree {
             if (std::move(member).get(field) != simdjson::SUCCESS || ++members_ > max_entry_nodes) {
                 return false;
             }
-            const SchemaNode *schema = parent.schema->find(name_of(field), hint);
+            const SchemaNode *schema = child(*parent.schema, field.key(), hint);
             const std::uint64_t bit = schema == nullptr ? 0 : std::uint64_t{1} << schema->place;
             if (bit == 0 || (given & bit) != 0) {
                 return false;
@@ -124,31 +128,37 @@ class BulkTree final : public EntryTree {
     }
 
     bool take_leaf(json::value value, Node &leaf) {
-        std::string_view text;
         std::uint64_t number = 0;
         bool truth = false;
-        json::json_type type{};
-        if (value.type().get(type) != simdjson::SUCCESS) {
-            return false;
-        }
-        switch (type) {
-        case json::json_type::string:
-            return value.get_string().get(text) == simdjson::SUCCESS &&
-                   text_value(*leaf.schema, text, leaf.value);
-        case json::json_type::number:
-            return value.get_uint64().get(number) == simdjson::SUCCESS &&
-                   number_value(*leaf.schema, number, leaf.value);
-        case json::json_type::boolean:
-            leaf.value = {.kind = ValueKind::boolean};
+        switch (const std::string_view token = value.raw_json_token(); token.front()) {
+        case '"':
+            return take_string(value, token, leaf);
+        case 't':
+        case 'f':
             return leaf.schema->type == LeafType::boolean &&
                    value.get_bool().get(truth) == simdjson::SUCCESS &&
-                   (leaf.value.number = truth ? 1 : 0, true);
-        case json::json_type::array:
+                   (leaf.value = {.kind = ValueKind::boolean, .number = truth ? 1U : 0U}, true);
+        case '[':
             leaf.value = {.kind = ValueKind::empty};
             return leaf.schema->type == LeafType::empty && is_empty_value(value);
         default:
-            return false;
+            return value.get_uint64().get(number) == simdjson::SUCCESS &&
+                   number_value(*leaf.schema, number, leaf.value);
         }
+    }
+
+    /// `token` ends where the next one starts, so behind the quote stand blanks at
+    /// most. Names and addresses are compared as they are written, without escapes.
+    static bool take_string(json::value value, std::string_view token, Node &leaf) {
+        std::string_view text;
+        if (leaf.schema->type == LeafType::string) {
+            return value.get_string().get(text) == simdjson::SUCCESS &&
+                   text_value(*leaf.schema, text, leaf.value);
+        }
+        json::raw_json_string raw;
+        token.remove_suffix(token.size() - 1 - token.rfind('"'));
+        return value.get_raw_json_string().get(raw) == simdjson::SUCCESS && token.size() >= 2 &&
+               text_value(*leaf.schema, token.substr(1, token.size() - 2), leaf.value);
     }
 
     /// The value of an empty leaf is [null] (RFC 7951, section 6.9).
@@ -179,12 +189,12 @@ class BulkReader final : public EntryReader {
         : modules_(modules), schema_(schema), tree_(schema) {}
 
     ccv_yang_node *read(std::string_view text, const EntryKey &where) override {
-        sure_ = text.size() <= max_entry_bytes && text_fault(text) == nullptr &&
+        sure_ = text.size() <= max_entry_bytes &&
                 tree_.assign(text, modules_.context().entry(schema_)) && take_sequence(where);
         if (!sure_) {
             return validating().read(text, where);
         }
-        where_ = where;
+        acl_ = where.acl;
         return &tree_.root();
     }
 
@@ -196,7 +206,7 @@ class BulkReader final : public EntryReader {
         if (!sure_) {
             return validating_->explain(status);
         }
-        std::string path = entry_path(schema_, {where_.acl, sequence_});
+        std::string path = entry_path(schema_, {acl_, sequence_});
         if (tree_.looked_at != nullptr) {
             path += tree_.path(*tree_.looked_at);
         }
@@ -223,7 +233,7 @@ class BulkReader final : public EntryReader {
     const Schema schema_;
     BulkTree tree_;
     bool sure_ = false; // the entry last read is in tree_
-    EntryKey where_;
+    std::optional<std::string> acl_;
     std::optional<std::uint32_t> sequence_;
     std::unique_ptr<EntryReader> validating_;
 };

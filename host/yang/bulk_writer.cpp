@@ -1,11 +1,10 @@
 // The bulk backend's writer: the emitters' calls appended as JSON text.
-#include <arpa/inet.h>
-
 #include <charconv>
 #include <stdexcept>
 
 #include "host/yang/leaf_value.h"
 #include "host/yang/modules.h"
+#include "host/yang/text_buffer.h"
 
 namespace aceconv {
 
@@ -20,7 +19,8 @@ class BulkOutput final : public ccv_yang_output {
 
     void start(const EntryKey &where) {
         restart(where);
-        text_ = "{";
+        text_.clear();
+        text_ += '{';
         levels_.assign(1, {});
         started_ = true;
         if (where.sequence) {
@@ -33,7 +33,7 @@ class BulkOutput final : public ccv_yang_output {
             throw std::logic_error("finish without begin");
         }
         check_complete();
-        text += text_;
+        text += text_.text();
         text += '}';
     }
 
@@ -41,7 +41,7 @@ class BulkOutput final : public ccv_yang_output {
     bool open(const SchemaNode &container, std::string & /*why*/) override {
         name(container);
         text_ += '{';
-        levels_.push_back({.close = "}"});
+        levels_.emplace_back();
         return true;
     }
 
@@ -56,13 +56,13 @@ class BulkOutput final : public ccv_yang_output {
             levels_.back().list = &list;
         }
         text_ += '{';
-        levels_.push_back({.close = "}"});
+        levels_.emplace_back();
         return put(list.children[0], {.kind = ValueKind::text, .text = key}, why);
     }
 
     void close() override {
         end_list();
-        text_ += levels_.back().close;
+        text_ += '}';
         levels_.pop_back();
     }
 
@@ -77,20 +77,24 @@ class BulkOutput final : public ccv_yang_output {
             number(value.number);
             break;
         case ValueKind::boolean:
-            text_ += value.number != 0 ? "true" : "false";
+            text_ += std::string_view(value.number != 0 ? "true" : "false");
             break;
         case ValueKind::empty:
-            text_ += "[null]";
+            text_ += std::string_view("[null]");
             break;
-        default:
+        case ValueKind::text:
             quoted(value.text);
+            break;
+        default: // names and addresses hold nothing to escape
+            text_ += '"';
+            text_ += value.text;
+            text_ += '"';
         }
         return true;
     }
 
   private:
     struct Level {
-        const char *close = "";
         bool holds_nodes = false;
         const SchemaNode *list = nullptr; // whose array is open here
     };
@@ -98,7 +102,9 @@ class BulkOutput final : public ccv_yang_output {
     static bool acceptable(const SchemaNode &leaf, const Value &value) {
         Value taken;
         switch (value.kind) {
-        case ValueKind::text:
+        case ValueKind::text: // an emitter has looked at the characters
+            return leaf.type == LeafType::string ? takes_text(leaf, value.text)
+                                                 : text_value(leaf, value.text, taken);
         case ValueKind::name:
         case ValueKind::bits:
             return text_value(leaf, value.text, taken);
@@ -117,16 +123,18 @@ class BulkOutput final : public ccv_yang_output {
     /// The name of the next node here.
     void name(const SchemaNode &node) {
         end_list();
-        text_ += levels_.back().holds_nodes ? ",\"" : "\"";
+        if (levels_.back().holds_nodes) {
+            text_ += ',';
+        }
         levels_.back().holds_nodes = true;
-        text_ += node.name;
-        text_ += "\":";
+        text_ += node.member;
     }
 
     void number(std::uint64_t value) {
-        char digits[20];
-        const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-        text_.append(digits, end);
+        constexpr std::size_t most = 20; // digits
+        char *digits = text_.room(most);
+        text_.grow(
+            static_cast<std::size_t>(std::to_chars(digits, digits + most, value).ptr - digits));
     }
 
     /// A JSON string (RFC 8259, section 7) with the escapes that libyang writes.
@@ -138,39 +146,39 @@ class BulkOutput final : public ccv_yang_output {
             if (static_cast<unsigned char>(byte) >= 0x20 && byte != '"' && byte != '\\') {
                 continue;
             }
-            text_.append(value, plain, at - plain);
+            text_ += value.substr(plain, at - plain);
             plain = at + 1;
             escape(byte);
         }
-        text_.append(value, plain);
+        text_ += value.substr(plain);
         text_ += '"';
     }
 
     void escape(char byte) {
         switch (byte) {
         case '"':
-            text_ += "\\\"";
+            text_ += std::string_view("\\\"");
             break;
         case '\\':
-            text_ += "\\\\";
+            text_ += std::string_view("\\\\");
             break;
         case '\r':
-            text_ += "\\r";
+            text_ += std::string_view("\\r");
             break;
         case '\t':
-            text_ += "\\t";
+            text_ += std::string_view("\\t");
             break;
         default: {
             constexpr char digits[] = "0123456789ABCDEF";
             const auto code = static_cast<unsigned char>(byte);
-            text_ += "\\u00";
+            text_ += std::string_view("\\u00");
             text_ += digits[code >> 4U];
             text_ += digits[code & 0xFU];
         }
         }
     }
 
-    std::string text_;
+    TextBuffer text_;
     std::vector<Level> levels_;
     bool started_ = false;
 };

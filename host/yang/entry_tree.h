@@ -1,7 +1,4 @@
 // The nodes of one entry as converters walk them, however they were read.
-//
-// Children stand in the module's order; the instances of a list stand behind one
-// list node.
 #pragma once
 
 #include <string>
@@ -9,22 +6,17 @@
 #include <vector>
 
 #include "host/yang/backend.h"
+#include "host/yang/tree_walk.h"
 
 namespace aceconv {
 
 class EntryTree : public Entry {
   public:
-    [[nodiscard]] ccv_yang_node &root() { return nodes_.front(); }
-    /// The path below the entry.
-    [[nodiscard]] std::string path(const ccv_yang_node &node) const;
-    ccv_yang_iter *walk(ccv_yang_node &node) noexcept override;
+    using Node = ccv_yang_node;
 
-    struct Node : ccv_yang_node {
-        Node *parent = nullptr;
-        Node *child = nullptr; // the first
-        Node *last = nullptr;  // child
-        Node *next = nullptr;
-    };
+    [[nodiscard]] Node &root() { return nodes_.front(); }
+    /// The path below the entry.
+    [[nodiscard]] static std::string path(const Node &node);
 
   protected:
     /// Forgets all nodes and makes room for `count`, so that they stay in place.
@@ -36,8 +28,30 @@ class EntryTree : public Entry {
     const std::string_view *repeated_key(const Node &list);
 
   private:
+    static void link_in_order(Node &node, Node &parent);
+
     std::vector<Node> nodes_;
     std::vector<std::string_view> keys_;
 };
+
+inline EntryTree::Node &EntryTree::add(const SchemaNode &schema, Node *parent, NodeForm form) {
+    Node &node = nodes_.emplace_back();
+    node.schema = &schema;
+    node.owner = this;
+    node.parent = parent;
+    node.form = form;
+    if (parent == nullptr) {
+        return node;
+    }
+    if (parent->child == nullptr) {
+        parent->child = parent->last = &node;
+    } else if (parent->last->schema->place <= schema.place) {
+        parent->last->next = &node;
+        parent->last = &node;
+    } else {
+        link_in_order(node, *parent);
+    }
+    return node;
+}
 
 } // namespace aceconv

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "host/yang/ipv4_text.h"
 #include "host/yang/yang_text.h"
 
 namespace aceconv {
@@ -15,7 +16,7 @@ namespace {
 bool is_name(const SchemaNode &leaf, std::string_view text) {
     return std::any_of(leaf.names.begin(), leaf.names.end(), [&](const SchemaNode::Name &name) {
         // Most names differ in their first character.
-        return !text.empty() && text[0] == name.text[0] && text == name.text;
+        return !text.empty() && text.front() == name.text.front() && text == name.text;
     });
 }
 
@@ -41,32 +42,6 @@ bool is_canonical_set(const SchemaNode &leaf, std::string_view text) {
     return true;
 }
 
-/// A number 0 to 255 without leading zeros.
-bool is_octet(std::string_view text) {
-    if (text.empty() || text.size() > 3 || (text.size() > 1 && text[0] == '0')) {
-        return false;
-    }
-    unsigned number = 0;
-    for (const char digit : text) {
-        if (digit < '0' || digit > '9') {
-            return false;
-        }
-        number = number * 10 + static_cast<unsigned>(digit - '0');
-    }
-    return number <= 255;
-}
-
-bool is_dotted_quad(std::string_view text) {
-    for (int dots = 0; dots < 3; ++dots) {
-        const std::size_t dot = text.find('.');
-        if (dot == std::string_view::npos || !is_octet(text.substr(0, dot))) {
-            return false;
-        }
-        text.remove_prefix(dot + 1);
-    }
-    return is_octet(text);
-}
-
 bool matches_pattern(const SchemaNode &leaf, std::string_view text) {
     const lysc_type *type = reinterpret_cast<const lysc_node_leaf *>(leaf.compiled)->type;
     ly_err_item *error = nullptr;
@@ -86,9 +61,6 @@ std::size_t length(std::string_view text) {
 } // namespace
 
 bool takes_text(const SchemaNode &leaf, std::string_view text) {
-    if (text_fault(text) != nullptr) {
-        return false;
-    }
     const bool any_length =
         leaf.smallest == 0 && leaf.largest == std::numeric_limits<std::uint64_t>::max();
     if (!any_length) {
@@ -105,7 +77,7 @@ bool text_value(const SchemaNode &leaf, std::string_view text, Value &value) {
     switch (leaf.type) {
     case LeafType::string:
         value.kind = ValueKind::text;
-        return takes_text(leaf, text);
+        return text_fault(text) == nullptr && takes_text(leaf, text);
     case LeafType::enumeration:
     case LeafType::name_or_number:
         value.kind = ValueKind::name;
@@ -114,11 +86,17 @@ bool text_value(const SchemaNode &leaf, std::string_view text, Value &value) {
         value.kind = ValueKind::bits;
         return is_canonical_set(leaf, text);
     case LeafType::ipv4:
-        value.kind = ValueKind::ipv4;
-        return is_dotted_quad(text);
+        return ipv4_value(text, value);
     default:
         return false;
     }
+}
+
+bool ipv4_value(std::string_view text, Value &value) {
+    std::uint32_t address = 0;
+    const bool taken = read_ipv4(text, address);
+    value = {.kind = ValueKind::ipv4, .text = text, .number = address};
+    return taken;
 }
 
 bool number_value(const SchemaNode &leaf, std::uint64_t number, Value &value) {

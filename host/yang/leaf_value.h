@@ -13,10 +13,13 @@ namespace aceconv {
 /// A JSON string as the leaf's value.
 bool text_value(const SchemaNode &leaf, std::string_view text, Value &value);
 
+/// A dotted quad without leading zeros.
+bool ipv4_value(std::string_view text, Value &value);
+
 /// A JSON number as the leaf's value.
 bool number_value(const SchemaNode &leaf, std::uint64_t number, Value &value);
 
-/// Whether a string leaf takes the text: its characters, length and pattern.
+/// Whether a string leaf takes text of allowed characters: its length and pattern.
 bool takes_text(const SchemaNode &leaf, std::string_view text);
 
 } // namespace aceconv

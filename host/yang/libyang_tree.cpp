@@ -5,6 +5,7 @@
 
 #include "host/error.h"
 #include "host/yang/data_path.h"
+#include "host/yang/leaf_value.h"
 #include "host/yang/yang_text.h"
 
 namespace aceconv {
@@ -40,9 +41,13 @@ Value value_of(const lyd_node &data) {
     case LY_TYPE_EMPTY:
         return {.kind = ValueKind::empty};
     default:
-        return {.kind = schema_of(data).type == LeafType::ipv4 ? ValueKind::ipv4 : ValueKind::text,
-                .text = lyd_get_value(&data)};
+        break;
     }
+    Value result{.kind = ValueKind::text, .text = lyd_get_value(&data)};
+    if (schema_of(data).type == LeafType::ipv4) {
+        (void)ipv4_value(result.text, result); // libyang takes no other form
+    }
+    return result;
 }
 
 std::size_t count_nodes(const lyd_node *first) {

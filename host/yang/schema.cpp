@@ -30,6 +30,9 @@ Bounds bounds(const lysc_range *range, std::uint64_t largest) {
 template <class Item>
 void take_names(const Item *items, std::vector<SchemaNode::Name> &names) {
     for (LY_ARRAY_COUNT_TYPE i = 0; i < LY_ARRAY_COUNT(items); ++i) {
+        if (std::strpbrk(items[i].name, "\"\\") != nullptr) { // written without escapes
+            throw std::logic_error(std::string("name ") + items[i].name + ": quoted characters");
+        }
         // Bits and enumerations share libyang's item; `position` is its unsigned reading.
         names.push_back({items[i].position, items[i].name});
     }
@@ -128,21 +131,10 @@ std::string number_range(const SchemaNode &leaf) {
 
 } // namespace
 
-const SchemaNode *SchemaNode::find(std::string_view wanted, std::size_t hint) const {
-    const std::size_t count = children.size();
-    std::size_t at = hint < count ? hint : 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        if (wanted == children[at].key) {
-            return &children[at];
-        }
-        at = at + 1 < count ? at + 1 : 0;
-    }
-    return nullptr;
-}
-
 void compile_schema(const lysc_node *node, SchemaNode &result) {
     result.name = node->name;
     result.key = node->name;
+    result.member = '"' + std::string(node->name) + "\":";
     result.compiled = node;
     // libyang leaves the private pointer to its user but hands out constant nodes.
     const_cast<lysc_node *>(node)->priv = &result;

@@ -27,12 +27,13 @@ enum class LeafType : std::uint8_t {
 
 struct SchemaNode {
     struct Name {
-        std::uint32_t value; // of an enumeration's name; position of a bit
-        const char *text;
+        std::uint32_t value;   // of an enumeration's name; position of a bit
+        std::string_view text; // a NUL follows
     };
 
     const char *name = "";
     std::string_view key = {}; // the name, for comparing
+    std::string member;        // "name": as JSON has it
     NodeKind kind = NodeKind::container;
     LeafType type = LeafType::none;
     std::uint8_t place = 0;         // among its siblings, from 0; below max_siblings
@@ -45,9 +46,28 @@ struct SchemaNode {
     const lysc_node *compiled = nullptr;
     std::vector<SchemaNode> children; // in the module's order; a list's key is the first
 
-    /// The child of that name; `hint` is where the search starts, best the place
-    /// behind the child found before.
-    [[nodiscard]] const SchemaNode *find(std::string_view wanted, std::size_t hint = 0) const;
+    /// The child whose name `is_wanted`; `hint` is where the search starts, 0 or the
+    /// place behind a child.
+    template <class IsWanted>
+    [[nodiscard]] const SchemaNode *find_if(IsWanted is_wanted, std::size_t hint) const {
+        const SchemaNode *begin = children.data();
+        const SchemaNode *end = begin + children.size();
+        const SchemaNode *start = begin + hint; // at the end at most
+        for (const SchemaNode *child = start; child != end; ++child) {
+            if (is_wanted(child->key)) {
+                return child;
+            }
+        }
+        for (const SchemaNode *child = begin; child != start; ++child) {
+            if (is_wanted(child->key)) {
+                return child;
+            }
+        }
+        return nullptr;
+    }
+    [[nodiscard]] const SchemaNode *find(std::string_view wanted, std::size_t hint = 0) const {
+        return find_if([&](std::string_view candidate) { return candidate == wanted; }, hint);
+    }
 };
 
 /// Siblings fit a 64-bit set.

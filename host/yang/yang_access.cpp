@@ -1,12 +1,10 @@
 // The iterator and the readers of aceconv/host/yang_access.h, for any backend.
-#include <arpa/inet.h>
-
 #include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <new>
 
-#include "host/yang/backend.h"
+#include "host/yang/tree_walk.h"
 
 using aceconv::code;
 using aceconv::Value;
@@ -28,7 +26,8 @@ std::uint32_t refuse(ccv_yang_node *node, YangStatus status, const Wanted &wante
 
 const ccv_yang_keyword *find(const ccv_yang_keyword *table, std::string_view name) {
     for (const ccv_yang_keyword *row = table; row->name != nullptr; ++row) {
-        if (std::strncmp(row->name, name.data(), name.size()) == 0 &&
+        // Most names differ in their first character.
+        if (row->name[0] == name[0] && std::strncmp(row->name, name.data(), name.size()) == 0 &&
             row->name[name.size()] == '\0') {
             return row;
         }
@@ -65,11 +64,13 @@ std::uint32_t read_number(ccv_yang_node *node, Number *value) {
 
 std::uint32_t ccv_yang_iter_create(ccv_yang_node *node, ccv_yang_iter **iterator) {
     look_at(node);
-    ccv_yang_iter *created = node->owner->walk(*node);
-    if (created == nullptr) {
+    ccv_yang_iter *spare = node->owner->spare_walk.release();
+    if (spare != nullptr) {
+        spare->restart(*node);
+    } else if ((spare = new (std::nothrow) ccv_yang_iter(*node)) == nullptr) {
         return code(YangStatus::no_memory);
     }
-    *iterator = created;
+    *iterator = spare;
     return 0;
 }
 
@@ -79,11 +80,7 @@ std::int32_t ccv_yang_iter_is_active(ccv_yang_iter *iterator) {
 
 void ccv_yang_iter_first(std::uint32_t step, ccv_yang_iter *iterator, std::uint32_t *status,
                          ccv_yang_node **current, std::int32_t *index) {
-    YangStatus result = YangStatus::no_memory;
-    try {
-        result = iterator->first(step, *current, index);
-    } catch (const std::bad_alloc &) {
-    }
+    const YangStatus result = iterator->first(step, *current, index);
     if (result != YangStatus::ok) {
         *current = nullptr;
         *status = code(result);
@@ -101,7 +98,9 @@ void ccv_yang_iter_next(ccv_yang_iter *iterator, std::uint32_t * /*status*/,
 }
 
 void ccv_yang_iter_destroy(ccv_yang_iter *iterator) {
-    delete iterator;
+    if (iterator != nullptr) {
+        iterator->owner().spare_walk.reset(iterator);
+    }
 }
 
 // ---- Readers -----------------------------------------------------------------
@@ -170,13 +169,10 @@ std::uint32_t ccv_yang_get_bool(ccv_yang_node *node, std::uint32_t *value) {
 // Addresses are in network byte order, as in struct in_addr.
 std::uint32_t ccv_yang_get_ipv4(ccv_yang_node *node, std::uint32_t *address) {
     const Value &found = look_at(node);
-    char text[INET_ADDRSTRLEN] = {};
-    in_addr parsed{};
-    if (found.kind != ValueKind::ipv4 || found.text.size() >= sizeof text ||
-        (found.text.copy(text, sizeof text), inet_pton(AF_INET, text, &parsed)) != 1) {
+    if (found.kind != ValueKind::ipv4) {
         return refuse(node, YangStatus::wrong_type, {.what = "an IPv4 address"});
     }
-    *address = parsed.s_addr;
+    *address = static_cast<std::uint32_t>(found.number);
     return 0;
 }
 

@@ -1,9 +1,8 @@
 // The emitters of aceconv/host/yang_access.h, for any backend.
-#include <arpa/inet.h>
-
 #include <new>
 
 #include "host/yang/backend.h"
+#include "host/yang/ipv4_text.h"
 #include "host/yang/yang_text.h"
 
 using aceconv::SchemaNode;
@@ -121,10 +120,8 @@ std::uint32_t ccv_yang_bool(ccv_yang_output *output, const char *name, std::uint
 }
 
 std::uint32_t ccv_yang_ipv4(ccv_yang_output *output, const char *name, std::uint32_t address) {
-    const in_addr wire{address};
-    char text[INET_ADDRSTRLEN];
-    (void)inet_ntop(AF_INET, &wire, text, sizeof text);
-    return emit_leaf(output, name, {.kind = ValueKind::ipv4, .text = text});
+    const aceconv::Ipv4Text quad(address);
+    return emit_leaf(output, name, {.kind = ValueKind::ipv4, .text = quad.text()});
 }
 
 std::uint32_t ccv_yang_string(ccv_yang_output *output, const char *name, const char *text) {

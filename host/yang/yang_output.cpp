@@ -1,4 +1,5 @@
 // What the emitters of aceconv/host/yang_access.h do, for any backend.
+#include <cstring>
 #include <new>
 
 #include "host/error.h"
@@ -41,6 +42,7 @@ bool takes(LeafType type, ValueKind kind) {
 
 void ccv_yang_output::restart(const aceconv::EntryKey &where) {
     levels_.clear();
+    keys_.clear();
     levels_.push_back({.schema = &entry_, .form = NodeForm::entry, .opened = true});
     where_ = where;
     failure_ = YangStatus::ok;
@@ -61,8 +63,8 @@ std::string ccv_yang_output::position(const char *name) const {
     std::string path = aceconv::entry_path(schema_, where_);
     for (const Level &level : levels_) {
         if (level.form == NodeForm::list_entry) {
-            if (!level.key.empty()) {
-                path += aceconv::key_predicate(level.schema->children[0].name, level.key);
+            if (level.key != nullptr && !level.key->empty()) {
+                path += aceconv::key_predicate(level.schema->children[0].name, *level.key);
             }
         } else if (level.form != NodeForm::entry) {
             path += '/';
@@ -88,7 +90,11 @@ std::uint32_t ccv_yang_output::fail(YangStatus status, const char *name, std::st
 }
 
 const SchemaNode *ccv_yang_output::peek(const char *name) const {
-    return levels_.back().schema->find(name, levels_.back().hint);
+    // Most names differ in their first character.
+    const auto is_named = [&](std::string_view key) {
+        return key.front() == name[0] && std::strcmp(key.data(), name) == 0;
+    };
+    return levels_.back().schema->find_if(is_named, levels_.back().hint);
 }
 
 /// The child that a call names, checked and noted as given; null after a failure.
@@ -120,10 +126,15 @@ const SchemaNode *ccv_yang_output::child(const char *name, NodeKind kind) {
     return found;
 }
 
-/// Opens the containers around the current position that were held back.
-bool ccv_yang_output::open_pending() {
-    for (Level &level : levels_) {
-        if (level.opened || level.form == NodeForm::list) {
+/// Opens what was held back of the outermost `count` levels.
+bool ccv_yang_output::open_pending(std::size_t count) {
+    std::size_t pending = count; // what is around an open level is open
+    while (!levels_[pending - 1].opened) {
+        --pending;
+    }
+    for (; pending < count; ++pending) {
+        Level &level = levels_[pending];
+        if (level.form == NodeForm::list) {
             continue;
         }
         if (level.form == NodeForm::list_entry) {
@@ -148,7 +159,7 @@ std::uint32_t ccv_yang_output::container_begin(const char *name) {
     }
     levels_.push_back({.schema = container, .form = NodeForm::container});
     if (!drop_empty_) {
-        open_pending();
+        open_pending(levels_.size());
     }
     return code(failure_);
 }
@@ -156,7 +167,7 @@ std::uint32_t ccv_yang_output::container_begin(const char *name) {
 std::uint32_t ccv_yang_output::presence() {
     if (failure_ == YangStatus::ok) {
         if (levels_.back().form == NodeForm::container) {
-            open_pending();
+            open_pending(levels_.size());
         } else {
             fail(YangStatus::misplaced, nullptr, "presence of something else than a container");
         }
@@ -175,6 +186,9 @@ std::uint32_t ccv_yang_output::end(NodeForm form) {
                 close();
             }
             levels_.pop_back();
+            if (form == NodeForm::list) {
+                keys_.pop_back();
+            }
         }
     }
     return code(failure_);
@@ -193,6 +207,7 @@ std::uint32_t ccv_yang_output::list_end() {
 std::uint32_t ccv_yang_output::list_begin(const char *name) {
     const SchemaNode *list = child(name, NodeKind::list);
     if (list != nullptr) {
+        keys_.emplace_back();
         levels_.push_back({.schema = list, .form = NodeForm::list});
     }
     return code(failure_);
@@ -213,18 +228,17 @@ std::uint32_t ccv_yang_output::list_entry_begin(const char *name, std::uint32_t 
 
 std::uint32_t ccv_yang_output::entry_key(const SchemaNode &leaf, std::string_view key) {
     Level &entry = levels_.back();
-    Level &list = levels_[levels_.size() - 2];
-    entry.key = key;
-    if (!list.keys.emplace(key).second) {
+    const auto [place, is_new] = keys_.back().emplace(key);
+    entry.key = &*place;
+    if (!is_new) {
         return fail(YangStatus::repeated, nullptr, "a second entry with the same key");
     }
-    // The entry is not open yet, but what is around the list has to be.
-    entry.opened = true;
-    if (open_pending()) {
+    if (open_pending(levels_.size() - 1)) { // what is around the list
         std::string why;
         if (!open_entry(*entry.schema, key, why)) {
             fail(YangStatus::refused, leaf.name, std::move(why));
         }
+        entry.opened = true;
     }
     return code(failure_);
 }
@@ -245,7 +259,7 @@ std::uint32_t ccv_yang_output::leaf(const char *name, const Value &value) {
     if (levels_.back().form == NodeForm::list_entry && found->place == 0) {
         return entry_key(*found, value.text);
     }
-    if (!open_pending()) {
+    if (!open_pending(levels_.size())) {
         return code(failure_);
     }
     std::string why;

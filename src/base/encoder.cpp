@@ -39,19 +39,42 @@ void derive_next_hop_bits(Record &record) {
     }
 }
 
-// Most names differ in their first character, which costs no call.
-const Row *find_row(std::span<const Row> rows, const char *name) {
-    for (const Row &row : rows) {
-        if (row.leaf.name[0] == name[0] && std::strcmp(name, row.leaf.name) == 0) {
-            return &row;
-        }
-    }
-    return nullptr;
-}
+/// The rows of one level. Hosts show nodes in the schema's order as a rule, so
+/// the search goes on behind the row found before.
+class Level {
+  public:
+    explicit Level(std::span<const Row> rows) : rows_(rows), next_(rows.data()) {}
 
-/// Handles the current node, one of `rows`.
-void encode_node(Walk &walk, std::span<const Row> rows, Record &record) {
-    const Row *row = find_row(rows, ccv_yang_get_node_name(walk.current));
+    const Row *find(const char *name) {
+        const Row *const begin = rows_.data();
+        const Row *row = find(next_, begin + rows_.size(), name);
+        if (row == nullptr) {
+            row = find(begin, next_, name);
+        }
+        if (row != nullptr) {
+            next_ = row + 1;
+        }
+        return row;
+    }
+
+  private:
+    // Most names differ in their first character, which costs no call.
+    static const Row *find(const Row *row, const Row *end, const char *name) {
+        for (; row != end; ++row) {
+            if (row->leaf.name[0] == name[0] && std::strcmp(name, row->leaf.name) == 0) {
+                return row;
+            }
+        }
+        return nullptr;
+    }
+
+    std::span<const Row> rows_;
+    const Row *next_;
+};
+
+/// Handles the current node, one of `level`.
+void encode_node(Walk &walk, Level &level, Record &record) {
+    const Row *row = level.find(ccv_yang_get_node_name(walk.current));
     if (row == nullptr) {
         walk.status = ACE_STATUS_UNKNOWN_LEAF;
         return;
@@ -64,12 +87,14 @@ void encode_node(Walk &walk, std::span<const Row> rows, Record &record) {
         walk.status = read_icmp_message(record, walk.current, row->leaf);
         break;
     case Kind::container:
-    case Kind::next_hop_container:
-        walk_level(walk, CCV_YANG_STEP_CONTAINER, [&] { encode_node(walk, row->rows(), record); });
+    case Kind::next_hop_container: {
+        Level inner(row->rows());
+        walk_level(walk, CCV_YANG_STEP_CONTAINER, [&] { encode_node(walk, inner, record); });
         if (row->kind == Kind::next_hop_container && walk.status == 0) {
             derive_next_hop_bits(record);
         }
         break;
+    }
     case Kind::ignored:
         break;
     }
@@ -87,9 +112,9 @@ std::uint32_t ccv_custom_encoder_ipv4_acl_ace(ccv_yang_node *node, const std::ui
     if (stored != nullptr) {
         ace::base::carry_over_udf(record, stored, stored_len);
     }
-    std::uint32_t status = ace::walk_entry(node, [&](ace::Walk &walk) {
-        ace::base::encode_node(walk, ace::base::entry_rows, record);
-    });
+    ace::base::Level level(ace::base::entry_rows);
+    std::uint32_t status = ace::walk_entry(
+        node, [&](ace::Walk &walk) { ace::base::encode_node(walk, level, record); });
     if (status == 0) {
         status = ace::encode_record(record, out_a, out_b);
     }

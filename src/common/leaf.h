@@ -108,12 +108,20 @@ void store(Record &record, Field field, std::uint32_t value);
 
 /// Sets the leaf's presence bit and then reads it: a failed read leaves the bit
 /// set in a record that its owner discards.
-[[nodiscard]] std::uint32_t read_leaf(Record &record, ccv_yang_node *node, const Leaf &leaf);
+[[nodiscard]] inline std::uint32_t read_leaf(Record &record, ccv_yang_node *node,
+                                             const Leaf &leaf) {
+    set_present(record, leaf.bit);
+    return read_value(record, node, leaf);
+}
 
 /// Writes the leaf, whatever its presence bit says.
 void write_value(ccv_yang_output *output, const Record &record, const Leaf &leaf);
 
 /// Writes the leaf when its presence bit is set.
-void write_leaf(ccv_yang_output *output, const Record &record, const Leaf &leaf);
+inline void write_leaf(ccv_yang_output *output, const Record &record, const Leaf &leaf) {
+    if (is_present(record, leaf.bit)) {
+        write_value(output, record, leaf);
+    }
+}
 
 } // namespace ace

@@ -74,9 +74,4 @@ std::uint32_t read_value(Record &record, ccv_yang_node *node, const Leaf &leaf) 
     return status;
 }
 
-std::uint32_t read_leaf(Record &record, ccv_yang_node *node, const Leaf &leaf) {
-    set_present(record, leaf.bit);
-    return read_value(record, node, leaf);
-}
-
 } // namespace ace

@@ -46,10 +46,4 @@ void write_value(ccv_yang_output *output, const Record &record, const Leaf &leaf
     }
 }
 
-void write_leaf(ccv_yang_output *output, const Record &record, const Leaf &leaf) {
-    if (is_present(record, leaf.bit)) {
-        write_value(output, record, leaf);
-    }
-}
-
 } // namespace ace

@@ -2,12 +2,15 @@
 import json
 import os
 import pathlib
+import re
 import subprocess
 import tempfile
 import unittest
 
 ACECONV = os.environ["ACECONV"]
 EXAMPLES = pathlib.Path(os.environ["ACECONV_SOURCE"]) / "examples"
+SUMMARY = re.compile(r"aceconv: (stopped: )?(\d+ entr(y|ies), \d+ errors?.*); [\d.]+ s, "
+                     r"\d+ entries a second\n\Z")
 MODULE = {"base": "aceconv-base", "um": "aceconv-um"}
 
 
@@ -35,11 +38,15 @@ class Case(unittest.TestCase):
         return str(path)
 
     def run_command(self, *args, stdin=b"", **more):
-        """(exit code, standard output as bytes, standard error as text)"""
+        """(exit code, standard output as bytes, standard error as text); the summary at the end
+        of the latter is left out and kept."""
         data = stdin if isinstance(stdin, bytes) else stdin.encode()
         done = subprocess.run([ACECONV, *map(str, args)], input=data, capture_output=True,
                               timeout=120, check=False, **more)
-        return done.returncode, done.stdout, done.stderr.decode()
+        found = SUMMARY.search(said := done.stderr.decode())
+        self.summary = found.group() if found else ""
+        said = said[:len(said) - len(self.summary)]
+        return done.returncode, done.stdout, said
 
     def ok(self, *args, stdin=b""):
         """Standard output of a run that must succeed and say nothing."""

@@ -248,7 +248,8 @@ class Convert(Case):
                                               rf"{10 * (i + 1)}: loss: {name}[ :]")
             lossy = sum(1 for _, wanted in rows if wanted)
             self.assertEqual(told["entries-with-losses"], lossy)
-            self.assertIn(f"aceconv: {lossy} of {len(rows)} entries with losses", err)
+            self.assertIn(f"{len(rows)} entries, 0 errors, {len(told['losses'])} losses in {lossy} "
+                          "entries; ", self.summary)
 
     def test_fragment_types_are_renumbered(self):
         base = ["dont-fragment", "is-fragment", "first-fragment", "last-fragment",

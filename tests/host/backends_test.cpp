@@ -153,6 +153,21 @@ TEST_P(BackendsAgree, OnGeneratedAndMutatedEntries) {
     }
 }
 
+// No byte may pass between the tokens of one backend that the other refuses.
+TEST_P(BackendsAgree, OnOneByteMoreAnywhere) {
+    const Backends all = backends(GetParam());
+    const std::string entry =
+        GetParam() == Schema::um
+            ? R"({"permit":{"ttl":{"eq":7},"source":{"host":"10.0.0.1"}}})"
+            : R"({"grant":"deny" ,"capture":true,"icmp-off":[null],"qos-group":7})";
+    for (std::size_t at = 0; at <= entry.size(); ++at) {
+        for (unsigned byte = 0; byte < 256; byte += byte < 0x30 ? 1 : 0x0B) {
+            std::string text = entry;
+            expect_agreement(all, text.insert(at, 1, static_cast<char>(byte)));
+        }
+    }
+}
+
 TEST_P(BackendsAgree, OnTheExamples) {
     const Backends all = backends(GetParam());
     for (const char *name : {"border-filter", "management-plane", "qos-nexthop", "border-filter-um",

@@ -104,7 +104,7 @@ class Comparison {
         uses_[row] = true;
         std::map<std::string, std::uint32_t> in_module;
         for (const SchemaNode::Name &name : leaf.names) {
-            in_module[name.text] = name.value;
+            in_module[std::string(name.text)] = name.value;
         }
         std::map<std::string, std::uint32_t> in_table;
         for (const ccv_yang_keyword *keyword = row->table; keyword->name != nullptr; ++keyword) {

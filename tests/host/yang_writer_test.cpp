@@ -284,7 +284,7 @@ class Copy {
     void leaf(ccv_yang_node *node, const char *name) {
         std::vector<ccv_yang_keyword> table;
         for (const SchemaNode::Name &row : node->schema->names) {
-            table.push_back({row.value, row.text});
+            table.push_back({row.value, row.text.data()});
         }
         table.push_back({0, nullptr});
         std::uint32_t value = 0;
@@ -344,7 +344,7 @@ std::string everything(const SchemaNode &node) {
         } else if (number) {
             text.append(std::to_string(child.largest));
         } else if (!child.names.empty()) {
-            const char *name = child.names[child.names.size() / 2].text;
+            const char *name = child.names[child.names.size() / 2].text.data();
             text.append("\"").append(name).append("\"");
         } else {
             text.append(samples[static_cast<std::size_t>(child.type)]);

@@ -1,5 +1,9 @@
 #include "tools/aceconv/changes.h"
 
+#include <nlohmann/json.hpp>
+
+#include "tools/aceconv/record_view.h"
+
 namespace aceconv::tool {
 
 std::vector<Change> field_changes(const std::vector<Difference> &differences, Schema schema) {
@@ -32,7 +36,7 @@ std::string change_text(const Change &change) {
     return change.reason.empty() ? text : text + "; " + change.reason;
 }
 
-nlohmann::ordered_json change_json(const Change &change, const Entry &entry) {
+std::string change_json(const Change &change, const Entry &entry) {
     using Json = nlohmann::ordered_json;
     const auto text = [](const auto &value) { return value ? Json(*value) : Json(); };
     Json row = {{"acl", text(entry.key.acl)}, {"sequence", text(entry.key.sequence)}};
@@ -46,7 +50,7 @@ nlohmann::ordered_json change_json(const Change &change, const Entry &entry) {
     row["after"] = text(change.after);
     if (!change.reason.empty())
         row["reason"] = change.reason;
-    return row;
+    return row.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 } // namespace aceconv::tool

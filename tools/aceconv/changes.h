@@ -1,15 +1,15 @@
 // A difference between two states of an entry, as it is shown to people.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "tools/aceconv/record_view.h"
 #include "tools/aceconv/source.h"
 
 namespace aceconv::tool {
+
+struct Difference; // of two records, see record_view.h
 
 struct Change {
     std::string field;                 // of the record; empty for what no record carries
@@ -25,7 +25,7 @@ std::vector<Change> field_changes(const std::vector<Difference> &differences, Sc
 /// "dport1 (destination-port/first-destination-port): 80 (www) -> 443"
 std::string change_text(const Change &change);
 
-/// The same as a JSON object, with the entry's place.
-nlohmann::ordered_json change_json(const Change &change, const Entry &entry);
+/// The same as a JSON object's text, with the entry's place.
+std::string change_json(const Change &change, const Entry &entry);
 
 } // namespace aceconv::tool

@@ -1,12 +1,14 @@
 // aceconv check: which entries do not come back the same.
+#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <unistd.h>
 
 #include "tools/aceconv/changes.h"
 #include "tools/aceconv/errors.h"
 #include "tools/aceconv/leaves.h"
 #include "tools/aceconv/options.h"
-#include "tools/aceconv/pipeline.h"
 #include "tools/aceconv/record_view.h"
+#include "tools/aceconv/run.h"
 
 namespace aceconv::tool {
 namespace {
@@ -18,18 +20,16 @@ struct CheckOptions {
 
 /// What is not the same after the entry was encoded, decoded and encoded again.
 std::vector<Change> check(Codec &codec, const RecordView &view, Entry &entry) {
-    const Bytes encoding = codec.encode(entry);
-    Entry again;
-    again.key = entry.key;
-    again.schema = entry.schema;
-    again.format = Format::json;
-    again.text = codec.decode(encoding, entry.schema, Format::json, entry.key);
+    const Encoding encoded = codec.encode(entry);
+    const Bytes encoding(encoded.begin(), encoded.end());
+    Entry again{.key = entry.key, .schema = entry.schema, .format = Format::json};
+    codec.decode(encoding, entry.schema, Format::json, entry.key, again.text);
     std::vector<Change> changes;
     if (entry.format)
         changes = lost_leaves(leaves_of(entry.text, *entry.format),
                               leaves_of(again.text, Format::json), entry.schema);
-    const Bytes second = codec.encode(again);
-    if (second == encoding)
+    const Encoding second = codec.encode(again);
+    if (std::equal(second.begin(), second.end(), encoding.begin(), encoding.end()))
         return changes;
     const Record before(codec.descriptor(), encoding);
     const Record after(codec.descriptor(), second);
@@ -39,30 +39,27 @@ std::vector<Change> check(Codec &codec, const RecordView &view, Entry &entry) {
 }
 
 int run(const CheckOptions &options) {
-    const auto codec = start(options.common);
-    const RecordView view(codec->descriptor());
-    FaultReport report(options.input.path);
-    const auto source = open_source(options.input, report);
-    if (!source)
-        return exit_data;
+    Run run(options.common, options.input, "-");
+    if (!run.opened())
+        return run.conclude();
+    const RecordView view(run.descriptor());
     Output output("-");
     const Style style(STDOUT_FILENO);
     std::uint64_t changed = 0;
-    const Outcome outcome = run_entries(
-        *source, report, options.common.keep_going,
-        [&](Entry &entry) { return check(*codec, view, entry); },
-        [&](const Entry &entry, const std::vector<Change> &changes) {
-            changed += changes.empty() ? 0U : 1U;
-            for (const Change &change : changes)
-                if (!options.common.quiet)
-                    output.write(style.bold(shown_entry(entry.key, entry.position)) + ": " +
-                                 change_text(change) + "\n");
-        });
-    if (!options.common.quiet && !outcome.stopped)
-        output.write(std::to_string(outcome.entries) + " entries checked, " +
+    run.each([&view](Codec &codec, Entry &entry,
+                     Product &product) { product.changes = check(codec, view, entry); },
+             [&](const Entry &entry, const Product &product) {
+                 changed += product.changes.empty() ? 0U : 1U;
+                 for (const Change &change : product.changes)
+                     if (!options.common.quiet)
+                         output.write(style.bold(shown_entry(entry.key, entry.position)) + ": " +
+                                      change_text(change) + "\n");
+             });
+    if (!options.common.quiet && !run.stopped())
+        output.write(std::to_string(run.tally().entries) + " entries checked, " +
                      std::to_string(changed) + " do not come back the same\n");
     output.commit();
-    const int status = conclude(options.common, report, outcome.entries);
+    const int status = run.conclude();
     return changed != 0 ? exit_data : status;
 }
 

@@ -43,8 +43,9 @@ std::string decoder_fault(std::uint32_t status) {
 
 } // namespace
 
-Codec::Codec(const Plugin &plugin, const std::filesystem::path &modules, Backend backend)
-    : plugin_(plugin), modules_(load_modules(modules)), backend_(backend) {}
+Codec::Codec(const CodecSetup &setup)
+    : plugin_(setup.plugin), modules_(load_modules(setup.modules)), backend_(setup.backend),
+      encoded_(nullptr, std::free) {}
 
 EntryReader &Codec::reader(Schema schema, Format format) {
     auto &reader = readers_[slot(schema, format)];
@@ -62,7 +63,7 @@ EntryWriter &Codec::writer(Schema schema, Format format) {
     return *writer;
 }
 
-Bytes Codec::encode(Entry &entry, const Bytes *stored) {
+Encoding Codec::encode(Entry &entry, Encoding stored) {
     if (!entry.format)
         return entry.encoding;
     EntryReader &source = reader(entry.schema, *entry.format);
@@ -79,19 +80,19 @@ Bytes Codec::encode(Entry &entry, const Bytes *stored) {
     std::uint8_t *encoded = nullptr;
     std::uint32_t length = 0;
     const Encoder encoder = entry.schema == Schema::base ? plugin_.encode_base : plugin_.encode_um;
-    const std::uint32_t status = encoder(
-        node, stored != nullptr ? stored->data() : nullptr,
-        stored != nullptr ? static_cast<std::uint32_t>(stored->size()) : 0, &encoded, &length);
+    const std::uint32_t status =
+        encoder(node, stored.empty() ? nullptr : stored.data(),
+                static_cast<std::uint32_t>(stored.size()), &encoded, &length);
     if (is_bag_status(status))
         throw DataError("", bag_last_error());
     if (status != 0)
         throw source.explain(status);
-    const std::unique_ptr<std::uint8_t, void (*)(void *)> owner(encoded, std::free);
-    return {encoded, encoded + length};
+    encoded_.reset(encoded);
+    return {encoded, length};
 }
 
-std::string Codec::decode(const Bytes &encoding, Schema schema, Format format,
-                          const EntryKey &key) {
+void Codec::decode(Encoding encoding, Schema schema, Format format, const EntryKey &key,
+                   std::string &text) {
     EntryWriter &target = writer(schema, format);
     ccv_yang_output *output = target.begin(key);
     const Decoder decoder = schema == Schema::base ? plugin_.decode_base : plugin_.decode_um;
@@ -99,9 +100,7 @@ std::string Codec::decode(const Bytes &encoding, Schema schema, Format format,
         decoder(output, encoding.data(), static_cast<std::uint32_t>(encoding.size()));
     if (status != 0)
         throw DataError("", decoder_fault(status));
-    std::string text;
     target.finish(text);
-    return text;
 }
 
 } // namespace aceconv::tool

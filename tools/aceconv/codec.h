@@ -14,19 +14,27 @@ namespace aceconv::tool {
 /// Which of the host's backends reads and writes JSON; XML is always libyang's.
 enum class Backend { bulk, validating };
 
+/// What codecs are made of.
+struct CodecSetup {
+    Plugin plugin;
+    std::filesystem::path modules; // their folder
+    Backend backend;
+};
+
 /// Everything that conversions need; one for each thread.
 class Codec {
   public:
     /// Throws IoError when the YANG modules cannot be loaded.
-    Codec(const Plugin &plugin, const std::filesystem::path &modules, Backend backend);
+    explicit Codec(const CodecSetup &setup);
 
-    /// The entry's encoding, which is `entry.encoding` where it came as one. Fills
-    /// in the sequence number in `entry.key`. `stored` is the entry's earlier
-    /// encoding or null. Throws DataError.
-    Bytes encode(Entry &entry, const Bytes *stored = nullptr);
+    /// The entry's encoding, which is `entry.encoding` where it came as one; valid
+    /// until the next call. Fills in the sequence number in `entry.key`. `stored`
+    /// is the entry's earlier encoding or empty. Throws DataError.
+    Encoding encode(Entry &entry, Encoding stored = {});
 
-    /// The text of an entry on one line. Throws DataError.
-    std::string decode(const Bytes &encoding, Schema schema, Format format, const EntryKey &key);
+    /// Appends the text of an entry, on one line. Throws DataError.
+    void decode(Encoding encoding, Schema schema, Format format, const EntryKey &key,
+                std::string &text);
 
     [[nodiscard]] const bag_descriptor &descriptor() const { return *plugin_.descriptor; }
 
@@ -38,9 +46,10 @@ class Codec {
         return backend_ == Backend::bulk && format == Format::json;
     }
 
-    Plugin plugin_;
+    const Plugin plugin_;
     Modules modules_;
-    Backend backend_;
+    const Backend backend_;
+    std::unique_ptr<std::uint8_t, void (*)(void *)> encoded_;
     std::array<std::unique_ptr<EntryReader>, 4> readers_;
     std::array<std::unique_ptr<EntryWriter>, 4> writers_;
 };

@@ -1,11 +1,13 @@
 // aceconv convert: from one schema to the other through the record, with an
 // account of everything that did not come along.
+#include <CLI/CLI.hpp>
+
 #include "tools/aceconv/changes.h"
 #include "tools/aceconv/errors.h"
 #include "tools/aceconv/leaves.h"
 #include "tools/aceconv/options.h"
-#include "tools/aceconv/pipeline.h"
 #include "tools/aceconv/record_view.h"
+#include "tools/aceconv/run.h"
 #include "tools/aceconv/text.h"
 
 namespace aceconv::tool {
@@ -21,11 +23,6 @@ struct ConvertOptions {
     bool strict = false;
 };
 
-struct Converted {
-    std::string text;
-    std::vector<Change> losses;
-};
-
 /// Where `differences` tell of a field of the source record, shows it as the
 /// source schema names it.
 void show_original(std::vector<Difference> &differences, const std::vector<FieldValue> &original) {
@@ -37,29 +34,28 @@ void show_original(std::vector<Difference> &differences, const std::vector<Field
 
 /// What is lost is what the finished text no longer says: it is encoded again
 /// and compared with the record that it was made from.
-Converted convert(Codec &codec, const RecordView &view, Entry &entry, Schema to, Format format) {
+void convert(Codec &codec, const RecordView &view, Entry &entry, Schema to, Format format,
+             Product &product) {
     const Schema from = entry.schema;
-    const Bytes encoding = codec.encode(entry);
-    Converted result;
-    if (entry.format)
-        result.losses = lost_leaves(
-            leaves_of(entry.text, *entry.format),
-            leaves_of(codec.decode(encoding, from, Format::json, {}), Format::json), from);
+    const Encoding encoded = codec.encode(entry);
+    const Bytes encoding(encoded.begin(), encoded.end());
+    if (entry.format) {
+        std::string kept;
+        codec.decode(encoding, from, Format::json, {}, kept);
+        product.changes =
+            lost_leaves(leaves_of(entry.text, *entry.format), leaves_of(kept, Format::json), from);
+    }
     Record source(codec.descriptor(), encoding);
     const bool untranslated = translate_fragment_type(source.get(), from, to);
-    result.text = codec.decode(source.encode(), to, format, entry.key);
+    codec.decode(source.encode(), to, format, entry.key, product.bytes);
 
-    Entry again;
-    again.key = entry.key;
-    again.schema = to;
-    again.format = format;
-    again.text = result.text;
+    Entry again{.key = entry.key, .schema = to, .format = format, .text = product.bytes};
     Record target(codec.descriptor(), codec.encode(again));
     clear_derived_bits(source.get());
     clear_derived_bits(target.get());
     std::vector<Difference> differences = view.compare(source, target, to);
     if (differences.empty() && !untranslated)
-        return result;
+        return;
     const auto original = view.describe(Record(codec.descriptor(), encoding).get(), from);
     for (const FieldValue &value : original)
         if (untranslated && value.name == "FragmentFlags")
@@ -73,9 +69,8 @@ Converted convert(Codec &codec, const RecordView &view, Entry &entry, Schema to,
                                                 : field->um_leaf;
         if (leaf == nullptr)
             changes[i].reason = "the " + std::string(schema_name(to)) + " schema has no such leaf";
-        result.losses.push_back(std::move(changes[i]));
+        product.changes.push_back(std::move(changes[i]));
     }
-    return result;
 }
 
 /// The losses as a JSON document, written as they come.
@@ -87,8 +82,7 @@ class LossReport {
     }
     void add(const Change &loss, const Entry &entry) {
         output_.write(std::exchange(first_, false) ? "\n" : ",\n");
-        output_.write(change_json(loss, entry)
-                          .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+        output_.write(change_json(loss, entry));
     }
     void finish(std::uint64_t entries, std::uint64_t with_losses) {
         output_.write("\n],\"entries\":" + std::to_string(entries) +
@@ -108,43 +102,35 @@ int run(const ConvertOptions &options) {
         throw UsageError("--from and --to name the same schema");
     if (options.output == "-" && options.report == "-")
         throw UsageError("the output and --report cannot both be standard output");
-    const auto codec = start(options.common);
-    const RecordView view(codec->descriptor());
-    FaultReport report(options.input.path);
-    const auto source = open_source(options.input, report);
-    if (!source)
-        return exit_data;
+    Run run(options.common, options.input, options.output);
+    if (!run.opened())
+        return run.conclude();
+    const RecordView view(run.descriptor());
     Output output(options.output);
     const auto sink = make_sink(options.format, to, output);
-    std::optional<LossReport> losses;
+    std::optional<LossReport> report;
     if (!options.report.empty())
-        losses.emplace(options.report, from, to);
-    std::uint64_t fields = 0;
-    std::uint64_t entries = 0;
-    const Outcome outcome = run_entries(
-        *source, report, options.common.keep_going,
-        [&](Entry &entry) { return convert(*codec, view, entry, to, text_format(options.format)); },
-        [&](const Entry &entry, const Converted &converted) {
-            sink->write(entry.key, converted.text);
-            entries += converted.losses.empty() ? 0U : 1U;
-            fields += converted.losses.size();
-            for (const Change &loss : converted.losses) {
-                if (!options.common.quiet)
-                    say(shown_place(report.file(), entry.position, entry.key) +
-                        "loss: " + change_text(loss));
-                if (losses)
-                    losses->add(loss, entry);
-            }
-        });
-    if (!finish(output, *sink, outcome.stopped))
-        return exit_data;
-    if (losses)
-        losses->finish(outcome.entries, entries);
-    if (!options.common.quiet && entries != 0)
-        say(std::to_string(entries) + " of " + std::to_string(outcome.entries) +
-            " entries with losses, " + std::to_string(fields) + " in all");
-    const int status = conclude(options.common, report, outcome.entries);
-    return options.strict && entries != 0 ? exit_data : status;
+        report.emplace(options.report, from, to);
+    Tally &tally = run.tally();
+    run.each([&view, to, format = text_format(options.format)](
+                 Codec &codec, Entry &entry,
+                 Product &product) { convert(codec, view, entry, to, format, product); },
+             [&](const Entry &entry, const Product &product) {
+                 sink->write(entry.key, product.bytes);
+                 tally.entries_with_losses += product.changes.empty() ? 0U : 1U;
+                 tally.losses += product.changes.size();
+                 for (const Change &loss : product.changes) {
+                     if (!options.common.quiet)
+                         say(shown_place(run.file(), entry.position, entry.key) +
+                             "loss: " + change_text(loss));
+                     if (report)
+                         report->add(loss, entry);
+                 }
+             });
+    if (finish(output, *sink, run.stopped()) && report)
+        report->finish(tally.entries, tally.entries_with_losses);
+    const int status = run.conclude();
+    return options.strict && tally.losses != 0 ? exit_data : status;
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 // aceconv decode: encodings to entries.
+#include <CLI/CLI.hpp>
+
 #include "tools/aceconv/errors.h"
 #include "tools/aceconv/options.h"
-#include "tools/aceconv/pipeline.h"
+#include "tools/aceconv/run.h"
 #include "tools/aceconv/sink.h"
 
 namespace aceconv::tool {
@@ -15,25 +17,22 @@ struct DecodeOptions {
 };
 
 int run(const DecodeOptions &options) {
-    const auto codec = start(options.common);
-    FaultReport report(options.input.path);
-    const auto source = open_source(options.input, report);
-    if (!source)
-        return exit_data;
+    Run run(options.common, options.input, options.output);
+    if (!run.opened())
+        return run.conclude();
     const Schema schema = options.input.schema.value_or(Schema::base);
+    const Format format = text_format(options.format);
     Output output(options.output);
     const auto sink = make_sink(options.format, schema, output);
-    const Outcome outcome = run_entries(
-        *source, report, options.common.keep_going,
-        [&](const Entry &entry) {
+    run.each(
+        [schema, format](Codec &codec, const Entry &entry, Product &product) {
             if (entry.format)
                 throw StreamError("", "an entry's text; expected encodings");
-            return codec->decode(entry.encoding, schema, text_format(options.format), entry.key);
+            codec.decode(entry.encoding, schema, format, entry.key, product.bytes);
         },
-        [&](const Entry &entry, const std::string &text) { sink->write(entry.key, text); });
-    return finish(output, *sink, outcome.stopped)
-               ? conclude(options.common, report, outcome.entries)
-               : exit_data;
+        [&](const Entry &entry, const Product &product) { sink->write(entry.key, product.bytes); });
+    finish(output, *sink, run.stopped());
+    return run.conclude();
 }
 
 } // namespace

@@ -1,4 +1,6 @@
 // aceconv diff: two inputs by what their entries mean.
+#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <map>
 #include <tuple>
 #include <unistd.h>
@@ -6,8 +8,8 @@
 #include "tools/aceconv/changes.h"
 #include "tools/aceconv/errors.h"
 #include "tools/aceconv/options.h"
-#include "tools/aceconv/pipeline.h"
 #include "tools/aceconv/record_view.h"
+#include "tools/aceconv/run.h"
 
 namespace aceconv::tool {
 namespace {
@@ -31,42 +33,35 @@ struct Encoded {
 /// One of the two inputs, read ahead only as far as the other one's order asks for.
 class Side {
   public:
-    Side(Codec &codec, const InputOptions &options, bool keep_going)
-        : codec_(codec), keep_going_(keep_going), report_(options.path),
-          source_(open_source(options, report_)) {}
+    Side(const CommonOptions &common, const InputOptions &options) : run_(common, options, "-") {
+        const auto encode = [](Codec &codec, Entry &entry, Product &product) {
+            append(product.bytes, codec.encode(entry));
+        };
+        if (run_.opened())
+            run_.begin(encode, (common.jobs + 1) / 2);
+    }
 
     /// The next entry, which is then among the waiting ones; false at the end.
     bool advance(PairKey &key) {
-        Entry entry;
-        for (;;) {
-            try {
-                if (!source_ || !source_->next(entry))
-                    return false;
-                Bytes encoding = codec_.encode(entry);
-                keys_.add(entry.key);
-                key = {entry.key.acl, entry.key.sequence, 0};
-                std::get<2>(key) = entry.key.acl && entry.key.sequence
-                                       ? 0
-                                       : ++unnamed_[{entry.key.acl, entry.key.sequence}];
-                waiting_[key] = {entry.key, entry.position, entry.schema, std::move(encoding)};
-                return true;
-            } catch (const DataError &fault) {
-                report_.add(entry.position, entry.key, fault);
-                if (!keep_going_ || dynamic_cast<const StreamError *>(&fault) != nullptr)
-                    source_.reset();
-            }
-        }
+        EntryStream::Item *item = run_.opened() ? run_.next() : nullptr;
+        if (item == nullptr)
+            return false;
+        const Entry &entry = item->entry;
+        key = {entry.key.acl, entry.key.sequence, 0};
+        if (!entry.key.acl || !entry.key.sequence)
+            std::get<2>(key) = ++unnamed_[{entry.key.acl, entry.key.sequence}];
+        waiting_[key] = {entry.key,
+                         entry.position,
+                         entry.schema,
+                         {item->product.bytes.begin(), item->product.bytes.end()}};
+        return true;
     }
 
     [[nodiscard]] std::map<PairKey, Encoded> &waiting() { return waiting_; }
-    [[nodiscard]] const FaultReport &report() const { return report_; }
+    [[nodiscard]] Run &run() { return run_; }
 
   private:
-    Codec &codec_;
-    bool keep_going_;
-    FaultReport report_;
-    std::unique_ptr<Source> source_;
-    KeyRegistry keys_;
+    Run run_;
     std::map<std::pair<std::optional<std::string>, std::optional<std::uint32_t>>, std::uint64_t>
         unnamed_;
     std::map<PairKey, Encoded> waiting_;
@@ -74,8 +69,8 @@ class Side {
 
 class Comparison {
   public:
-    Comparison(const Codec &codec, bool quiet)
-        : view_(codec.descriptor()), descriptor_(codec.descriptor()), quiet_(quiet) {}
+    Comparison(const bag_descriptor &descriptor, bool quiet)
+        : view_(descriptor), descriptor_(descriptor), quiet_(quiet) {}
 
     /// Compares the two entries of this key, if both are there by now.
     void pair(const PairKey &key, Side &left, Side &right) {
@@ -91,7 +86,7 @@ class Comparison {
     void rest(Side &side, const std::string &mark) {
         for (const auto &[key, entry] : side.waiting()) {
             ++different_;
-            write(entry, mark + " only in " + side.report().file());
+            write(entry, mark + " only in " + side.run().file());
         }
     }
 
@@ -136,10 +131,11 @@ class Comparison {
 int run(const DiffOptions &options) {
     if (options.left.path == "-" && options.right.path == "-")
         throw UsageError("only one of the two inputs can be standard input");
-    const auto codec = start(options.common);
-    Side left(*codec, options.left, options.common.keep_going);
-    Side right(*codec, options.right, options.common.keep_going);
-    Comparison comparison(*codec, options.common.quiet);
+    Side left(options.common, options.left);
+    CommonOptions unseen = options.common; // the other one keeps its pace
+    unseen.quiet = true;
+    Side right(unseen, options.right);
+    Comparison comparison(left.run().descriptor(), options.common.quiet);
     for (bool more = true; more;) {
         more = false;
         for (Side *side : {&left, &right}) {
@@ -150,13 +146,16 @@ int run(const DiffOptions &options) {
             comparison.pair(key, left, right);
         }
     }
-    const bool faults = left.report().count() + right.report().count() != 0;
-    if (!faults || options.common.keep_going) {
+    Tally &tally = left.run().tally();
+    const Tally &other = right.run().tally();
+    tally.entries += other.entries;
+    tally.errors += other.errors;
+    if (tally.errors == 0 || options.common.keep_going) {
         comparison.rest(left, comparison.style().red("-"));
         comparison.rest(right, comparison.style().green("+"));
     }
     const int status = comparison.finish();
-    return faults ? exit_data : status;
+    return std::max(left.run().conclude(), status);
 }
 
 } // namespace

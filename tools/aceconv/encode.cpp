@@ -1,11 +1,12 @@
 // aceconv encode: entries to encodings.
+#include <CLI/CLI.hpp>
 #include <map>
 #include <unistd.h>
 
 #include "tools/aceconv/errors.h"
 #include "tools/aceconv/options.h"
-#include "tools/aceconv/pipeline.h"
 #include "tools/aceconv/record.h"
+#include "tools/aceconv/run.h"
 #include "tools/aceconv/sink.h"
 
 namespace aceconv::tool {
@@ -50,17 +51,15 @@ class StoredEncodings {
 };
 
 int run(const EncodeOptions &options) {
-    const auto codec = start(options.common);
-    FaultReport report(options.input.path);
-    const auto source = open_source(options.input, report);
-    if (!source)
-        return exit_data;
+    Run run(options.common, options.input, options.output);
+    if (!run.opened())
+        return run.conclude();
     if (options.output == "-" && isatty(STDOUT_FILENO) == 1)
         throw UsageError("encodings are not for a terminal; redirect the output or give -o FILE");
     std::optional<StoredEncodings> stored;
     if (!options.stored.empty()) {
         try {
-            stored.emplace(options.stored, codec->descriptor());
+            stored.emplace(options.stored, run.descriptor());
         } catch (const DataError &e) {
             FaultReport(options.stored).add({}, {}, e);
             return exit_data;
@@ -68,25 +67,21 @@ int run(const EncodeOptions &options) {
     }
     Output output(options.output);
     const auto sink = make_sink(OutputFormat::cbor, Schema::base, output);
-    const Outcome outcome = run_entries(
-        *source, report, options.common.keep_going,
-        [&](Entry &entry) {
+    run.each(
+        [&stored](Codec &codec, Entry &entry, Product &product) {
             if (!entry.format)
                 throw StreamError("", "an encoding already; expected entries in JSON or XML");
             if (stored && entry.schema == Schema::um)
                 throw UsageError("--stored has no effect on entries of the UM schema");
-            Bytes encoding = codec->encode(entry);
-            const Bytes *earlier =
-                stored ? stored->find(entry.key, entry.position.ordinal) : nullptr;
-            return earlier != nullptr ? codec->encode(entry, earlier) : encoding;
+            Encoding encoding = codec.encode(entry);
+            if (const Bytes *earlier =
+                    stored ? stored->find(entry.key, entry.position.ordinal) : nullptr)
+                encoding = codec.encode(entry, *earlier);
+            append(product.bytes, encoding);
         },
-        [&](const Entry &entry, const Bytes &encoding) {
-            sink->write(entry.key,
-                        {reinterpret_cast<const char *>(encoding.data()), encoding.size()});
-        });
-    return finish(output, *sink, outcome.stopped)
-               ? conclude(options.common, report, outcome.entries)
-               : exit_data;
+        [&](const Entry &entry, const Product &product) { sink->write(entry.key, product.bytes); });
+    finish(output, *sink, run.stopped());
+    return run.conclude();
 }
 
 } // namespace

@@ -16,46 +16,43 @@ class EncodingSource : public Source {
         entry.key = {};
         entry.schema = schema_;
         entry.format.reset();
-        std::optional<Bytes> bytes = item();
-        if (!bytes)
+        if (!take_item(entry.encoding))
             return false;
         ++ordinal_;
-        if (is_label(*bytes)) {
+        if (is_label(entry.encoding)) {
             try {
-                entry.key = parse_label(*bytes);
+                entry.key = parse_label(entry.encoding);
             } catch (const DataError &e) { // whose encoding is the next?
                 throw StreamError(e.path(), e.what());
             }
-            bytes = item();
-            if (!bytes || is_label(*bytes))
+            if (!take_item(entry.encoding) || is_label(entry.encoding))
                 throw StreamError("", "a label without an encoding behind it");
         }
-        entry.encoding = std::move(*bytes);
         return true;
     }
 
     [[nodiscard]] std::optional<Schema> schema() const override { return schema_; }
 
   private:
-    /// The next item of the sequence; nothing at the end.
-    std::optional<Bytes> item() {
+    /// The next item of the sequence; false at the end.
+    bool take_item(Bytes &item) {
         for (;;) {
             const std::string_view view = window_.view();
             const std::span bytes(reinterpret_cast<const std::uint8_t *>(view.data()), view.size());
             const auto length = bytes.empty() ? std::nullopt : cbor_item_length(bytes);
             if (length && *length <= kMaxEntry) {
                 const auto taken = bytes.first(*length);
-                Bytes copy(taken.begin(), taken.end());
+                item.assign(taken.begin(), taken.end());
                 window_.take(*length);
                 offset_ += *length;
-                return copy;
+                return true;
             }
             if (length || view.size() > kMaxEntry)
                 fail(" is malformed or longer than " + std::to_string(kMaxEntry) + " bytes");
             if (window_.more())
                 continue;
             if (window_.view().empty())
-                return std::nullopt;
+                return false;
             fail(" is cut off or malformed");
         }
     }

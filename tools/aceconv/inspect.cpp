@@ -1,11 +1,12 @@
 // aceconv inspect: records as an engineer reads them.
+#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <unistd.h>
 
 #include "tools/aceconv/errors.h"
 #include "tools/aceconv/options.h"
-#include "tools/aceconv/pipeline.h"
 #include "tools/aceconv/record_view.h"
+#include "tools/aceconv/run.h"
 
 namespace aceconv::tool {
 namespace {
@@ -80,33 +81,28 @@ std::string as_json(const Entry &entry, const Inspected &inspected) {
 }
 
 int run(const InspectOptions &options) {
-    const auto codec = start(options.common);
-    const RecordView view(codec->descriptor());
-    FaultReport report(options.input.path);
-    const auto source = open_source(options.input, report);
-    if (!source)
-        return exit_data;
+    Run run(options.common, options.input, options.output);
+    if (!run.opened())
+        return run.conclude();
+    const RecordView view(run.descriptor());
     Output output(options.output);
     const Style style(options.output == "-" ? STDOUT_FILENO : -1);
     if (!options.json && !options.common.quiet)
         output.write(style.faint("  presence bits      offset  field                  value\n"));
-    const Outcome outcome = run_entries(
-        *source, report, options.common.keep_going,
-        [&](Entry &entry) {
-            const Bytes encoding = codec->encode(entry);
-            const Record record(codec->descriptor(), encoding);
-            return Inspected{encoding.size(), record.get().ConfigurationMask,
-                             record.get().ConfigurationMask2,
-                             view.describe(record.get(), entry.schema)};
+    run.each(
+        [&](Codec &codec, Entry &entry, Product &product) {
+            const Encoding encoding = codec.encode(entry);
+            const Record record(codec.descriptor(), encoding);
+            const Inspected inspected{encoding.size(), record.get().ConfigurationMask,
+                                      record.get().ConfigurationMask2,
+                                      view.describe(record.get(), entry.schema)};
+            product.bytes =
+                options.json ? as_json(entry, inspected) : as_text(entry, inspected, style);
         },
-        [&](const Entry &entry, const Inspected &inspected) {
-            output.write(options.json ? as_json(entry, inspected)
-                                      : as_text(entry, inspected, style));
-        });
-    if (outcome.stopped && !output.visible())
-        return exit_data;
-    output.commit();
-    return conclude(options.common, report, outcome.entries);
+        [&](const Entry & /*entry*/, const Product &product) { output.write(product.bytes); });
+    if (!run.stopped() || output.visible())
+        output.commit();
+    return run.conclude();
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "tools/aceconv/json_cursor.h"
 
+#include <array>
 #include <nlohmann/json.hpp>
 
 #include "tools/aceconv/errors.h"
@@ -7,8 +8,24 @@
 
 namespace aceconv::tool {
 namespace {
+
 constexpr std::size_t kMaxName = 4096; // bytes of a member's name or a list's
+
+/// What a character can mean for an object's extent.
+enum class Mark : std::uint8_t { none, line, quote, escape, open, close };
+
+constexpr std::array<Mark, 256> marks() {
+    std::array<Mark, 256> table{};
+    table['\n'] = Mark::line;
+    table['"'] = Mark::quote;
+    table['\\'] = Mark::escape;
+    table['{'] = table['['] = Mark::open;
+    table['}'] = table[']'] = Mark::close;
+    return table;
 }
+constexpr std::array<Mark, 256> kMarks = marks();
+
+} // namespace
 
 int JsonCursor::peek() {
     for (;;) {
@@ -49,21 +66,28 @@ std::string JsonCursor::string(std::string_view what) {
     if (peek() != '"')
         unexpected(what);
     std::size_t end = 1;
+    bool plain = true; // ASCII without escapes: stands for itself
     for (bool escaped = false;; ++end) {
         window_.want(end + 1);
         const std::string_view view = window_.view();
         if (end >= view.size() || end > kMaxName)
             throw StreamError("", "a string that does not end, for " + std::string(what));
-        if (!escaped && view[end] == '"')
+        const char c = view[end];
+        if (!escaped && c == '"')
             break;
-        escaped = !escaped && view[end] == '\\';
+        escaped = !escaped && c == '\\';
+        plain = plain && c >= 0x20 && c < 0x7F && !escaped;
     }
     const std::string_view token = window_.view().substr(0, end + 1);
-    const auto value = nlohmann::json::parse(token.begin(), token.end(), nullptr, false);
-    if (!value.is_string())
-        throw StreamError("", "not a JSON string: " + printable(token));
+    std::string text(token.substr(1, end - 1));
+    if (!plain) {
+        const auto value = nlohmann::json::parse(token.begin(), token.end(), nullptr, false);
+        if (!value.is_string())
+            throw StreamError("", "not a JSON string: " + printable(token));
+        text = value.get<std::string>();
+    }
     window_.take(end + 1);
-    return value.get<std::string>();
+    return text;
 }
 
 bool JsonCursor::object(std::string &text, std::size_t limit, std::string_view what) {
@@ -80,17 +104,29 @@ bool JsonCursor::object(std::string &text, std::size_t limit, std::string_view w
         bool closed = false;
         while (at < view.size() && !closed) {
             const char c = view[at++];
-            if (c == '\n')
+            if (escaped) {
+                escaped = false;
+                line_ += c == '\n' ? 1U : 0U;
+                continue;
+            }
+            switch (kMarks[static_cast<unsigned char>(c)]) {
+            case Mark::none:
+                break;
+            case Mark::line:
                 ++line_;
-            if (in_string) {
-                in_string = escaped || c != '"';
-                escaped = !escaped && c == '\\';
-            } else if (c == '"') {
-                in_string = true;
-            } else if (c == '{' || c == '[') {
-                ++depth;
-            } else if (c == '}' || c == ']') {
-                closed = --depth == 0;
+                break;
+            case Mark::quote:
+                in_string = !in_string;
+                break;
+            case Mark::escape:
+                escaped = in_string;
+                break;
+            case Mark::open:
+                depth += in_string ? 0U : 1U;
+                break;
+            case Mark::close:
+                closed = !in_string && --depth == 0;
+                break;
             }
         }
         fits = fits && text.size() - before + at <= limit;

@@ -53,8 +53,24 @@ std::optional<Schema> tell_schema(std::string_view object) {
     return schema;
 }
 
+/// The first member tells that this is an entry by itself. Not sure for odd ones.
+bool is_bare(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r\n";
+    const std::size_t open = text.find_first_not_of(blanks);
+    if (open == text.npos || text[open] != '{')
+        return false;
+    const std::size_t quote = text.find_first_not_of(blanks, open + 1);
+    if (quote == text.npos || text[quote] != '"')
+        return false;
+    const std::size_t end = text.find_first_of("\"\\", quote + 1);
+    const std::string_view name = text.substr(quote + 1, end - quote - 1);
+    return end != text.npos && text[end] == '"' && name != "acl" && name != "entry";
+}
+
 /// Takes {"acl": "X", "entry": {...}} apart; leaves a bare entry alone.
 void unwrap(Entry &entry) {
+    if (is_bare(entry.text))
+        return;
     Window window(entry.text);
     JsonCursor cursor(window);
     cursor.expect('{', "an entry");
@@ -96,10 +112,10 @@ class ObjectSource : public Source {
         : window_(std::move(window)), cursor_(window_), lines_(lines), schema_(schema) {}
 
     bool next(Entry &entry) override {
-        if (held_.empty())
+        if (!schema_ && held_.empty())
             look_ahead();
         if (held_.empty())
-            return false;
+            return take(entry);
         Held held = std::move(held_.front());
         held_.pop_front();
         entry = std::move(held.entry);
@@ -117,67 +133,67 @@ class ObjectSource : public Source {
         std::exception_ptr fault;
     };
 
-    /// Reads one entry, or as many as it takes until one tells the schema.
+    /// Reads as many entries as it takes until one tells the schema.
     void look_ahead() {
         bool silent = false; // an entry that fits both schemas
-        do {
+        while (!schema_) {
             Held held;
             try {
-                if (!(lines_ ? take_line(held.entry) : take_object(held.entry)))
+                if (!take(held.entry))
                     break;
-                try {
-                    unwrap(held.entry);
-                } catch (const StreamError &e) { // of this one object
-                    throw DataError(e.path(), e.what());
-                }
-                if (!schema_)
-                    schema_ = tell_schema(held.entry.text);
+                schema_ = tell_schema(held.entry.text);
                 silent = silent || !schema_;
-            } catch (const StreamError &) {
-                ended_ = true;
-                held.fault = std::current_exception();
             } catch (const DataError &) {
                 held.fault = std::current_exception();
             }
             held_.push_back(std::move(held));
-        } while (!schema_ && !ended_);
+        }
         if (!schema_ && silent)
             throw UsageError("nothing in the entries tells their schema; give --schema base or "
                              "--schema um");
     }
 
-    void start(Entry &entry) {
-        entry.position = {cursor_.line(), ++ordinal_};
-        entry.format = Format::json;
-    }
-
-    bool take_object(Entry &entry) {
-        if (ended_ || cursor_.peek() < 0)
+    /// Reads one entry; false at the end.
+    bool take(Entry &entry) {
+        if (ended_ || cursor_.peek() < 0) // empty lines are passed over
             return false;
-        start(entry);
-        if (!cursor_.object(entry.text, kMaxLine, "an entry"))
+        entry.position = {cursor_.line(), ++ordinal_};
+        entry.key = {};
+        entry.schema = schema_.value_or(Schema::base);
+        entry.format = Format::json;
+        entry.text.clear();
+        bool fits = false;
+        try {
+            fits =
+                lines_ ? take_line(entry.text) : cursor_.object(entry.text, kMaxLine, "an entry");
+        } catch (const StreamError &) {
+            ended_ = true;
+            throw;
+        }
+        if (!fits)
             throw DataError("", "an entry longer than " + std::to_string(kMaxLine) + " bytes");
+        try {
+            unwrap(entry);
+        } catch (const StreamError &e) { // of this one object
+            throw DataError(e.path(), e.what());
+        }
         return true;
     }
 
-    bool take_line(Entry &entry) {
-        if (ended_ || cursor_.peek() < 0) // empty lines are passed over
-            return false;
-        start(entry);
+    /// The rest of the line; false for one that is too long, which is passed over.
+    bool take_line(std::string &text) {
         bool fits = true;
         for (bool more = true; more;) {
             const std::string_view view = window_.view();
             const std::size_t length = std::min(view.find('\n'), view.size());
-            fits = fits && entry.text.size() + length <= kMaxLine;
+            fits = fits && text.size() + length <= kMaxLine;
             if (fits)
-                entry.text.append(view.substr(0, length));
+                text.append(view.substr(0, length));
             more = length == view.size();
             window_.take(length);
             more = more && window_.more();
         }
-        if (!fits)
-            throw DataError("", "an entry longer than " + std::to_string(kMaxLine) + " bytes");
-        return true;
+        return fits;
     }
 
     static constexpr std::size_t kMaxLine = kMaxEntry + 8192; // with a list's name around it

@@ -1,5 +1,6 @@
 #include "tools/aceconv/options.h"
 
+#include <CLI/CLI.hpp>
 #include <map>
 #include <stdexcept>
 
@@ -19,6 +20,7 @@ const std::map<std::string, Backend> kBackends = {{"bulk", Backend::bulk},
                                                   {"validating", Backend::validating}};
 const std::map<std::string, Schema> kSchemas = {{"base", Schema::base}, {"um", Schema::um}};
 
+constexpr unsigned kMostJobs = 256;
 constexpr const char *kAnyFunction = "."; // matches every name
 
 /// The folder above the one that the program is in.
@@ -43,10 +45,19 @@ void add_common(CLI::App &verb, CommonOptions &options) {
                     "accept the same")
         ->transform(CLI::CheckedTransformer(kBackends, CLI::ignore_case))
         ->type_name("NAME");
-    verb.add_flag("-q,--quiet", options.quiet, "Say nothing but errors");
-    verb.add_flag("--trace{.}", options.trace,
-                  "Show the UM converters' diagnostic trace; with =REGEX only that of functions "
-                  "whose names match")
+    verb.add_option("-j,--jobs", options.jobs,
+                    "How many threads convert; by default as many as there are cores")
+        ->check(CLI::Range(1U, kMostJobs))
+        ->type_name("N");
+    auto *quiet = verb.add_flag("-q,--quiet", options.quiet,
+                                "Say nothing but errors: no losses, progress and summary");
+    verb.add_flag("--progress", options.progress,
+                  "Show the progress of long runs even where standard error is no terminal")
+        ->excludes(quiet);
+    verb.add_flag(
+            "--trace{.}", options.trace,
+            "Show the UM converters' diagnostic trace, with one thread; with =REGEX only that of "
+            "functions whose names match")
         ->type_name("REGEX");
     add_places(verb, options);
 }
@@ -104,7 +115,7 @@ std::filesystem::path find_modules(const CommonOptions &options) {
                : std::filesystem::path(ACECONV_SOURCE_MODULES);
 }
 
-std::unique_ptr<Codec> start(const CommonOptions &options) {
+CodecSetup start(const CommonOptions &options) {
     if (!options.trace.empty()) {
         try {
             enable_trace(options.trace == kAnyFunction ? std::nullopt
@@ -113,25 +124,7 @@ std::unique_ptr<Codec> start(const CommonOptions &options) {
             throw UsageError("--trace: " + std::string(e.what()));
         }
     }
-    return std::make_unique<Codec>(find_plugin(options), find_modules(options), options.backend);
-}
-
-std::unique_ptr<Source> open_source(const InputOptions &options, FaultReport &report) {
-    try {
-        return open_source(options.path, options.format, options.schema);
-    } catch (const StreamError &fault) {
-        report.add({1, 0}, {}, fault);
-        return nullptr;
-    }
-}
-
-int conclude(const CommonOptions &options, const FaultReport &report, std::uint64_t entries) {
-    if (report.count() == 0)
-        return exit_ok;
-    if (options.keep_going && !options.quiet)
-        say(std::to_string(report.count()) + " of " + std::to_string(entries) +
-            (entries == 1 ? " entry was bad" : " entries were bad"));
-    return exit_data;
+    return {find_plugin(options), find_modules(options), options.backend};
 }
 
 } // namespace aceconv::tool

@@ -1,16 +1,21 @@
 // What every verb is told on the command line, and what it needs to start.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 
 #include "tools/aceconv/codec.h"
-#include "tools/aceconv/report.h"
 #include "tools/aceconv/sink.h"
 #include "tools/aceconv/source.h"
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
 
 namespace aceconv::tool {
 
@@ -19,8 +24,10 @@ struct CommonOptions {
     std::string modules; // empty: found beside the program
     Backend backend = Backend::bulk;
     std::string trace; // an expression for function names; empty: off
+    unsigned jobs = std::max(std::thread::hardware_concurrency(), 1U);
     bool keep_going = false;
     bool quiet = false;
+    bool progress = false;
 };
 
 struct InputOptions {
@@ -42,18 +49,11 @@ void add_output(CLI::App &verb, std::string &path);
 /// A text format to write; `name` is the option's.
 void add_output_format(CLI::App &verb, const char *name, OutputFormat &format);
 
-/// Loads the plug-in and the YANG modules and switches the trace on. Throws
+/// Loads the plug-in, finds the YANG modules and switches the trace on. Throws
 /// IoError, or UsageError for a bad expression.
-std::unique_ptr<Codec> start(const CommonOptions &options);
+CodecSetup start(const CommonOptions &options);
 Plugin find_plugin(const CommonOptions &options);
 std::filesystem::path find_modules(const CommonOptions &options);
-
-/// Opens the input; a fault in its first bytes is reported like any other, and
-/// nothing returned.
-std::unique_ptr<Source> open_source(const InputOptions &options, FaultReport &report);
-
-/// The exit code of a finished run; says how many entries were bad.
-int conclude(const CommonOptions &options, const FaultReport &report, std::uint64_t entries);
 
 /// The verbs. Each adds itself to the command line and leaves its exit code in `status`.
 void add_encode(CLI::App &app, int &status);

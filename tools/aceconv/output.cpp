@@ -53,6 +53,7 @@ mode_t current_umask() {
 
 void install_signal_handlers() {
     std::signal(SIGPIPE, SIG_IGN); // shows as EPIPE instead
+    std::signal(SIGXFSZ, SIG_IGN); // as EFBIG
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         if (std::signal(signal, stop) == SIG_IGN)
             std::signal(signal, SIG_IGN); // stays ignored, as under nohup

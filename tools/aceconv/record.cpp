@@ -21,7 +21,7 @@ const ccv_yang_keyword *fragment_types(Schema schema) {
 
 } // namespace
 
-Record::Record(const bag_descriptor &descriptor, const Bytes &encoding) : descriptor_(descriptor) {
+Record::Record(const bag_descriptor &descriptor, Encoding encoding) : descriptor_(descriptor) {
     if (bag_decode(encoding.data(), static_cast<std::uint32_t>(encoding.size()), &record_,
                    &descriptor_) != 0)
         throw DataError("", bag_last_error());

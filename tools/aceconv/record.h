@@ -11,7 +11,7 @@ namespace aceconv::tool {
 class Record {
   public:
     /// Throws DataError when the encoding is not one of `descriptor`.
-    Record(const bag_descriptor &descriptor, const Bytes &encoding);
+    Record(const bag_descriptor &descriptor, Encoding encoding);
     ~Record();
     Record(const Record &) = delete;
     Record &operator=(const Record &) = delete;

@@ -3,14 +3,19 @@
 #include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
+#include <utility>
 
 #include "tools/aceconv/text.h"
 
 namespace aceconv::tool {
 namespace {
 
+constexpr const char *kEraseLine = "\r\033[K";
+bool status_stands = false; // on the terminal
+
 void write_line(const std::string &prefix, std::string_view line) {
-    std::string text = prefix;
+    std::string text = std::exchange(status_stands, false) ? kEraseLine : "";
+    text += prefix;
     text += escaped(line);
     text += '\n';
     std::fwrite(text.data(), 1, text.size(), stderr); // unbuffered, so one call a line
@@ -60,14 +65,21 @@ std::string shown_place(const std::string &file, const Position &position, const
     return text + " " + (who.empty() ? "" : who + ": ");
 }
 
-void FaultReport::add(const Position &position, const EntryKey &key, const DataError &fault) {
-    ++count_;
+void FaultReport::add(const Position &position, const EntryKey &key, const DataError &fault) const {
     say_error(shown_place(file_, position, key) +
               (fault.path().empty() ? "" : fault.path() + ": ") + fault.what());
 }
 
 void say(std::string_view line) {
     write_line("aceconv: ", line);
+}
+
+void show_status(std::string_view line) {
+    const bool terminal = isatty(STDERR_FILENO) == 1;
+    const std::string text =
+        (terminal ? kEraseLine : "") + ("aceconv: " + escaped(line)) + (terminal ? "" : "\n");
+    std::fwrite(text.data(), 1, text.size(), stderr);
+    status_stands = terminal;
 }
 
 void say_error(std::string_view line) {

@@ -39,13 +39,11 @@ class FaultReport {
   public:
     explicit FaultReport(const std::string &path) : file_(shown_name(path)) {}
 
-    void add(const Position &position, const EntryKey &key, const DataError &fault);
-    [[nodiscard]] std::uint64_t count() const { return count_; }
+    void add(const Position &position, const EntryKey &key, const DataError &fault) const;
     [[nodiscard]] const std::string &file() const { return file_; }
 
   private:
     std::string file_;
-    std::uint64_t count_ = 0;
 };
 
 /// "FILE:LINE: acl 'X' entry 20: "
@@ -55,5 +53,7 @@ std::string shown_place(const std::string &file, const Position &position, const
 void say(std::string_view line);
 /// The same, marked as an error.
 void say_error(std::string_view line);
+/// A line that stands until the next one of either kind; on a terminal it goes then.
+void show_status(std::string_view line);
 
 } // namespace aceconv::tool

@@ -116,8 +116,11 @@ class LineSink : public Sink {
   public:
     explicit LineSink(Output &output) : output_(output) {}
     void write(const EntryKey &key, std::string_view entry) override {
-        if (key.acl)
-            output_.write("{\"acl\":" + json_quoted(*key.acl) + ",\"entry\":");
+        if (key.acl != list_) {
+            list_ = key.acl;
+            opening_ = key.acl ? "{\"acl\":" + json_quoted(*key.acl) + ",\"entry\":" : "";
+        }
+        output_.write(opening_);
         output_.write(entry);
         output_.write(key.acl ? "}\n" : "\n");
     }
@@ -125,21 +128,24 @@ class LineSink : public Sink {
 
   private:
     Output &output_;
+    std::optional<std::string> list_;
+    std::string opening_; // what stands before its entries
 };
 
 class EncodingSink : public Sink {
   public:
     explicit EncodingSink(Output &output) : output_(output) {}
     void write(const EntryKey &key, std::string_view entry) override {
-        std::string label;
-        append_label(label, key);
-        output_.write(label);
+        label_.clear();
+        append_label(label_, key);
+        output_.write(label_);
         output_.write(entry);
     }
     void close() override {}
 
   private:
     Output &output_;
+    std::string label_;
 };
 
 } // namespace

@@ -91,8 +91,9 @@ std::unique_ptr<Source> make_source(Window window, std::optional<InputFormat> fo
 }
 
 std::unique_ptr<Source> open_source(const std::string &path, std::optional<InputFormat> format,
-                                    std::optional<Schema> schema) {
-    return make_source(Window(open_input(path)), format, schema);
+                                    std::optional<Schema> schema,
+                                    std::shared_ptr<InputMeter> meter) {
+    return make_source(Window(open_input(path, std::move(meter))), format, schema);
 }
 
 } // namespace aceconv::tool

@@ -4,13 +4,14 @@
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "tools/aceconv/errors.h"
 
 namespace aceconv::tool {
 
-ReadChunk open_input(const std::string &path) {
+ReadChunk open_input(const std::string &path, std::shared_ptr<InputMeter> meter) {
     const auto fail = [path](int error) {
         return IoError(path + ": cannot read: " + std::strerror(error));
     };
@@ -25,13 +26,18 @@ ReadChunk open_input(const std::string &path) {
                 close(fd);
         }
     };
-    return [fail, file = std::shared_ptr<Closer>(new Closer{fd})](char *buffer, std::size_t size) {
+    struct stat status {};
+    if (fstat(fd, &status) == 0 && S_ISREG(status.st_mode))
+        meter->size = static_cast<std::uint64_t>(status.st_size);
+    return [fail, meter, file = std::shared_ptr<Closer>(new Closer{fd})](char *buffer,
+                                                                         std::size_t size) {
         ssize_t got = 0;
         do
             got = read(file->fd, buffer, size);
         while (got < 0 && errno == EINTR);
         if (got < 0)
             throw fail(errno);
+        meter->read += static_cast<std::uint64_t>(got);
         return static_cast<std::size_t>(got);
     };
 }

@@ -3,7 +3,10 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,8 +15,14 @@ namespace aceconv::tool {
 /// Fills up to `size` bytes at `buffer`; 0 means the end of the input.
 using ReadChunk = std::function<std::size_t(char *buffer, std::size_t size)>;
 
+/// How far an input has been read, in bytes.
+struct InputMeter {
+    std::uint64_t read = 0;
+    std::optional<std::uint64_t> size; // of a regular file
+};
+
 /// Reads the file, or standard input for "-". Throws IoError.
-ReadChunk open_input(const std::string &path);
+ReadChunk open_input(const std::string &path, std::shared_ptr<InputMeter> meter);
 
 class Window {
   public:

@@ -1,0 +1,158 @@
+"""Long runs: several threads, progress, and what is left when a run is cut short."""
+import os
+import pty
+import random
+import re
+import resource
+import signal
+import subprocess
+import time
+import unittest
+
+from harness import ACECONV, Case
+
+COUNT = 6000  # some thirty batches
+
+
+def generated(*options, count=COUNT):
+    return subprocess.run([os.environ["ACECONV_GENERATOR"], str(count), *options], check=True,
+                          capture_output=True).stdout
+
+
+class Workers(Case):
+    def test_any_number_of_threads_gives_the_same(self):
+        lines = generated().splitlines(keepends=True)
+        for at in range(500, COUNT, 1500):  # bad ones, and one number twice in a list
+            lines[at] = b'{"grant":"drop"}\n'
+            lines[at + 700] = b'{"acl":"X","entry":{"sequence-number":7,"grant":"deny"}}\n'
+        source = self.file("lines", b"".join(lines))
+        whole, um = self.file("document", generated("--document")), self.file("um", generated("--um"))
+        bags = self.file("bags", self.ok("encode", whole))
+        for args in (("encode", "--schema", "base", "--keep-going", source),
+                     ("encode", "--schema", "base", source),
+                     ("convert", "--from", "base", "--to", "um", "--to-format", "ndjson",
+                      "--keep-going", source),
+                     ("convert", "--from", "um", "--to", "base", um), ("decode", bags),
+                     ("decode", "--to", "ndjson", bags), ("inspect", bags), ("check", um),
+                     ("diff", "--schema-a", "base", "--keep-going", source, whole)):
+            with self.subTest(args[:-1]):
+                runs = []
+                for jobs in (1, 4):
+                    done = self.run_command(args[0], "-j", jobs, *args[1:])
+                    runs.append((*done, re.sub(";.*", "", self.summary)))
+                self.assertTrue(runs[0][1])
+                self.assertEqual(runs[0], runs[1])
+                self.assertEqual(runs[0][0] == 1, source in args)
+
+    def test_a_missing_entry_is_noticed_in_order(self):
+        """Everything before a fault comes out, nothing behind it, whichever thread met it."""
+        lines = generated().splitlines(keepends=True)
+        for bad in (0, 1, 255, 256, 3333, COUNT - 1):
+            text = b"".join(lines[:bad] + [b"{}}\n"] + lines[bad + 1:])
+            code, out, err = self.run_command("encode", "-j", 4, "--schema", "base", stdin=text)
+            self.assertEqual((code, err.count("\n")), (1, 1))
+            self.assertRegex(err, rf"^aceconv: <stdin>:{bad + 1}: ")
+            self.assertEqual(out.count(b"ipv4_acl_config_ace"), bad)
+
+
+class CutShort(Case):
+    def setUp(self):
+        super().setUp()
+        self.source = self.file("source", generated(count=20000))
+        self.args = [ACECONV, "convert", "-q", "-j", "4", "--from", "base", "--to", "um",
+                     "--to-format", "ndjson", self.source]
+
+    def left(self):
+        return sorted(set(os.listdir(self.dir)) - {"source"})
+
+    def test_killed_at_any_moment(self):
+        start = time.monotonic()
+        whole = subprocess.run(self.args, check=True, capture_output=True).stdout
+        lasts = time.monotonic() - start
+        seed = random.randrange(1 << 32)
+        chance, target = random.Random(seed), self.dir / "out"
+        cut = 0
+        for sign in [signal.SIGTERM, signal.SIGINT, signal.SIGKILL] * 5:
+            with subprocess.Popen([*self.args, "-o", target]) as process:
+                time.sleep(chance.uniform(0, lasts))
+                process.send_signal(sign)
+                code = process.wait(60)
+            self.assertIn(code, (0, -sign), seed)
+            cut += code != 0
+            self.assertEqual(target.exists(), code == 0, seed)
+            if code == 0:
+                self.assertEqual(target.read_bytes(), whole)
+                target.unlink()
+            if sign == signal.SIGKILL:  # nobody is left to clean up
+                for name in self.left():
+                    self.assertTrue(name.startswith(".out."))
+                    (self.dir / name).unlink()
+            self.assertEqual(self.left(), [], seed)
+        self.assertGreater(cut, 0)
+
+    def test_a_reader_that_goes_away(self):
+        for wanted in (0, 1, 100000):
+            with subprocess.Popen(self.args, stdout=subprocess.PIPE,
+                                  stderr=subprocess.PIPE) as process:
+                self.assertEqual(len(process.stdout.read(wanted)), wanted)
+                process.stdout.close()
+                self.assertEqual((process.stderr.read(), process.wait(60)), (b"", 0))
+
+    def test_a_full_disk(self):
+        def limit():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (100000, 100000))
+
+        done = subprocess.run([*self.args, "-o", str(self.dir / "out")], check=False,
+                              capture_output=True, preexec_fn=limit)
+        self.assertEqual(done.returncode, 3)
+        self.assertRegex(done.stderr, b"^aceconv: .*/out: cannot write: File too large\n$")
+        self.assertEqual(self.left(), [])
+        small = self.dir / "small"
+        small.mkdir()
+        script = ('mount -t tmpfs -o size=256k none "$0" || exit 77; "$@" -o "$0/out"; '
+                  'code=$?; ls -A "$0"; exit $code')
+        done = subprocess.run(["unshare", "-rm", "sh", "-c", script, small, *self.args], check=False,
+                              capture_output=True)
+        if done.returncode == 77 or b"unshare" in done.stderr:
+            self.skipTest("no file system can be mounted here")
+        self.assertEqual((done.returncode, done.stdout), (3, b""), done.stderr)
+        self.assertRegex(done.stderr, b"^aceconv: .*/out: cannot write: No space left on device\n$")
+
+
+class Progress(Case):
+    def run_slowly(self, *args):
+        """Standard error of an encoding whose input takes two seconds to come."""
+        main, side = pty.openpty()
+        lines = generated(count=400).splitlines(keepends=True)
+        with subprocess.Popen([ACECONV, "encode", "-o", str(self.dir / "out"), "--schema", "base",
+                               *args], stdin=subprocess.PIPE, stderr=side) as process:
+            os.close(side)
+            for part in (lines[:300], lines[300:] + [b"{}\n"] * 300, [b"bad\n"]):
+                process.stdin.write(b"".join(part))
+                process.stdin.flush()
+                time.sleep(1.2)
+            process.stdin.close()
+            code = process.wait(60)
+        shown = b""
+        try:
+            while part := os.read(main, 65536):
+                shown += part
+        except OSError:  # the end of a terminal
+            pass
+        os.close(main)
+        return code, shown.decode()
+
+    def test_a_line_on_a_terminal_only(self):
+        code, shown = self.run_slowly()
+        self.assertEqual(code, 1)
+        self.assertRegex(shown, r"\r\x1b\[Kaceconv: \d+ entries, \d+ entries a second")
+        self.assertRegex(shown, r"\x1b\[K[^\n]*aceconv:[^\n]* <stdin>:701: ")  # not behind the line
+        self.assertRegex(shown, r"aceconv: stopped: 701 entries, 1 error; [\d.]+ s, \d+ entries a")
+        self.assertNotIn("a second", self.run_slowly("-q")[1])
+        lines = self.file("lines", generated(count=100))
+        self.assertEqual(self.run_command("encode", "--schema", "base", "-o", self.dir / "o", lines)[2],
+                         "")
+
+
+if __name__ == "__main__":
+    unittest.main()

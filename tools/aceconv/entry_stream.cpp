@@ -1,0 +1,160 @@
+#include "tools/aceconv/entry_stream.h"
+
+#include <utility>
+
+#include "tools/aceconv/errors.h"
+
+namespace aceconv::tool {
+namespace {
+
+constexpr std::size_t kBatchEntries = 256;
+constexpr std::size_t kBatchBytes = 64 * 1024;
+constexpr std::size_t kBatchesPerJob = 3;
+// Loading the modules takes a thread about as long as working on these.
+constexpr std::size_t kBatchesBeforeHelp = 8;
+// What a reused item may keep of what its last entry needed, in bytes.
+constexpr std::size_t kKept = 4096;
+
+template <class Container>
+void clear(Container &container) {
+    if (container.capacity() > kKept)
+        container = {};
+    container.clear();
+}
+
+void reset(EntryStream::Item &item) {
+    clear(item.entry.text);
+    clear(item.entry.encoding);
+    clear(item.product.bytes);
+    item.product.changes.clear();
+    item.entry.key = {};
+    item.fault = nullptr;
+}
+
+} // namespace
+
+EntryStream::EntryStream(Source &source, const CodecSetup &setup, unsigned jobs, Work work)
+    : source_(source), setup_(setup), jobs_(jobs), work_(std::move(work)), codec_(setup_),
+      ring_(jobs > 1 ? jobs * kBatchesPerJob : 1) {}
+
+EntryStream::~EntryStream() {
+    {
+        const std::lock_guard lock(mutex_);
+        stop_ = true;
+    }
+    unworked_.notify_all();
+    for (std::thread &thread : threads_)
+        thread.join();
+}
+
+void EntryStream::fill(Batch &batch) {
+    batch.count = 0;
+    batch.done = false;
+    std::size_t bytes = 0;
+    while (!ended_ && batch.count < kBatchEntries && bytes < kBatchBytes) {
+        if (batch.count == batch.items.size())
+            batch.items.emplace_back();
+        Item &item = batch.items[batch.count];
+        reset(item);
+        try {
+            if (!source_.next(item.entry)) {
+                ended_ = true;
+                return;
+            }
+        } catch (const StreamError &) {
+            ended_ = true;
+            item.fault = std::current_exception();
+        } catch (const DataError &) {
+            item.fault = std::current_exception();
+        } catch (...) { // told after what came before it
+            ended_ = true;
+            item.fault = std::current_exception();
+        }
+        bytes += item.entry.text.size() + item.entry.encoding.size();
+        ++batch.count;
+    }
+}
+
+void EntryStream::work_on(Codec &codec, Batch &batch) const {
+    for (std::size_t i = 0; i < batch.count; ++i) {
+        Item &item = batch.items[i];
+        if (item.fault)
+            continue;
+        try {
+            work_(codec, item.entry, item.product);
+        } catch (...) {
+            item.fault = std::current_exception();
+        }
+    }
+}
+
+/// Works on the next batch that no one has taken; false when there is none.
+bool EntryStream::take_batch(Codec &codec, std::unique_lock<std::mutex> &lock) {
+    if (taken_ == read_)
+        return false;
+    Batch &mine = batch(taken_++);
+    lock.unlock();
+    work_on(codec, mine);
+    lock.lock();
+    mine.done = true;
+    return true;
+}
+
+/// What the other threads do.
+void EntryStream::help() {
+    std::unique_ptr<Codec> codec;
+    std::exception_ptr failure;
+    try {
+        codec = std::make_unique<Codec>(setup_);
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    std::unique_lock lock(mutex_);
+    if (failure)
+        failure_ = failure;
+    while (codec && !stop_) {
+        if (take_batch(*codec, lock))
+            done_.notify_one();
+        else
+            unworked_.wait(lock);
+    }
+}
+
+void EntryStream::read_ahead(std::unique_lock<std::mutex> &lock) {
+    while (!ended_ && read_ - given_ < ring_.size()) {
+        Batch &next = batch(read_);
+        lock.unlock(); // no other thread looks at a batch before it counts as read
+        fill(next);
+        if (read_ >= kBatchesBeforeHelp && threads_.size() + 1 < jobs_)
+            threads_.emplace_back(&EntryStream::help, this);
+        lock.lock();
+        if (next.count != 0) {
+            ++read_;
+            unworked_.notify_one();
+        }
+    }
+}
+
+EntryStream::Item *EntryStream::next() {
+    if (current_ != nullptr && at_ < current_->count)
+        return &current_->items[at_++];
+    std::unique_lock lock(mutex_);
+    if (std::exchange(current_, nullptr) != nullptr)
+        ++given_;
+    for (;;) {
+        if (failure_)
+            std::rethrow_exception(failure_);
+        read_ahead(lock);
+        if (given_ == read_)
+            return nullptr;
+        if (batch(given_).done)
+            break;
+        if (!take_batch(codec_, lock))
+            done_.wait(lock);
+    }
+    current_ = &batch(given_);
+    at_ = 1;
+    return current_->items.data();
+}
+
+} // namespace aceconv::tool

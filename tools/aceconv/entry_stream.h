@@ -1,0 +1,86 @@
+// Entries and what is made of them, in the input's order, on as many threads as
+// there are to be.
+#pragma once
+
+#include <condition_variable>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tools/aceconv/changes.h"
+#include "tools/aceconv/codec.h"
+#include "tools/aceconv/source.h"
+
+namespace aceconv::tool {
+
+/// What is made of one entry: an encoding or text, and what did not come along.
+struct Product {
+    std::string bytes;
+    std::vector<Change> changes;
+};
+
+/// Makes the product of one entry. Called by several threads at once, each with a
+/// codec of its own; must depend on nothing but the entry. Throws DataError.
+using Work = std::function<void(Codec &, Entry &, Product &)>;
+
+/// Reads entries ahead in batches, a bounded number of them, which any thread may
+/// work on: the caller's own while it waits, and up to `jobs` - 1 others, started
+/// when the input proves long enough to be worth their start.
+class EntryStream {
+  public:
+    struct Item {
+        Entry entry;
+        Product product;
+        std::exception_ptr fault; // of reading the entry, or of the work on it
+    };
+
+    /// `source` must outlive the stream. Throws IoError.
+    EntryStream(Source &source, const CodecSetup &setup, unsigned jobs, Work work);
+    ~EntryStream();
+    EntryStream(const EntryStream &) = delete;
+    EntryStream &operator=(const EntryStream &) = delete;
+
+    /// The next entry, null at the end; valid until the next call. Throws IoError
+    /// when a thread could not start.
+    Item *next();
+
+  private:
+    struct Batch {
+        std::vector<Item> items;
+        std::size_t count = 0; // of the items in use
+        bool done = false;
+    };
+
+    void fill(Batch &batch);
+    void work_on(Codec &codec, Batch &batch) const;
+    void read_ahead(std::unique_lock<std::mutex> &lock);
+    bool take_batch(Codec &codec, std::unique_lock<std::mutex> &lock);
+    void help();
+    [[nodiscard]] Batch &batch(std::size_t number) { return ring_[number % ring_.size()]; }
+
+    Source &source_;
+    const CodecSetup setup_;
+    const unsigned jobs_;
+    const Work work_;
+    Codec codec_;              // of the caller's thread
+    Batch *current_ = nullptr; // whose items are handed out
+    std::size_t at_ = 0;       // the next of them
+    bool ended_ = false;       // nothing more to read
+
+    std::mutex mutex_; // guards what follows, but not the batches' items
+    std::condition_variable unworked_, done_;
+    std::vector<Batch> ring_;
+    // Batches by number: handed out, taken for work, read.
+    std::size_t given_ = 0;
+    std::size_t taken_ = 0;
+    std::size_t read_ = 0;
+    bool stop_ = false;
+    std::exception_ptr failure_; // of a thread's start
+    std::vector<std::thread> threads_;
+};
+
+} // namespace aceconv::tool

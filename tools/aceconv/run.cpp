@@ -1,0 +1,84 @@
+#include "tools/aceconv/run.h"
+
+#include <unistd.h>
+
+#include "tools/aceconv/errors.h"
+
+namespace aceconv::tool {
+namespace {
+
+/// The line has a terminal to itself, or was asked for.
+bool progress_shown(const CommonOptions &common, const std::string &output) {
+    const bool shared = output == "-" && isatty(STDOUT_FILENO) == 1;
+    return common.progress || (!common.quiet && isatty(STDERR_FILENO) == 1 && !shared);
+}
+
+} // namespace
+
+Run::Run(const CommonOptions &common, const InputOptions &input, const std::string &output)
+    : common_(common), setup_(start(common)), report_(input.path) {
+    const auto meter = std::make_shared<InputMeter>();
+    progress_.emplace(progress_shown(common, output), meter);
+    try {
+        source_ = open_source(input.path, input.format, input.schema, meter);
+    } catch (const StreamError &fault) {
+        fail(Entry{.position = {1, 0}}, fault);
+    }
+}
+
+void Run::begin(Work work, unsigned jobs) {
+    stream_ = std::make_unique<EntryStream>(*source_, setup_, jobs, std::move(work));
+}
+
+EntryStream::Item *Run::next() {
+    while (!over_) {
+        EntryStream::Item *item = stream_->next();
+        if (item == nullptr)
+            break;
+        try {
+            if (item->fault)
+                std::rethrow_exception(item->fault);
+            note_key(item->entry.key);
+            progress_->update(++tally_.entries);
+            return item;
+        } catch (const StreamError &fault) {
+            fail(item->entry, fault);
+            over_ = true;
+        } catch (const DataError &fault) {
+            progress_->update(++tally_.entries);
+            fail(item->entry, fault);
+        }
+    }
+    return nullptr;
+}
+
+void Run::note_key(const EntryKey &key) {
+    if (key.acl && key.sequence && !used_[*key.acl].insert(*key.sequence))
+        throw DataError("", "a second entry of this sequence number");
+}
+
+void Run::fail(const Entry &entry, const DataError &fault) {
+    report_.add(entry.position, entry.key, fault);
+    ++tally_.errors;
+    stopped_ = over_ = !common_.keep_going;
+}
+
+void Run::each(Work work, const Emit &emit) {
+    begin(std::move(work), common_.trace.empty() ? common_.jobs : 1); // the trace stays in order
+    while (EntryStream::Item *item = next()) {
+        try {
+            emit(item->entry, item->product);
+        } catch (const DataError &fault) {
+            fail(item->entry, fault);
+        }
+    }
+    stream_.reset(); // no thread works on what is not needed any more
+}
+
+int Run::conclude() {
+    if (!common_.quiet)
+        say((stopped_ ? "stopped: " : "") + summary(tally_, progress_->seconds()));
+    return tally_.errors == 0 ? exit_ok : exit_data;
+}
+
+} // namespace aceconv::tool
