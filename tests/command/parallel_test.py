@@ -1,0 +1,46 @@
+"""The command as the worker of GNU parallel, as the page on large lists shows it."""
+import json
+import os
+import subprocess
+import unittest
+
+from harness import ACECONV, Case
+
+ENCODE = ("encode", "-q", "--schema", "base", "-")
+CONVERT = ("convert", "-q", "--from", "base", "--to", "um", "--to-format", "ndjson", "-")
+GENERATED = subprocess.run([os.environ["ACECONV_GENERATOR"], "2000"], capture_output=True,
+                           check=True).stdout
+
+
+class Parallel(Case):
+    def parallel(self, *command, stdin, options=()):
+        """(exit code, output, messages) of workers over blocks of whole lines."""
+        env = {**os.environ, "PARALLEL_HOME": self.folder.name}
+        done = subprocess.run(
+            ["parallel", "--pipe", "--keep-order", "--block", "100k", "-j", "3", *options,
+             ACECONV, *command], input=stdin, capture_output=True, timeout=120, check=False, env=env)
+        return done.returncode, done.stdout, done.stderr.decode()
+
+    def test_output_is_that_of_one_process(self):
+        self.assertGreater(len(GENERATED), 500_000)  # several blocks
+        for command in (ENCODE, CONVERT):
+            alone = self.ok(*command, stdin=GENERATED)
+            self.assertEqual(self.parallel(*command, stdin=GENERATED), (0, alone, ""))
+
+    def test_a_bad_entry_shows_in_the_exit_code(self):
+        lines = GENERATED.splitlines(keepends=True)
+        lines[1500:1500] = [b'{"grant":"drop"}\n']
+        bad = b"".join(lines)
+        for command in (ENCODE, CONVERT):
+            code, out, err = self.parallel(*command, stdin=bad)
+            self.assertEqual((code, err.count("\n")), (1, 1))
+            self.assertIn('grant: Invalid enumeration value "drop"', err)
+            self.assertLess(len(out), len(self.ok(*command, stdin=GENERATED)))
+            kept = self.parallel(*command, "--keep-going", stdin=bad)
+            self.assertEqual(kept[:2], (1, self.ok(*command, stdin=GENERATED)))
+        code, _, err = self.parallel(*ENCODE, stdin=bad, options=("--halt", "now,fail=1"))
+        self.assertEqual(code, 1, err)
+
+
+if __name__ == "__main__":
+    unittest.main()
