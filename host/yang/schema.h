@@ -87,6 +87,7 @@ void compile_schema(const lysc_node *node, SchemaNode &result);
 /// it is: libyang's private pointers point at it.
 void link_schema(const lysc_node *node, SchemaNode &compiled);
 
+/// The fields that a node's name makes up.
 void name_schema(const char *name, SchemaNode &result);
 
 /// What the leaf takes, for messages: "one of: deny, permit", "a number 0 to 255".
