@@ -6,8 +6,9 @@ import unittest
 
 from harness import ACECONV, Case
 
-ENCODE = ("encode", "-q", "--schema", "base", "-")
-CONVERT = ("convert", "-q", "--from", "base", "--to", "um", "--to-format", "ndjson", "-")
+ENCODE = ("encode", "-q", "-j", "1", "--schema", "base", "-")
+CONVERT = ("convert", "-q", "-j", "1", "--from", "base", "--to", "um", "--to-format", "ndjson",
+           "-")
 GENERATED = subprocess.run([os.environ["ACECONV_GENERATOR"], "2000"], capture_output=True,
                            check=True).stdout
 
