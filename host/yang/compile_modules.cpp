@@ -28,7 +28,7 @@ std::string names_table(const std::vector<SchemaNode::Name> &names, std::ostream
     }
     std::string rows;
     for (const SchemaNode::Name &name : names) {
-        rows += "    {" + std::to_string(name.value) + "U, \"" + name.text + "\"},\n";
+        rows += "    {" + std::to_string(name.value) + "U, \"" + std::string(name.text) + "\"},\n";
     }
     const auto [table, is_new] = tables.try_emplace(rows, "names_" + std::to_string(tables.size()));
     if (is_new) {
