@@ -1,4 +1,4 @@
-#include <cstdio>
+#include <charconv>
 
 #include "aceconv/plugin.h"
 #include "common/safe_string.h"
@@ -22,7 +22,8 @@ std::uint32_t emit_hexadecimal(ccv_yang_output *output, const char *name, std::u
         trace(failure, status);
         return status;
     }
-    std::snprintf(digits.text, sizeof digits.text, "%x", number);
+    // Eight digits at most; the cleared text ends behind them.
+    std::to_chars(digits.text, digits.text + sizeof digits.text - 1, number, 16);
     ccv_yang_string(output, name, digits.text);
     return 0;
 }
