@@ -154,7 +154,7 @@ void expect_same(const SchemaNode &table, const SchemaNode &libyang) {
     ASSERT_EQ(table.names.size(), libyang.names.size());
     for (std::size_t i = 0; i < table.names.size(); ++i) {
         EXPECT_EQ(table.names[i].value, libyang.names[i].value);
-        EXPECT_STREQ(table.names[i].text, libyang.names[i].text);
+        EXPECT_EQ(table.names[i].text, libyang.names[i].text);
     }
     ASSERT_EQ(table.children.size(), libyang.children.size());
     for (std::size_t i = 0; i < table.children.size(); ++i) {
