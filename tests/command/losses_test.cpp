@@ -70,7 +70,10 @@ TEST_P(Losses, OfNodesTheConverterPassesOver) {
     EXPECT_TRUE(quick(R"({"sequence-number":5})", encode("{}")));
 }
 
-INSTANTIATE_TEST_SUITE_P(Schemas, Losses, ::testing::Values(Schema::base, Schema::um));
+INSTANTIATE_TEST_SUITE_P(Schemas, Losses, ::testing::Values(Schema::base, Schema::um),
+                         [](const auto &parameter) {
+                             return std::string(parameter.param == Schema::um ? "um" : "base");
+                         });
 
 } // namespace
 } // namespace aceconv::tool

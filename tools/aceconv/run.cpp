@@ -64,7 +64,12 @@ void Run::fail(const Entry &entry, const DataError &fault) {
 }
 
 void Run::each(Work work, const Emit &emit) {
-    begin(std::move(work), common_.trace.empty() ? common_.jobs : 1); // the trace stays in order
+    struct Stop { // no thread outlives what `work` refers to, on any way out
+        std::unique_ptr<EntryStream> &stream;
+        ~Stop() { stream.reset(); }
+    } const stop{stream_};
+    const bool traced = !common_.trace.empty(); // the trace stays in order
+    begin(std::move(work), traced ? 1 : common_.jobs);
     while (EntryStream::Item *item = next()) {
         try {
             emit(item->entry, item->product);
@@ -72,7 +77,6 @@ void Run::each(Work work, const Emit &emit) {
             fail(item->entry, fault);
         }
     }
-    stream_.reset(); // no thread works on what is not needed any more
 }
 
 int Run::conclude() {
