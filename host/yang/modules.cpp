@@ -103,6 +103,9 @@ ly_ctx *Modules::Context::libyang() {
 /// From the files in `directory`, or from the text of the tables when it is null.
 void Modules::Context::load(const std::filesystem::path *directory) {
     quieten_libyang();
+    // Parsing dates, libyang looks at the time zone, which libc keeps for all threads.
+    static std::mutex one_at_a_time;
+    const std::lock_guard lock(one_at_a_time);
     ly_ctx *context = nullptr;
     // No search directories: libyang would go through them with all that is below.
     if (ly_ctx_new(nullptr, LY_CTX_NO_YANGLIBRARY | LY_CTX_DISABLE_SEARCHDIRS, &context) !=

@@ -58,7 +58,7 @@ class Workers(Case):
 class CutShort(Case):
     def setUp(self):
         super().setUp()
-        self.source = self.file("source", generated(count=20000))
+        self.source = self.file("source", generated(count=8000))
         self.args = [ACECONV, "convert", "-q", "-j", "4", "--from", "base", "--to", "um",
                      "--to-format", "ndjson", self.source]
 
@@ -72,7 +72,7 @@ class CutShort(Case):
         seed = random.randrange(1 << 32)
         chance, target = random.Random(seed), self.dir / "out"
         cut = 0
-        for sign in [signal.SIGTERM, signal.SIGINT, signal.SIGKILL] * 5:
+        for sign in [signal.SIGTERM, signal.SIGINT, signal.SIGKILL] * 4:
             with subprocess.Popen([*self.args, "-o", target]) as process:
                 time.sleep(chance.uniform(0, lasts))
                 process.send_signal(sign)
