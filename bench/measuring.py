@@ -43,6 +43,14 @@ class Row:
     def seconds(self):
         return statistics.median(sample.seconds for sample in self.timed())
 
+    def ratio_to(self, other):
+        """How many times as long as the other's: the median of the rounds' ratios, since
+        a round's runs stand close together and the machine may drift between rounds."""
+        mine, others = self.timed(), other.timed()
+        if len(mine) != len(others):
+            return self.seconds() / other.seconds()
+        return statistics.median(a.seconds / b.seconds for a, b in zip(mine, others))
+
     def processor(self):
         return statistics.median(sample.processor for sample in self.timed())
 

@@ -14,14 +14,14 @@ def print_table(head, rows):
 
 
 def contender_table(rows, count):
-    reference = rows[workers(ENCODE, 1)].seconds()
+    reference = rows[workers(ENCODE, 1)]
 
     def cells(row):
         low, high = (1e6 * seconds / count for seconds in row.spread())
         once = len(row.timed()) == 1
         return [
             row.contender.name,
-            f"{row.seconds() / reference:.2f}",
+            f"{row.ratio_to(reference):.2f}",
             f"{1e6 * row.seconds() / count:.2f}",
             "one run" if once else f"{low:.2f} to {high:.2f}",
             f"{1e6 * row.processor() / count:.2f}",
@@ -35,12 +35,12 @@ def contender_table(rows, count):
 
 
 def cold_table(rows):
-    reference = rows[workers(ENCODE, 1)].seconds()
+    reference = rows[workers(ENCODE, 1)]
 
     def cells(row):
         seconds = [1e3 * sample.seconds for sample in row.samples]
         low, _, high = statistics.quantiles(seconds, n=4)
-        return [row.contender.name, f"{row.seconds() / reference:.2f}",
+        return [row.contender.name, f"{row.ratio_to(reference):.2f}",
                 f"{1e3 * row.seconds():.2f}", f"{low:.2f} to {high:.2f}"]
 
     print_table(["", "Ratio", "ms", "Quartiles"], map(cells, rows.values()))
@@ -72,7 +72,7 @@ def targets(results, cold):
     one_encode, one_convert = workers(ENCODE, 1), workers(CONVERT, 1)
 
     def ratio(slower, faster, rows=results[at]):
-        return rows[slower].seconds() / rows[faster].seconds()
+        return rows[slower].ratio_to(rows[faster])
 
     def an_entry(name, count):
         return results[count][name].seconds() / count

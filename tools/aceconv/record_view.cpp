@@ -90,9 +90,11 @@ RecordView::RecordView(const bag_descriptor &descriptor) : members_(bag_members(
     members_.erase(std::remove_if(members_.begin(), members_.end(),
                                   [](const BagMember &member) { return member.type == "H"; }),
                    members_.end());
-    for (const BagMember &member : members_)
-        if (find_field(member.name) == nullptr)
+    for (const BagMember &member : members_) {
+        fields_.push_back(find_field(member.name));
+        if (fields_.back() == nullptr)
             throw IoError("the plug-in's record has an unknown field " + member.name);
+    }
     if (members_.size() != record_fields().size())
         throw IoError("the plug-in's record lacks fields that are expected");
 }
@@ -102,10 +104,11 @@ std::vector<FieldValue> RecordView::describe(const ipv4_acl_config_ace &record,
     std::bitset<kMaskBits> bits(record.ConfigurationMask2);
     bits = bits << kSecondMask | std::bitset<kMaskBits>(record.ConfigurationMask);
     std::vector<FieldValue> shown;
-    for (const BagMember &member : members_) {
+    for (std::size_t i = 0; i < members_.size(); ++i) {
+        const BagMember &member = members_[i];
         FieldValue value;
         value.name = member.name;
-        value.field = find_field(member.name);
+        value.field = fields_[i];
         value.offset = member.offset;
         value.width = member.width;
         for (int bit = value.field->first_bit; bit >= 0 && bit <= value.field->last_bit; ++bit)

@@ -53,6 +53,7 @@ class RecordView {
 
   private:
     std::vector<BagMember> members_;
+    std::vector<const RecordField *> fields_; // of the members
 };
 
 } // namespace aceconv::tool
