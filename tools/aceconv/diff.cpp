@@ -134,6 +134,7 @@ int run(const DiffOptions &options) {
     Side left(options.common, options.left);
     CommonOptions unseen = options.common; // the other one keeps its pace
     unseen.quiet = true;
+    unseen.progress = false;
     Side right(unseen, options.right);
     Comparison comparison(left.run().descriptor(), options.common.quiet);
     for (bool more = true; more;) {

@@ -1,5 +1,6 @@
 #include "tools/aceconv/entry_stream.h"
 
+#include <system_error>
 #include <utility>
 
 #include "tools/aceconv/errors.h"
@@ -120,13 +121,21 @@ void EntryStream::help() {
     }
 }
 
+void EntryStream::start_thread() {
+    try {
+        threads_.emplace_back(&EntryStream::help, this);
+    } catch (const std::system_error &) { // the system has no more of them; fewer do as well
+        jobs_ = static_cast<unsigned>(threads_.size()) + 1;
+    }
+}
+
 void EntryStream::read_ahead(std::unique_lock<std::mutex> &lock) {
     while (!ended_ && read_ - given_ < ring_.size()) {
         Batch &next = batch(read_);
         lock.unlock(); // no other thread looks at a batch before it counts as read
         fill(next);
         if (read_ >= kBatchesBeforeHelp && threads_.size() + 1 < jobs_)
-            threads_.emplace_back(&EntryStream::help, this);
+            start_thread();
         lock.lock();
         if (next.count != 0) {
             ++read_;

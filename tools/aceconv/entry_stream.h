@@ -60,11 +60,12 @@ class EntryStream {
     void read_ahead(std::unique_lock<std::mutex> &lock);
     bool take_batch(Codec &codec, std::unique_lock<std::mutex> &lock);
     void help();
+    void start_thread();
     [[nodiscard]] Batch &batch(std::size_t number) { return ring_[number % ring_.size()]; }
 
     Source &source_;
     const CodecSetup setup_;
-    const unsigned jobs_;
+    unsigned jobs_;
     const Work work_;
     Codec codec_;              // of the caller's thread
     Batch *current_ = nullptr; // whose items are handed out

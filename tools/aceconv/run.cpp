@@ -27,7 +27,8 @@ Run::Run(const CommonOptions &common, const InputOptions &input, const std::stri
 }
 
 void Run::begin(Work work, unsigned jobs) {
-    stream_ = std::make_unique<EntryStream>(*source_, setup_, jobs, std::move(work));
+    const bool traced = !common_.trace.empty(); // the trace stays in order
+    stream_ = std::make_unique<EntryStream>(*source_, setup_, traced ? 1 : jobs, std::move(work));
 }
 
 EntryStream::Item *Run::next() {
@@ -68,8 +69,7 @@ void Run::each(Work work, const Emit &emit) {
         std::unique_ptr<EntryStream> &stream;
         ~Stop() { stream.reset(); }
     } const stop{stream_};
-    const bool traced = !common_.trace.empty(); // the trace stays in order
-    begin(std::move(work), traced ? 1 : common_.jobs);
+    begin(std::move(work), common_.jobs);
     while (EntryStream::Item *item = next()) {
         try {
             emit(item->entry, item->product);
