@@ -8,13 +8,14 @@
 #include <vector>
 
 #include "aceconv/plugin.h"
-#include "host/bag/bag_library.h"
+#include "host/bag_library.h"
 
 namespace {
 
 void require(bool holds) {
-    if (!holds)
+    if (!holds) {
         std::abort();
+    }
 }
 
 bag_definition *definition() {
@@ -48,8 +49,9 @@ void check(std::span<const std::uint8_t> bytes, bag_definition *type) {
         require(std::memcmp(&record, &empty, sizeof record) == 0);
         require(!aceconv::bag_last_error().empty());
     }
-    if (const auto item = aceconv::cbor_item_length(bytes))
+    if (const auto item = aceconv::cbor_item_length(bytes)) {
         require(*item > 0 && *item <= bytes.size());
+    }
 }
 
 } // namespace

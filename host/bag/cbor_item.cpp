@@ -2,7 +2,7 @@
 
 #include <cbor.h>
 
-#include "host/bag/bag_library.h"
+#include "host/bag_library.h"
 
 namespace aceconv {
 namespace {
@@ -54,26 +54,31 @@ const cbor_callbacks item_callbacks = make_callbacks();
 bool read_plain(std::span<const std::uint8_t> bytes, Item &item) noexcept {
     static constexpr ItemKind kinds[] = {ItemKind::number, ItemKind::other, ItemKind::bytes,
                                          ItemKind::text,   ItemKind::array, ItemKind::map};
-    if (bytes.empty())
+    if (bytes.empty()) {
         return false;
+    }
     const std::size_t major = bytes[0] >> 5U;
     const unsigned info = bytes[0] & 0x1FU;
-    if (major >= std::size(kinds) || major == 1 || info > 27)
+    if (major >= std::size(kinds) || major == 1 || info > 27) {
         return false;
+    }
     std::size_t head = 1;
     std::uint64_t value = info;
     if (info >= 24) {
         head += std::size_t{1} << (info - 24U);
-        if (head > bytes.size())
+        if (head > bytes.size()) {
             return false;
+        }
         value = 0;
-        for (std::size_t i = 1; i < head; ++i)
+        for (std::size_t i = 1; i < head; ++i) {
             value = value << 8U | bytes[i];
+        }
     }
     item = {kinds[major], value, nullptr, head};
     if (item.kind == ItemKind::bytes || item.kind == ItemKind::text) {
-        if (value > bytes.size() - head)
+        if (value > bytes.size() - head) {
             return false;
+        }
         item.data = bytes.data() + head;
         item.size += static_cast<std::size_t>(value);
     }
@@ -83,8 +88,9 @@ bool read_plain(std::span<const std::uint8_t> bytes, Item &item) noexcept {
 } // namespace
 
 ItemStatus read_item(std::span<const std::uint8_t> bytes, Item &item) noexcept {
-    if (read_plain(bytes, item))
+    if (read_plain(bytes, item)) {
         return ItemStatus::ok;
+    }
     item = {ItemKind::other, 0, nullptr, 0};
     const cbor_decoder_result result =
         cbor_stream_decode(bytes.data(), bytes.size(), &item_callbacks, &item);
@@ -101,14 +107,15 @@ ItemStatus read_item(std::span<const std::uint8_t> bytes, Item &item) noexcept {
 
 bool is_shortest(const Item &item) noexcept {
     std::size_t head = 9;
-    if (item.value < 24)
+    if (item.value < 24) {
         head = 1;
-    else if (item.value <= UINT8_MAX)
+    } else if (item.value <= UINT8_MAX) {
         head = 2;
-    else if (item.value <= UINT16_MAX)
+    } else if (item.value <= UINT16_MAX) {
         head = 3;
-    else if (item.value <= UINT32_MAX)
+    } else if (item.value <= UINT32_MAX) {
         head = 5;
+    }
     const bool is_string = item.kind == ItemKind::bytes || item.kind == ItemKind::text;
     return item.size == head + (is_string ? item.value : 0);
 }
@@ -137,11 +144,14 @@ bool is_utf8(std::span<const std::uint8_t> text) noexcept {
         } else {
             return false;
         }
-        if (text.size() - at <= more || text[at + 1] < low || text[at + 1] > high)
+        if (text.size() - at <= more || text[at + 1] < low || text[at + 1] > high) {
             return false;
-        for (std::size_t i = 2; i <= more; ++i)
-            if ((text[at + i] & 0xC0) != 0x80)
+        }
+        for (std::size_t i = 2; i <= more; ++i) {
+            if ((text[at + i] & 0xC0) != 0x80) {
                 return false;
+            }
+        }
         at += more + 1;
     }
     return true;
@@ -158,22 +168,26 @@ std::optional<std::size_t> cbor_item_length(std::span<const std::uint8_t> bytes)
         }
         Item item{};
         if (read_item(bytes.subspan(at), item) != ItemStatus::ok ||
-            item.kind == ItemKind::indefinite)
+            item.kind == ItemKind::indefinite) {
             return std::nullopt;
+        }
         at += item.size;
         --open;
         const std::size_t left = bytes.size() - at;
         // Every item takes a byte at least, so neither count can overflow.
-        if ((item.kind == ItemKind::array || item.kind == ItemKind::map) && item.value > left)
+        if ((item.kind == ItemKind::array || item.kind == ItemKind::map) && item.value > left) {
             return std::nullopt;
-        if (item.kind == ItemKind::array)
+        }
+        if (item.kind == ItemKind::array) {
             open += item.value;
-        else if (item.kind == ItemKind::map)
+        } else if (item.kind == ItemKind::map) {
             open += 2 * item.value;
-        else if (item.kind == ItemKind::tag)
+        } else if (item.kind == ItemKind::tag) {
             open += 1;
-        if (open > left)
+        }
+        if (open > left) {
             return std::nullopt;
+        }
     }
     return at;
 }

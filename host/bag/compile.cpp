@@ -6,11 +6,11 @@
 #include <span>
 #include <string_view>
 
-#include "host/bag/bag_library.h"
+#include "host/bag/byte_sink.h"
 #include "host/bag/cbor_item.h"
 #include "host/bag/definition.h"
 #include "host/bag/description.h"
-#include "host/bag/output.h"
+#include "host/bag_library.h"
 #include "host/error.h"
 
 namespace aceconv {
@@ -38,21 +38,27 @@ std::vector<DescribedType> parse_both(const bag_descriptor &descriptor) {
                               std::equal(a.members.begin(), a.members.end(), b.members.begin(),
                                          b.members.end(), same_member);
                    });
-    if (!agree)
+    if (!agree) {
         refuse("long and short description differ");
-    if (types.size() > max_types)
+    }
+    if (types.size() > max_types) {
         refuse("more than " + std::to_string(max_types) + " types");
+    }
     for (auto type = types.begin(); type != types.end(); ++type) {
         const std::string name = "type $" + std::to_string(type->number);
         if (std::any_of(types.begin(), type,
-                        [&](const DescribedType &other) { return other.number == type->number; }))
+                        [&](const DescribedType &other) { return other.number == type->number; })) {
             refuse(name + " is defined twice");
-        if (type->members.size() > max_members)
+        }
+        if (type->members.size() > max_members) {
             refuse(name + " has more than " + std::to_string(max_members) + " members");
+        }
         std::set<std::string_view> names;
-        for (const DescribedMember &member : type->members)
-            if (!names.insert(member.name).second)
+        for (const DescribedMember &member : type->members) {
+            if (!names.insert(member.name).second) {
                 refuse(name + " has two members \"" + std::string(member.name) + "\"");
+            }
+        }
     }
     return types;
 }
@@ -60,27 +66,30 @@ std::vector<DescribedType> parse_both(const bag_descriptor &descriptor) {
 /// The layout rows in the order of the types.
 std::vector<const bag_layout *> match_rows(const bag_descriptor &descriptor,
                                            const std::vector<DescribedType> &types) {
-    if (descriptor.layouts[0].tag != types.size() - 1)
+    if (descriptor.layouts[0].tag != types.size() - 1) {
         refuse("the layout announces " + std::to_string(descriptor.layouts[0].tag) +
                " sub-records, the description has " + std::to_string(types.size() - 1));
+    }
     const std::span<const bag_layout> rest(descriptor.layouts + 1, types.size() - 1);
     std::vector<const bag_layout *> rows{descriptor.layouts};
     for (auto type = types.begin() + 1; type != types.end(); ++type) {
         const auto row = std::find_if(rest.begin(), rest.end(), [&](const bag_layout &candidate) {
             return candidate.tag == type->number;
         });
-        if (row == rest.end())
+        if (row == rest.end()) {
             refuse("type $" + std::to_string(type->number) + " has no layout row");
+        }
         rows.push_back(&*row);
     }
     if (std::any_of(rows.begin(), rows.end(),
-                    [](const bag_layout *row) { return row->offsets == nullptr; }))
+                    [](const bag_layout *row) { return row->offsets == nullptr; })) {
         refuse("a layout row has no offsets");
+    }
     return rows;
 }
 
 struct Shape {
-    Kind kind;
+    MemberKind kind;
     std::size_t width;
     std::size_t alignment;
 };
@@ -88,23 +97,23 @@ struct Shape {
 Shape shape_of(const DescribedMember &member, const RecordType *inner) {
     switch (member.code) {
     case 'C':
-        return {Kind::u8, 1, 1};
+        return {MemberKind::u8, 1, 1};
     case 'I':
-        return {Kind::u16, 2, 2};
+        return {MemberKind::u16, 2, 2};
     case 'H':
-        return {Kind::u64, 8, 8};
+        return {MemberKind::u64, 8, 8};
     case 'N':
-        return {Kind::address, 4, 4};
+        return {MemberKind::address, 4, 4};
     case 's':
-        return {Kind::string, sizeof(char *), alignof(char *)};
+        return {MemberKind::string, sizeof(char *), alignof(char *)};
     case 'x':
-        return {Kind::bytes, member.number, 1};
+        return {MemberKind::bytes, member.number, 1};
     case 'a':
-        return {Kind::array, elements_pointer + sizeof(void *), alignof(void *)};
+        return {MemberKind::array, elements_pointer + sizeof(void *), alignof(void *)};
     case '$':
-        return {Kind::record, inner->size, inner->alignment};
+        return {MemberKind::record, inner->size, inner->alignment};
     default: // D, b, e
-        return {Kind::u32, 4, 4};
+        return {MemberKind::u32, 4, 4};
     }
 }
 
@@ -125,13 +134,15 @@ std::vector<WordMembers> members_by_word(const RecordType &type) {
 
 void add_blocks(const Member &member, std::vector<OwnedBlock> &blocks) {
     const std::size_t start = member.offset;
-    if (member.kind == Kind::string)
+    if (member.kind == MemberKind::string) {
         blocks.push_back({start, 0, nullptr});
-    else if (member.kind == Kind::array)
+    } else if (member.kind == MemberKind::array) {
         blocks.push_back({start + elements_pointer, start, member.type});
-    else if (member.kind == Kind::record)
-        for (const OwnedBlock &inner : member.type->blocks)
+    } else if (member.kind == MemberKind::record) {
+        for (const OwnedBlock &inner : member.type->blocks) {
             blocks.push_back({start + inner.address, start + inner.count, inner.element});
+        }
+    }
 }
 
 /// Lays `described` out with natural alignment, which leaves one place for each
@@ -142,10 +153,11 @@ RecordType compile_type(const DescribedType &described, const bag_layout &row,
     const std::uint64_t *offset = row.offsets;
     std::size_t end = 0;
     const auto check = [&](const DescribedMember &member, std::size_t expected) {
-        if (*offset != expected)
+        if (*offset != expected) {
             refuse("type $" + std::to_string(described.number) + ", member " +
                    std::string(member.name) + ": offset " + std::to_string(*offset) +
                    ", expected " + std::to_string(expected));
+        }
         ++offset;
     };
     for (std::size_t i = 0; i < described.members.size(); ++i) {
@@ -154,11 +166,13 @@ RecordType compile_type(const DescribedType &described, const bag_layout &row,
         const Shape shape = shape_of(source, inner);
         const std::size_t start = align_up(end, shape.alignment);
         check(source, start);
-        if (shape.kind == Kind::array)
+        if (shape.kind == MemberKind::array) {
             check(source, start + elements_pointer);
+        }
         end = start + shape.width;
-        if (end > max_type_bytes)
+        if (end > max_type_bytes) {
             refuse("type $" + std::to_string(described.number) + " is too large");
+        }
         type.alignment = std::max(type.alignment, shape.alignment);
         type.members.push_back({shape.kind, static_cast<std::uint32_t>(start),
                                 static_cast<std::uint32_t>(shape.width), inner});
@@ -167,9 +181,10 @@ RecordType compile_type(const DescribedType &described, const bag_layout &row,
         type.spellings.emplace_back(source.spelling);
     }
     type.size = align_up(end, type.alignment);
-    if (type.size != row.size)
+    if (type.size != row.size) {
         refuse("type $" + std::to_string(described.number) + ": size " + std::to_string(row.size) +
                ", expected " + std::to_string(type.size));
+    }
     type.words = members_by_word(type);
     return type;
 }
@@ -178,13 +193,15 @@ RecordType compile_type(const DescribedType &described, const bag_layout &row,
 class Digest {
   public:
     void add(std::string_view text) {
-        for (const char c : text)
+        for (const char c : text) {
             step(static_cast<std::uint8_t>(c));
+        }
         step(0);
     }
     void add(std::uint64_t number) {
-        for (int shift = 0; shift < 64; shift += 8)
+        for (int shift = 0; shift < 64; shift += 8) {
             step(static_cast<std::uint8_t>(number >> shift));
+        }
     }
     [[nodiscard]] std::uint64_t value() const { return value_; }
 
@@ -205,23 +222,27 @@ std::uint64_t fingerprint_of(const bag_descriptor &descriptor,
         digest.add(rows[i]->tag);
         digest.add(rows[i]->size);
         const std::uint64_t *offset = rows[i]->offsets;
-        for (const DescribedMember &member : types[i].members)
-            for (int n = member.code == 'a' ? 2 : 1; n > 0; --n)
+        for (const DescribedMember &member : types[i].members) {
+            for (int n = member.code == 'a' ? 2 : 1; n > 0; --n) {
                 digest.add(*offset++);
+            }
+        }
     }
     return digest.value();
 }
 
 std::vector<std::uint8_t> head_of(const bag_definition &definition) {
     std::array<std::uint8_t, 8> digest{};
-    for (std::size_t i = 0; i < digest.size(); ++i)
+    for (std::size_t i = 0; i < digest.size(); ++i) {
         digest[i] = static_cast<std::uint8_t>(definition.fingerprint >> (56 - 8 * i));
+    }
     const std::string &name = definition.type_name;
-    Output output;
+    ByteSink output;
     if (!output.array(3) ||
         !output.text({reinterpret_cast<const std::uint8_t *>(name.data()), name.size()}) ||
-        !output.bytes(digest))
+        !output.bytes(digest)) {
         throw std::bad_alloc();
+    }
     return {output.content().begin(), output.content().end()};
 }
 
@@ -230,11 +251,13 @@ std::vector<std::uint8_t> head_of(const bag_definition &definition) {
 std::unique_ptr<bag_definition> compile_descriptor(const bag_descriptor &descriptor) {
     if (descriptor.type_name == nullptr || descriptor.type_name[0] == '\0' ||
         descriptor.layouts == nullptr || descriptor.long_description == nullptr ||
-        descriptor.short_description == nullptr)
+        descriptor.short_description == nullptr) {
         refuse("the descriptor lacks its type name, layout or a description");
+    }
     const std::string_view name = descriptor.type_name;
-    if (!is_utf8({reinterpret_cast<const std::uint8_t *>(name.data()), name.size()}))
+    if (!is_utf8({reinterpret_cast<const std::uint8_t *>(name.data()), name.size()})) {
         refuse("the type's name is not UTF-8");
+    }
     const auto types = parse_both(descriptor);
     const auto rows = match_rows(descriptor, types);
 
@@ -245,14 +268,18 @@ std::unique_ptr<bag_definition> compile_descriptor(const bag_descriptor &descrip
         std::vector<const RecordType *> inner_types;
         for (const DescribedMember &member : types[i].members) {
             inner_types.push_back(nullptr);
-            if (member.code != '$' && member.code != 'a')
+            if (member.code != '$' && member.code != 'a') {
                 continue;
-            for (std::size_t inner = i + 1; inner < types.size(); ++inner)
-                if (types[inner].number == member.number)
+            }
+            for (std::size_t inner = i + 1; inner < types.size(); ++inner) {
+                if (types[inner].number == member.number) {
                     inner_types.back() = &definition->types[inner];
-            if (inner_types.back() == nullptr)
+                }
+            }
+            if (inner_types.back() == nullptr) {
                 refuse("member " + std::string(member.name) + ": type $" +
                        std::to_string(member.number) + " is not defined after its use");
+            }
         }
         definition->types[i] = compile_type(types[i], *rows[i], inner_types);
     }

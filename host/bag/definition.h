@@ -30,7 +30,7 @@ constexpr std::size_t word_bytes = 8;
 /// Where a counted array keeps its element pointer, from its 32-bit count.
 constexpr std::size_t elements_pointer = 8;
 
-enum class Kind : std::uint8_t {
+enum class MemberKind : std::uint8_t {
     u8,
     u16,
     u32,
@@ -45,7 +45,7 @@ enum class Kind : std::uint8_t {
 struct RecordType;
 
 struct Member {
-    Kind kind;
+    MemberKind kind;
     std::uint32_t offset;
     std::uint32_t width;
     const RecordType *type; // of a sub-record or of an array's elements, else null

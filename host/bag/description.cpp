@@ -18,9 +18,9 @@ class Parser {
             expect("$");
             DescribedType type{number(), {}};
             expect("=");
-            do
+            do {
                 type.members.push_back(member());
-            while (!accept(";"));
+            } while (!accept(";"));
             types.push_back(std::move(type));
         } while (at_ < text_.size());
         return types;
@@ -29,13 +29,15 @@ class Parser {
   private:
     DescribedMember member() {
         DescribedMember member{};
-        if (form_ == Form::long_form)
+        if (form_ == Form::long_form) {
             member.name = enclosed("{", '}');
+        }
         const std::size_t start = at_;
         type(member);
         member.spelling = text_.substr(start, at_ - start);
-        if (form_ == Form::short_form && member.code == '$')
+        if (form_ == Form::short_form && member.code == '$') {
             accept("."); // keeps a number that follows apart
+        }
         return member;
     }
 
@@ -69,8 +71,9 @@ class Parser {
     std::string_view enclosed(std::string_view open, char close) {
         expect(open);
         const std::size_t length = text_.substr(at_).find_first_of("{}[]$;");
-        if (length == 0 || length == std::string_view::npos || text_[at_ + length] != close)
+        if (length == 0 || length == std::string_view::npos || text_[at_ + length] != close) {
             fail("a name");
+        }
         const std::string_view name = text_.substr(at_, length);
         at_ += length + 1;
         return name;
@@ -80,22 +83,25 @@ class Parser {
         std::uint16_t value = 0;
         const char *const begin = text_.data() + at_;
         const auto [end, error] = std::from_chars(begin, text_.data() + text_.size(), value);
-        if (error != std::errc() || value == 0)
+        if (error != std::errc() || value == 0) {
             fail("a number from 1 to 65535");
+        }
         at_ += static_cast<std::size_t>(end - begin);
         return value;
     }
 
     bool accept(std::string_view token) {
-        if (text_.substr(at_, token.size()) != token)
+        if (text_.substr(at_, token.size()) != token) {
             return false;
+        }
         at_ += token.size();
         return true;
     }
 
     void expect(std::string_view token) {
-        if (!accept(token))
+        if (!accept(token)) {
             fail("\"" + std::string(token) + "\"");
+        }
     }
 
     [[noreturn]] void fail(const std::string &expected) const {

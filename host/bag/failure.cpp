@@ -23,15 +23,18 @@ bool fail(BagStatus status, const char *format, ...) noexcept {
     va_start(arguments, format);
     std::vsnprintf(last.text.data(), last.text.size(), format, arguments);
     va_end(arguments);
-    for (char *c = last.text.data(); *c != '\0'; ++c)
-        if (*c < ' ' || *c > '~')
+    for (char *c = last.text.data(); *c != '\0'; ++c) {
+        if (*c < ' ' || *c > '~') {
             *c = '?';
+        }
+    }
     return false;
 }
 
 std::uint32_t finished(bool succeeded) noexcept {
-    if (!succeeded)
+    if (!succeeded) {
         return static_cast<std::uint32_t>(last.status);
+    }
     last.text[0] = '\0';
     return 0;
 }

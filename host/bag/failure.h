@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "host/bag/bag_library.h"
+#include "host/bag_library.h"
 
 namespace aceconv {
 

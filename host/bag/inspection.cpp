@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "host/bag/bag_library.h"
 #include "host/bag/definition.h"
+#include "host/bag_library.h"
 
 namespace aceconv {
 namespace {
@@ -14,10 +14,11 @@ void list_members(const RecordType &type, const std::string &prefix, std::size_t
         const Member &member = type.members[i];
         std::string name = prefix + type.names[i];
         const std::size_t offset = base + member.offset;
-        if (member.kind == Kind::record)
+        if (member.kind == MemberKind::record) {
             list_members(*member.type, name + ".", offset, list);
-        else
+        } else {
             list.push_back({std::move(name), type.spellings[i], offset, member.width});
+        }
     }
 }
 

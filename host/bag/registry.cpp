@@ -28,8 +28,9 @@ struct Pending {
     Registered *first = nullptr;
 
     void discard() noexcept {
-        while (first != nullptr)
+        while (first != nullptr) {
             delete std::exchange(first, first->next);
+        }
         open = false;
     }
 };
@@ -37,36 +38,42 @@ struct Pending {
 Pending pending;
 
 Registered *find_in(Registered *entry, const bag_descriptor *descriptor) noexcept {
-    while (entry != nullptr && entry->descriptor != descriptor)
+    while (entry != nullptr && entry->descriptor != descriptor) {
         entry = entry->next;
+    }
     return entry;
 }
 
 bool start() {
     const std::lock_guard lock(pending.mutex);
-    if (pending.open)
+    if (pending.open) {
         return fail(BagStatus::not_registered, "a registration is already open");
+    }
     pending.open = true;
     return true;
 }
 
 bool add(const bag_descriptor *descriptor) {
     const std::lock_guard lock(pending.mutex);
-    if (!pending.open)
+    if (!pending.open) {
         return fail(BagStatus::not_registered, "no registration is open");
-    if (descriptor == nullptr)
+    }
+    if (descriptor == nullptr) {
         return fail(BagStatus::bad_description, "no descriptor");
+    }
     try {
         auto definition = compile_descriptor(*descriptor);
         const Registered *known = find_in(pending.first, descriptor);
-        if (known == nullptr)
+        if (known == nullptr) {
             known = find_in(registered.load(std::memory_order_acquire), descriptor);
-        if (known == nullptr)
+        }
+        if (known == nullptr) {
             pending.first = new Registered{descriptor, std::move(definition), pending.first};
-        else if (known->definition->fingerprint != definition->fingerprint)
+        } else if (known->definition->fingerprint != definition->fingerprint) {
             return fail(BagStatus::bad_description,
                         "type %s: its descriptor has changed since it was registered",
                         descriptor->type_name);
+        }
         return true;
     } catch (const DataError &error) {
         return fail(BagStatus::bad_description, "type %s: %s",
@@ -79,16 +86,18 @@ bool add(const bag_descriptor *descriptor) {
 
 bool abandon() {
     const std::lock_guard lock(pending.mutex);
-    if (!pending.open)
+    if (!pending.open) {
         return fail(BagStatus::not_registered, "no registration is open");
+    }
     pending.discard();
     return true;
 }
 
 bool end() {
     const std::lock_guard lock(pending.mutex);
-    if (!pending.open)
+    if (!pending.open) {
         return fail(BagStatus::not_registered, "no registration is open");
+    }
     while (pending.first != nullptr) {
         Registered *const entry = std::exchange(pending.first, pending.first->next);
         entry->next = registered.load(std::memory_order_relaxed);
@@ -100,8 +109,9 @@ bool end() {
 
 bool look_up(const bag_descriptor *descriptor, bag_definition **definition) {
     *definition = find_definition(descriptor);
-    if (*definition == nullptr)
+    if (*definition == nullptr) {
         return fail(BagStatus::not_registered, "the type is not registered");
+    }
     return true;
 }
 

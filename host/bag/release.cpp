@@ -10,13 +10,15 @@ void release_blocks(const RecordType &type, std::uint8_t *record) noexcept {
     for (const OwnedBlock &owned : type.blocks) {
         std::uint8_t *block = nullptr;
         std::memcpy(&block, record + owned.address, sizeof block);
-        if (block == nullptr)
+        if (block == nullptr) {
             continue;
+        }
         if (owned.element != nullptr && !owned.element->blocks.empty()) {
             std::uint32_t count = 0;
             std::memcpy(&count, record + owned.count, sizeof count);
-            for (std::size_t i = 0; i < count; ++i)
+            for (std::size_t i = 0; i < count; ++i) {
                 release_blocks(*owned.element, block + i * owned.element->size);
+            }
         }
         std::free(block);
         block = nullptr;

@@ -1,4 +1,4 @@
-#include "host/debug/debug_control.h"
+#include "host/debug_control.h"
 
 #include <array>
 #include <cerrno>
@@ -22,8 +22,9 @@ regex_t *compiled_filter = nullptr; // owned
 
 void drop_filter() {
     filter_set = 0;
-    if (compiled_filter != nullptr)
+    if (compiled_filter != nullptr) {
         regfree(compiled_filter);
+    }
     delete compiled_filter;
     compiled_filter = nullptr;
 }
@@ -77,17 +78,20 @@ void buginf(const ipv4_acl_debug_event * /*event*/, uint32_t /*zero*/, uint32_t 
     va_start(arguments, format);
     const int printed = std::vsnprintf(line.data(), line.size(), format, arguments);
     va_end(arguments);
-    if (printed < 0)
+    if (printed < 0) {
         return;
+    }
     auto length = static_cast<std::size_t>(printed);
     if (length >= line.size()) {
         length = line.size() - 1;
         cut_mark.copy(line.data() + length - cut_mark.size(), cut_mark.size());
     }
     // Data may hold line ends and terminal controls; a trace line is one line.
-    for (std::size_t i = 0; i < length; ++i)
-        if (static_cast<unsigned char>(line[i]) < ' ' || line[i] == '\x7F')
+    for (std::size_t i = 0; i < length; ++i) {
+        if (static_cast<unsigned char>(line[i]) < ' ' || line[i] == '\x7F') {
             line[i] = '?';
+        }
+    }
     line[length++] = '\n';
     // One write, so that lines of several threads do not mix.
     while (write(STDERR_FILENO, line.data(), length) < 0 && errno == EINTR) {

@@ -11,22 +11,22 @@ namespace {
 void decode_rows(ccv_yang_output *output, std::span<const Row> rows, const Record &record) {
     for (const Row &row : rows) {
         switch (row.kind) {
-        case Kind::leaf:
+        case RowKind::leaf:
             write_leaf(output, record, row.leaf);
             break;
-        case Kind::icmp_message:
+        case RowKind::icmp_message:
             if (has_icmp_message(record)) {
                 ccv_yang_enum_or_uint32(output, row.leaf.name, row.leaf.keywords,
                                         icmp_message(record));
             }
             break;
-        case Kind::container:
-        case Kind::next_hop_container:
+        case RowKind::container:
+        case RowKind::next_hop_container:
             ccv_yang_container_begin(output, row.leaf.name);
             decode_rows(output, row.rows(), record);
             ccv_yang_container_end(output);
             break;
-        case Kind::ignored:
+        case RowKind::ignored:
             break;
         }
     }

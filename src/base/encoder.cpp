@@ -80,22 +80,22 @@ void encode_node(Walk &walk, Level &level, Record &record) {
         return;
     }
     switch (row->kind) {
-    case Kind::leaf:
+    case RowKind::leaf:
         walk.status = read_leaf(record, walk.current, row->leaf);
         break;
-    case Kind::icmp_message:
+    case RowKind::icmp_message:
         walk.status = read_icmp_message(record, walk.current, row->leaf);
         break;
-    case Kind::container:
-    case Kind::next_hop_container: {
+    case RowKind::container:
+    case RowKind::next_hop_container: {
         Level inner(row->rows());
         walk_level(walk, CCV_YANG_STEP_CONTAINER, [&] { encode_node(walk, inner, record); });
-        if (row->kind == Kind::next_hop_container && walk.status == 0) {
+        if (row->kind == RowKind::next_hop_container && walk.status == 0) {
             derive_next_hop_bits(record);
         }
         break;
     }
-    case Kind::ignored:
+    case RowKind::ignored:
         break;
     }
 }

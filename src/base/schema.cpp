@@ -18,12 +18,13 @@ constexpr Leaf only_name(const char *name) {
 }
 
 template <std::size_t N>
-constexpr Row container(const char *name, const Row (&children)[N], Kind kind = Kind::container) {
+constexpr Row container(const char *name, const Row (&children)[N],
+                        RowKind kind = RowKind::container) {
     return Row{kind, only_name(name), children};
 }
 
 constexpr Row ignored(const char *name) {
-    return Row{Kind::ignored, only_name(name)};
+    return Row{RowKind::ignored, only_name(name)};
 }
 
 #define FIELD ACE_FIELD
@@ -54,7 +55,7 @@ constexpr Row destination_port[] = {
 };
 
 constexpr Row icmp[] = {
-    {Kind::icmp_message, keyword_or_number("icmp-type-code", acl_yang_acl_icmp_type_code,
+    {RowKind::icmp_message, keyword_or_number("icmp-type-code", acl_yang_acl_icmp_type_code,
                                            FIELD(icmp_type_code), icmp_specific_code)},
 };
 
@@ -129,7 +130,7 @@ constexpr Row entry[] = {
     container        ("time-to-live",        time_to_live),
     container        ("fragment-offset",     fragment_offset),
     keyword_or_number("fragment-type", acl_yang_acl_fragment_flags, FIELD(FragmentFlags), bit(60)),
-    container        ("next-hop", next_hop, Kind::next_hop_container),
+    container        ("next-hop", next_hop, RowKind::next_hop_container),
     text             ("counter-name",                              FIELD(counter_name), bit(51)),
     keyword_or_number("igmp-message-type", acl_yang_acl_igmp_type, FIELD(igmp_type),    bit(12)),
     container        ("dscp", dscp),
@@ -161,11 +162,12 @@ constexpr bool guarded(std::span<const Row> rows, std::uint64_t &used) {
                 return false;
             }
         }
-        const bool holds_rows = row.kind == Kind::container || row.kind == Kind::next_hop_container;
+        const bool holds_rows =
+            row.kind == RowKind::container || row.kind == RowKind::next_hop_container;
         if (holds_rows != (row.child_count != 0) || !guarded(row.rows(), used)) {
             return false;
         }
-        if (row.kind == Kind::leaf || row.kind == Kind::icmp_message) {
+        if (row.kind == RowKind::leaf || row.kind == RowKind::icmp_message) {
             const std::uint64_t mask = std::uint64_t{1} << row.leaf.bit.index;
             if (!guard::well_formed(row.leaf) || (used & mask) != 0) {
                 return false;

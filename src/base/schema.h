@@ -10,7 +10,7 @@
 
 namespace ace::base {
 
-enum class Kind : std::uint8_t {
+enum class RowKind : std::uint8_t {
     leaf,
     container,
     next_hop_container, // its bits for the second and third next hop are derived
@@ -19,14 +19,14 @@ enum class Kind : std::uint8_t {
 };
 
 struct Row {
-    Kind kind;
+    RowKind kind;
     Leaf leaf; // of a container only the name
     const Row *children = nullptr;
     std::size_t child_count = 0;
 
     /// Most rows are plain leaves and stand in the table as such.
-    constexpr Row(const Leaf &row_leaf) : kind(Kind::leaf), leaf(row_leaf) {} // NOLINT
-    constexpr Row(Kind row_kind, const Leaf &row_leaf, std::span<const Row> rows = {})
+    constexpr Row(const Leaf &row_leaf) : kind(RowKind::leaf), leaf(row_leaf) {} // NOLINT
+    constexpr Row(RowKind row_kind, const Leaf &row_leaf, std::span<const Row> rows = {})
         : kind(row_kind), leaf(row_leaf), children(rows.data()), child_count(rows.size()) {}
 
     [[nodiscard]] constexpr std::span<const Row> rows() const { return {children, child_count}; }

@@ -1,11 +1,11 @@
 // The quick answer that nothing is lost, against the slow one leaf by leaf.
 #include <gtest/gtest.h>
 
-#include "bench/rule.h"
-#include "host/plugin.h"
-#include "tools/aceconv/leaves.h"
+#include "compare/leaves.h"
+#include "host/plugin_loader.h"
+#include "testing/generator/rule.h"
 
-namespace aceconv::tool {
+namespace aceconv {
 namespace {
 
 class Losses : public ::testing::TestWithParam<Schema> {
@@ -76,4 +76,4 @@ INSTANTIATE_TEST_SUITE_P(Schemas, Losses, ::testing::Values(Schema::base, Schema
                          });
 
 } // namespace
-} // namespace aceconv::tool
+} // namespace aceconv

@@ -2,11 +2,11 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 
-#include "tools/aceconv/errors.h"
-#include "tools/aceconv/sequence_set.h"
-#include "tools/aceconv/source.h"
+#include "stream/errors.h"
+#include "stream/sequence_set.h"
+#include "stream/source.h"
 
-namespace aceconv::tool {
+namespace aceconv {
 namespace {
 
 /// An input that comes in two pieces, then byte by byte after `split`.
@@ -26,9 +26,10 @@ std::string told_by(const std::string &text, std::size_t split) {
     Entry entry;
     try {
         const auto source = make_source(in_pieces(text, split), std::nullopt, std::nullopt);
-        while (source->next(entry))
+        while (source->next(entry)) {
             told += entry.key.acl.value_or("-") + "@" + std::to_string(entry.position.line) + " " +
                     entry.text + "\n";
+        }
     } catch (const DataError &fault) {
         told +=
             "@" + std::to_string(entry.position.line) + " " + fault.path() + ": " + fault.what();
@@ -41,7 +42,7 @@ struct Input {
     const char *told;
 };
 
-const Input kInputs[] = {
+const Input chunk_inputs[] = {
     {R"({"aceconv-um:acls" : {"acl":[{"name":"A\"]\\","entry":[ {"remark":"}]\\\"{"} ,
   {"a":[{"b":{}}]}]},
  {"entry":[{}],"name":"B"} , {"name":"C"}]}})",
@@ -64,10 +65,11 @@ const Input kInputs[] = {
 };
 
 TEST(Source, ChunksMayEndAnywhere) {
-    for (const Input &input : kInputs) {
+    for (const Input &input : chunk_inputs) {
         const std::string text = input.text;
-        for (std::size_t split = 0; split <= text.size(); ++split)
+        for (std::size_t split = 0; split <= text.size(); ++split) {
             ASSERT_EQ(told_by(text, split), input.told) << text << "\nsplit at " << split;
+        }
     }
 }
 
@@ -83,13 +85,16 @@ TEST(SequenceSet, FindsEveryRepetition) {
     // Ascending, with gaps, out of order, and each of them once more.
     const std::uint32_t numbers[] = {10, 20, 30, 40, 41, 42, 100, 35, 5, 4294967295U, 1, 99};
     SequenceSet set;
-    for (const std::uint32_t number : numbers)
+    for (const std::uint32_t number : numbers) {
         EXPECT_TRUE(set.insert(number)) << number;
-    for (const std::uint32_t number : numbers)
+    }
+    for (const std::uint32_t number : numbers) {
         EXPECT_FALSE(set.insert(number)) << number;
-    for (const std::uint32_t number : {11U, 36U, 43U, 98U, 0U})
+    }
+    for (const std::uint32_t number : {11U, 36U, 43U, 98U, 0U}) {
         EXPECT_TRUE(set.insert(number)) << number;
+    }
 }
 
 } // namespace
-} // namespace aceconv::tool
+} // namespace aceconv

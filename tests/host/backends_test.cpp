@@ -4,7 +4,7 @@
 #include <fstream>
 
 #include "aceconv/plugin.h"
-#include "bench/rule.h"
+#include "testing/generator/rule.h"
 #include "tests/host/yang_testing.h"
 
 namespace aceconv::testing {

@@ -173,7 +173,7 @@ TEST(BagCodec, BagDecodeLooksTheTypeUp) {
 TEST(BagCodec, ThreadsConvertAtOnce) {
     static_cast<void>(definition_of(ace));
     std::vector<std::thread> threads;
-    for (unsigned seed = 0; seed < 4; ++seed)
+    for (unsigned seed = 0; seed < 4; ++seed) {
         threads.emplace_back([seed] {
             std::mt19937 random(seed);
             for (int round = 0; round < 200; ++round) {
@@ -186,8 +186,10 @@ TEST(BagCodec, ThreadsConvertAtOnce) {
                           code(aceconv::BagStatus::truncated));
             }
         });
-    for (std::thread &thread : threads)
+    }
+    for (std::thread &thread : threads) {
         thread.join();
+    }
 }
 
 } // namespace

@@ -108,8 +108,9 @@ TEST(BagHostile, HeadsAreRefused) {
         {BagStatus::mismatch, changed(6, 'L')},
         {BagStatus::mismatch, changed(9, good[9] ^ 1)},
     };
-    for (const auto &row : cases)
+    for (const auto &row : cases) {
         EXPECT_EQ(probe<Small>(small, row.bytes), code(row.status));
+    }
     EXPECT_EQ(probe<Small>(small, with_head(ace, {0xA0})), code(BagStatus::mismatch));
     EXPECT_EQ(aceconv::bag_last_error(),
               "the encoding is of type ipv4_acl_config_ace, fingerprint " +
@@ -175,8 +176,9 @@ TEST(BagHostile, ItemLengths) {
         {"BB8000000000000000 00", std::nullopt},
         {"5BFFFFFFFFFFFFFFFF 00", std::nullopt},
     };
-    for (const auto &row : cases)
+    for (const auto &row : cases) {
         EXPECT_EQ(aceconv::cbor_item_length(from_hex(row.bytes)), row.length) << row.bytes;
+    }
 }
 
 } // namespace

@@ -16,10 +16,12 @@ thread_local int until_failure = 0; // allocations that succeed
 thread_local int owned = 0;         // blocks taken while armed and not given back
 
 bool granted() {
-    if (!armed)
+    if (!armed) {
         return true;
-    if (until_failure-- == 0)
+    }
+    if (until_failure-- == 0) {
         return false;
+    }
     ++owned;
     return true;
 }
@@ -38,8 +40,9 @@ void *calloc(size_t count, size_t size) {
     return granted() ? __libc_calloc(count, size) : nullptr;
 }
 void *realloc(void *block, size_t size) {
-    if (!granted())
+    if (!granted()) {
         return nullptr;
+    }
     give_back(block);
     return __libc_realloc(block, size);
 }
@@ -62,8 +65,9 @@ int sweep(Call call) {
         armed = true;
         const std::uint32_t status = call();
         armed = false;
-        if (status == 0)
+        if (status == 0) {
             return n;
+        }
         EXPECT_EQ(status, code(aceconv::BagStatus::no_memory));
         EXPECT_EQ(owned, 0) << "at allocation " << n;
     }
@@ -74,8 +78,9 @@ TEST(BagMemory, EveryAllocationFailsOnce) {
     const Bytes bytes = with_head(small, [] {
         Bytes map = from_hex("A3 05 61 74 07 82 A0 A1 01 791388");
         map.resize(map.size() + 5000, 'x');
-        for (const std::uint8_t byte : from_hex("08 A1 01 61 79"))
+        for (const std::uint8_t byte : from_hex("08 A1 01 61 79")) {
             map.push_back(byte);
+        }
         return map;
     }());
     bag_definition *const definition = definition_of(small);

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "aceconv/ace_record.h"
-#include "host/bag/bag_library.h"
+#include "host/bag_library.h"
 
 namespace bag_testing {
 
@@ -111,8 +111,9 @@ inline Bytes encode(const bag_descriptor &descriptor, const void *record,
         bag_encode_v3(&encoded, &length, record, definition_of(descriptor), 1);
     EXPECT_EQ(result == 0, encoded != nullptr);
     EXPECT_TRUE(status != nullptr || result == 0) << aceconv::bag_last_error();
-    if (status != nullptr)
+    if (status != nullptr) {
         *status = result;
+    }
     const Bytes bytes(encoded, encoded + length);
     std::free(encoded);
     return bytes;
@@ -149,10 +150,12 @@ std::uint32_t probe(const bag_descriptor &descriptor, const Bytes &bytes) {
 
 inline Bytes from_hex(std::string_view text) {
     Bytes bytes;
-    for (std::size_t i = 0; i < text.size(); i += text[i] == ' ' ? 1 : 2)
-        if (text[i] != ' ')
+    for (std::size_t i = 0; i < text.size(); i += text[i] == ' ' ? 1 : 2) {
+        if (text[i] != ' ') {
             bytes.push_back(
                 static_cast<std::uint8_t>(std::stoul(std::string(text.substr(i, 2)), nullptr, 16)));
+        }
+    }
     return bytes;
 }
 
@@ -178,8 +181,9 @@ inline ipv4_acl_config_ace random_ace(std::mt19937 &random) {
     ipv4_acl_config_ace record{};
     for (const aceconv::BagMember &member : members) {
         auto *const field = reinterpret_cast<std::uint8_t *>(&record) + member.offset;
-        if (below(2) == 0)
+        if (below(2) == 0) {
             continue;
+        }
         if (member.type == "s") {
             char *const text = strdup(texts[below(5)]);
             std::memcpy(field, &text, sizeof text);
@@ -195,8 +199,9 @@ inline ipv4_acl_config_ace random_ace(std::mt19937 &random) {
             }
         } else {
             const std::size_t bytes = 1 + below(static_cast<std::uint32_t>(member.width));
-            for (std::size_t i = 0; i < bytes; ++i)
+            for (std::size_t i = 0; i < bytes; ++i) {
                 field[i] = static_cast<std::uint8_t>(below(256));
+            }
         }
     }
     return record;

@@ -4,7 +4,7 @@
 
 #include "aceconv/host/bounded_append.h"
 #include "aceconv/host/debug.h"
-#include "host/debug/debug_control.h"
+#include "host/debug_control.h"
 
 namespace {
 
@@ -14,8 +14,9 @@ std::string trace(const char *function, const char *argument) {
     const ipv4_acl_debug_event *event = ipv4_acl_debug_get_dll_event_type(2);
     if (event->enabled != 0 &&
         (*ipv4_acl_get_dll_func_regexec() == 0 ||
-         regexec(*ipv4_acl_get_dll_func_regexp(), function, 0, nullptr, 0) == 0))
+         regexec(*ipv4_acl_get_dll_func_regexp(), function, 0, nullptr, 0) == 0)) {
         buginf(event, 0, 1, "%s: unit %s, rc=%d.", function, argument, -844595200);
+    }
     return testing::internal::GetCapturedStderr();
 }
 
@@ -35,8 +36,9 @@ TEST(Debug, TraceIsSwitchedAndFiltered) {
     EXPECT_NE(trace("acl_yang_police2", "pps"), "");
     aceconv::disable_trace();
     EXPECT_EQ(trace(police, "pps"), "");
-    for (const uint32_t other : {0U, 1U, 3U, UINT32_MAX})
+    for (const uint32_t other : {0U, 1U, 3U, UINT32_MAX}) {
         EXPECT_EQ(ipv4_acl_debug_get_dll_event_type(other), nullptr);
+    }
 }
 
 TEST(Debug, LineStaysOneLine) {

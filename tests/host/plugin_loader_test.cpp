@@ -1,8 +1,8 @@
 #include <fstream>
 #include <gtest/gtest.h>
 
-#include "host/bag/bag_library.h"
-#include "host/plugin.h"
+#include "host/bag_library.h"
+#include "host/plugin_loader.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <tuple>
 
 #include "aceconv/keywords.h"
-#include "host/yang/modules.h"
+#include "host/schema/modules.h"
 
 namespace aceconv::testing {
 namespace {

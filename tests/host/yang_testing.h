@@ -5,9 +5,9 @@
 
 #include <string>
 
+#include "host/entry.h"
 #include "host/error.h"
-#include "host/yang/backend.h"
-#include "host/yang/entry.h"
+#include "host/platform/backend.h"
 
 namespace aceconv::testing {
 

@@ -8,7 +8,7 @@
 #include <sstream>
 
 #include "aceconv/keywords.h"
-#include "host/yang/modules.h"
+#include "host/schema/modules.h"
 
 namespace aceconv::testing {
 namespace {

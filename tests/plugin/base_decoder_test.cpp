@@ -107,7 +107,7 @@ std::string expected(uint64_t mask) {
     return text;
 }
 
-TEST(ExhaustiveBaseDecoder, presence_bits_alone_in_pairs_and_at_random) {
+TEST(ExhaustiveBaseDecoder, PresenceBitsAloneInPairsAndAtRandom) {
     Given given = parse_record(full_record);
     std::vector<uint64_t> masks = {0, ~uint64_t{0}};
     for (unsigned a = 0; a < 64; ++a) {
@@ -135,7 +135,7 @@ struct ValueCase {
     const char *token; // the only thing beside the empty containers, or ""
 };
 
-TEST(BaseDecoder, values) {
+TEST(BaseDecoder, Values) {
     const ValueCase cases[] = {
         {"grant=2 | 0", "e:grant=#2"},
         {"proto_oper=0 | 53", "e:protocol-operator=#0"},
@@ -169,7 +169,7 @@ TEST(BaseDecoder, values) {
     }
 }
 
-TEST(BothDecoders, order_of_calls_and_failures) {
+TEST(BothDecoders, OrderOfCallsAndFailures) {
     struct {
         const char *failing;
         bool handle;
@@ -199,7 +199,7 @@ TEST(BothDecoders, order_of_calls_and_failures) {
     }
 }
 
-TEST(BaseDecoder, every_leaf_of_an_entry) {
+TEST(BaseDecoder, EveryLeafOfAnEntry) {
     Host host;
     EXPECT_EQ(host.decode(Schema::base, base_entry().record), 0U);
     size_t leaves = 0;

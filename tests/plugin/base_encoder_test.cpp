@@ -8,7 +8,7 @@ namespace {
 
 constexpr uint32_t unknown_leaf = 0x46B08400;
 
-TEST(BaseEncoder, each_leaf) {
+TEST(BaseEncoder, EachLeaf) {
     for (const Row &row : base_leaves) {
         Host host;
         EXPECT_EQ(host.encode(Schema::base, row.tree), 0U) << row.tree;
@@ -16,7 +16,7 @@ TEST(BaseEncoder, each_leaf) {
     }
 }
 
-TEST(BaseEncoder, all_leaves_in_one_record) {
+TEST(BaseEncoder, AllLeavesInOneRecord) {
     Host host;
     EXPECT_EQ(host.encode(Schema::base, base_entry().tree), 0U);
     EXPECT_EQ(host.encoded, canonical(base_entry().record));
@@ -24,7 +24,7 @@ TEST(BaseEncoder, all_leaves_in_one_record) {
     EXPECT_TRUE(host.faults.empty()) << host.faults.front();
 }
 
-TEST(BaseEncoder, special_values) {
+TEST(BaseEncoder, SpecialValues) {
     const Row rows[] = {
         {"", "|"},
         {"sequence-number=5 sequence-number=6", "|"},
@@ -67,7 +67,7 @@ TEST(BaseEncoder, special_values) {
     }
 }
 
-TEST(BaseEncoder, unknown_names_at_every_level) {
+TEST(BaseEncoder, UnknownNamesAtEveryLevel) {
     const char *trees[] = {
         "unknown",
         "Grant=permit",
@@ -99,7 +99,7 @@ TEST(BaseEncoder, unknown_names_at_every_level) {
     }
 }
 
-TEST(BaseEncoder, order_of_calls) {
+TEST(BaseEncoder, OrderOfCalls) {
     Host host;
     host.stored = "|";
     ASSERT_EQ(host.encode(Schema::base, "grant=permit icmp-off dscp{dscp-min=1} sequence-number=1 "
@@ -123,7 +123,7 @@ struct FailureCase {
 
 // After a failure every enclosing level takes its own step, and no later node is
 // looked at.
-TEST(BaseEncoder, what_follows_a_failure) {
+TEST(BaseEncoder, WhatFollowsAFailure) {
     const std::string nested =
         "next-hop{next-hop-1{vrf-name=a track-name=b} next-hop-2{} } remark=c";
     const FailureCase cases[] = {
@@ -182,7 +182,7 @@ struct StoredCase {
     const char *record;
 };
 
-TEST(BaseEncoder, keeps_user_defined_fields_of_the_stored_entry) {
+TEST(BaseEncoder, KeepsUserDefinedFieldsOfTheStoredEntry) {
     const StoredCase cases[] = {
         {"UDF=a:1:2,b:3:4,c:5:6 | 2:0-2 2:8-10 2:16-18", "grant=permit",
          "grant=1 UDF=a:1:2,b:3:4,c:5:6 | 0 2:0-2 2:8-10 2:16-18"},
@@ -204,7 +204,7 @@ TEST(BaseEncoder, keeps_user_defined_fields_of_the_stored_entry) {
     }
 }
 
-TEST(BaseEncoder, stored_entry_that_cannot_be_decoded_is_ignored) {
+TEST(BaseEncoder, StoredEntryThatCannotBeDecodedIsIgnored) {
     Host host;
     host.stored = "UDF=a:1:2 | 2:0 2:8 2:16";
     host.failures = {{"stored"}};
@@ -219,7 +219,7 @@ TEST(BaseEncoder, stored_entry_that_cannot_be_decoded_is_ignored) {
     EXPECT_TRUE(host.faults.empty());
 }
 
-TEST(BothEncoders, every_pass_of_the_iterator_fills_the_same_record) {
+TEST(BothEncoders, EveryPassOfTheIteratorFillsTheSameRecord) {
     for (const Schema schema : {Schema::base, Schema::um}) {
         for (const int passes : {0, 1, 3}) {
             Host host;
@@ -233,7 +233,7 @@ TEST(BothEncoders, every_pass_of_the_iterator_fills_the_same_record) {
 }
 
 // A level may end with a null node, with is_finished, or both.
-TEST(BothEncoders, every_way_a_level_ends) {
+TEST(BothEncoders, EveryWayALevelEnds) {
     for (const Ending ending : {Ending::both, Ending::null_node, Ending::finished}) {
         Host host;
         host.ending = ending;
@@ -247,7 +247,7 @@ TEST(BothEncoders, every_way_a_level_ends) {
 }
 
 // The first reading of a string stays the record's until it is released.
-TEST(BothEncoders, second_reading_of_a_string_fails) {
+TEST(BothEncoders, SecondReadingOfAStringFails) {
     const std::pair<Schema, const char *> trees[] = {
         {Schema::base, "remark=a remark=b"},
         {Schema::base, "next-hop{next-hop-1{vrf-name=a vrf-name=b}}"},

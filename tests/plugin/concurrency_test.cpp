@@ -45,7 +45,7 @@ void convert(unsigned seed, std::atomic<int> &wrong) {
     }
 }
 
-TEST(Concurrency, threads_of_every_converter) {
+TEST(Concurrency, ThreadsOfEveryConverter) {
     std::atomic<int> wrong = 0;
     std::vector<std::thread> threads;
     for (unsigned seed = 0; seed < 5; ++seed) {

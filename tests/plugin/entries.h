@@ -1,7 +1,6 @@
 // What each leaf of the two schemas does to a record, one leaf a row, and the
 // entries that the rows add up to.
-#ifndef ACECONV_TESTS_PLUGIN_ENTRIES_H
-#define ACECONV_TESTS_PLUGIN_ENTRIES_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -34,5 +33,3 @@ extern const char *const um_typical_emitted;
 extern const char *const full_record;
 
 } // namespace aceconv::test
-
-#endif

@@ -63,7 +63,7 @@ void sweep(const char *what, Convert convert) {
     }
 }
 
-TEST(FaultSweep, encoders) {
+TEST(FaultSweep, Encoders) {
     const char *stored = "UDF=a:1:2,b:3:4 remark='r' vrf1='v' | 2:0-1 2:8-9 2:16-17 31 39";
     const std::string base = base_entry().tree;
     const std::string um = um_entry().tree + " ";
@@ -92,7 +92,7 @@ TEST(FaultSweep, encoders) {
     }
 }
 
-TEST(FaultSweep, decoders) {
+TEST(FaultSweep, Decoders) {
     for (const Schema schema : {Schema::base, Schema::um}) {
         for (const std::string &record :
              {std::string("|"), um_typical.record, base_entry().record, um_entry().record}) {
@@ -101,7 +101,7 @@ TEST(FaultSweep, decoders) {
     }
 }
 
-TEST(FaultSweep, emitters) {
+TEST(FaultSweep, Emitters) {
     using Status = uint32_t (*)(ccv_yang_output *, Record);
     using Silent = void (*)(ccv_yang_output *, Record);
     const Silent silent[] = {
@@ -121,7 +121,7 @@ TEST(FaultSweep, emitters) {
 
 // A name test that fails is no match, so that an entry may lose leaves; which
 // status that gives is told in fault_test.cpp. Nothing may leak or break.
-TEST(FaultSweep, name_tests) {
+TEST(FaultSweep, NameTests) {
     for (const std::string &tree : {um_entry().tree, std::string(um_lists)}) {
         for (const bool persistent : {false, true}) {
             for (int skip = 0;; ++skip) {

@@ -93,7 +93,7 @@ const Case cases[] = {
      "police{ s:unit='gbps' }"},
 };
 
-TEST(Faults, one_failing_call) {
+TEST(Faults, OneFailingCall) {
     for (const Case &test : cases) {
         Host host;
         host.event = Event::on;
@@ -113,7 +113,7 @@ TEST(Faults, one_failing_call) {
 }
 
 // A second list whose elements find no room must not cost the first its own.
-TEST(Faults, second_list_without_memory) {
+TEST(Faults, SecondListWithoutMemory) {
     for (int skip = 0; skip < 4; ++skip) {
         for (const char *call : {"calloc", "realloc", "malloc"}) {
             Host host;
@@ -128,7 +128,7 @@ TEST(Faults, second_list_without_memory) {
 }
 
 // The checks of these tests can fail: blocks kept and blocks released twice show.
-TEST(Faults, accounting_sees_leaks_and_second_releases) {
+TEST(Faults, AccountingSeesLeaksAndSecondReleases) {
     Host host;
     void *block = host.allocate(8);
     EXPECT_EQ(host.leaks(), 1U);
@@ -139,7 +139,7 @@ TEST(Faults, accounting_sees_leaks_and_second_releases) {
 }
 
 // The table of TCP flags can produce neither of these.
-TEST(Faults, flag_text_of_other_tables) {
+TEST(Faults, FlagTextOfOtherTables) {
     const Host host; // supplies the bounded append
     const std::string long_name(2077, 'x');
     const std::string too_long(2079, 'x');

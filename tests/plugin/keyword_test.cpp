@@ -105,7 +105,7 @@ const std::map<std::string, Table> tables = {
       "434 MobileIP;500 ISAKMP;520 RIP;3784 BFD;"}},
 };
 
-TEST(Keywords, rows_in_stored_order) {
+TEST(Keywords, RowsInStoredOrder) {
     for (const auto &[name, table] : tables) {
         std::string text;
         const ccv_yang_keyword *row = table.rows;
@@ -230,7 +230,7 @@ std::string filled(const char *pattern, uint32_t value, const std::string &name)
     return text;
 }
 
-TEST(Keywords, every_row_through_the_converters) {
+TEST(Keywords, EveryRowThroughTheConverters) {
     for (const Use &use : uses) {
         for (const auto &[value, name] : rows_of(use.table)) {
             Host host;
@@ -245,7 +245,7 @@ TEST(Keywords, every_row_through_the_converters) {
     }
 }
 
-TEST(Keywords, other_schemas_names_are_refused) {
+TEST(Keywords, OtherSchemasNamesAreRefused) {
     const std::pair<Schema, const char *> trees[] = {
         {Schema::base, "protocol=ipinip"},
         {Schema::base, "precedence=Critical"},
@@ -262,7 +262,7 @@ TEST(Keywords, other_schemas_names_are_refused) {
 }
 
 // Every number both ways, with its name where it has one.
-TEST(Exhaustive, port_and_protocol_numbers) {
+TEST(Exhaustive, PortAndProtocolNumbers) {
     std::map<uint32_t, std::string> ports;
     std::map<uint32_t, std::string> protocols;
     for (const auto &[value, name] : rows_of("port_um")) {

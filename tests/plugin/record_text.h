@@ -3,8 +3,7 @@
 // Members that are not zero, then the presence bits; "2:n" is bit n of
 // ConfigurationMask2 and "4-6" a run of bits. UDF elements are
 // "UDF=name:value:mask,..." in hexadecimal. Padding that is not zero shows.
-#ifndef ACECONV_TESTS_PLUGIN_RECORD_TEXT_H
-#define ACECONV_TESTS_PLUGIN_RECORD_TEXT_H
+#pragma once
 
 #include <cstdint>
 #include <list>
@@ -42,5 +41,3 @@ std::string address_text(uint32_t address);
 uint32_t parse_address(const std::string &text, bool &valid);
 
 } // namespace aceconv::test
-
-#endif

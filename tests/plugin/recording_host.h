@@ -12,8 +12,7 @@
 // emitted: "permit{ ! e:grant=deny } udf[ udf( ) ] s:remark='x'", where "!" is a
 // presence mark and the letters are e enum, E enum or number, b bits, u uint32,
 // B bool, a ipv4, s string, _ empty; "#9" is a value without a row.
-#ifndef ACECONV_TESTS_PLUGIN_RECORDING_HOST_H
-#define ACECONV_TESTS_PLUGIN_RECORDING_HOST_H
+#pragma once
 
 #include <cstdint>
 #include <regex.h>
@@ -149,5 +148,3 @@ struct Call {
 };
 
 } // namespace aceconv::test
-
-#endif

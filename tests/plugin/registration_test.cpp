@@ -17,7 +17,7 @@ struct RegistrationCase {
     const char *calls;
 };
 
-TEST(Registration, calls_and_status) {
+TEST(Registration, CallsAndStatus) {
     const RegistrationCase cases[] = {
         {{}, 0, "start register end"},
         {{{"start", 0, 11}, {"abort", 0, 44}}, 11, "start"},
@@ -41,7 +41,7 @@ Word word_at(const void *base, size_t offset) {
     return word;
 }
 
-TEST(Descriptor, words) {
+TEST(Descriptor, Words) {
     const void *bag = ipv4_acl_config_ace_bag_getfn();
     EXPECT_EQ(sizeof(bag_descriptor), 56U);
     EXPECT_EQ(word_at<uint64_t>(bag, 0), 1U);
@@ -82,7 +82,7 @@ const LayoutCase layout_rows[] = {
     {13, 16, {0, 4, 8, 12}},
 };
 
-TEST(Descriptor, layout_table) {
+TEST(Descriptor, LayoutTable) {
     const char *row = word_at<const char *>(ipv4_acl_config_ace_bag_getfn(), 32);
     EXPECT_EQ(layout_rows[0].offsets.size(), 66U);
     for (const LayoutCase &expected : layout_rows) {
@@ -111,7 +111,7 @@ std::string permissions(const void *address) {
     return "unmapped";
 }
 
-TEST(Descriptor, constant_data_is_read_only) {
+TEST(Descriptor, ConstantDataIsReadOnly) {
     const bag_descriptor *bag = ipv4_acl_config_ace_bag_getfn();
     std::vector<const void *> places = {
         bag,          bag->type_name,        bag->library_name,

@@ -13,7 +13,7 @@ struct ControlCase {
     const char *calls; // of the trace
 };
 
-TEST(Trace, controls) {
+TEST(Trace, Controls) {
     const ControlCase cases[] = {
         {Event::none, nullptr, "event2"},
         {Event::low, nullptr, "event2"},
@@ -37,7 +37,7 @@ TEST(Trace, controls) {
     }
 }
 
-TEST(Trace, controls_are_read_afresh_and_per_function) {
+TEST(Trace, ControlsAreReadAfreshAndPerFunction) {
     Host host;
     host.event = Event::on;
     EXPECT_EQ(host.encode(Schema::um, "other"), 0x46B08400U);
@@ -141,7 +141,7 @@ const LineCase lines[] = {
     {"permit{tcp-flags{match-all{tcp-bits=+syn}}}", 0xF001, {}, {{"get_string"}}},
 };
 
-TEST(Trace, lines) {
+TEST(Trace, Lines) {
     for (const LineCase &test : lines) {
         Host host;
         host.event = Event::on;
@@ -157,7 +157,7 @@ TEST(Trace, lines) {
     }
 }
 
-TEST(Trace, written_before_the_record_is_released) {
+TEST(Trace, WrittenBeforeTheRecordIsReleased) {
     Host host;
     host.event = Event::on;
     host.failures = {{"encode"}};
@@ -166,7 +166,7 @@ TEST(Trace, written_before_the_record_is_released) {
         << host.called();
 }
 
-TEST(Trace, base_converters_write_none) {
+TEST(Trace, BaseConvertersWriteNone) {
     Host host;
     host.event = Event::on;
     EXPECT_NE(host.encode(Schema::base, "other"), 0U);

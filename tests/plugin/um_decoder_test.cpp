@@ -8,7 +8,7 @@
 namespace aceconv::test {
 namespace {
 
-TEST(UmDecoder, one_request_there_and_back) {
+TEST(UmDecoder, OneRequestThereAndBack) {
     Host host;
     ASSERT_EQ(host.encode(Schema::um, um_typical.tree), 0U);
     EXPECT_EQ(host.encoded, canonical(um_typical.record));
@@ -25,7 +25,7 @@ struct Case {
 
 const char *const any_any = "source{ any{ ! } } destination{ any{ ! } }";
 
-TEST(UmDecoder, action_options_and_remark) {
+TEST(UmDecoder, ActionOptionsAndRemark) {
     const Case cases[] = {
         {"|", ""},
         {"grant=1 remark='r' | 31", "s:remark='r'"},
@@ -223,7 +223,7 @@ std::string expected(const Mask &mask, bool permit) {
     return text;
 }
 
-TEST(ExhaustiveUmDecoder, presence_bits_alone_in_pairs_and_at_random) {
+TEST(ExhaustiveUmDecoder, PresenceBitsAloneInPairsAndAtRandom) {
     std::vector<Mask> masks = {{~uint64_t{0}, ~uint64_t{0}}};
     for (unsigned a = 0; a < 128; ++a) {
         for (unsigned b = a; b < 128; ++b) {
@@ -289,7 +289,7 @@ std::string operation(const Group &group, unsigned code, bool second) {
     return code >= 1 && code <= 4 ? leaf(group.first, names[code]) : "";
 }
 
-TEST(ExhaustiveUmDecoder, every_operator_code_of_every_group) {
+TEST(ExhaustiveUmDecoder, EveryOperatorCodeOfEveryGroup) {
     for (const Group &group : groups) {
         for (unsigned variant = 0; variant < 256 * 8; ++variant) {
             const bool code_set = (variant & 1) != 0;
@@ -319,7 +319,7 @@ TEST(ExhaustiveUmDecoder, every_operator_code_of_every_group) {
     }
 }
 
-TEST(ExhaustiveUmDecoder, every_protocol_operator_code) {
+TEST(ExhaustiveUmDecoder, EveryProtocolOperatorCode) {
     for (unsigned code = 0; code < 256; ++code) {
         Host host;
         host.emit(acl_yang_protocol_common,

@@ -32,7 +32,7 @@ void expect(Emitter emitter, const Case (&cases)[N], const char *name) {
         expect(emitter, cases, #emitter);                                                          \
     } while (false)
 
-TEST(UmEmitters, protocol_and_next_hops) {
+TEST(UmEmitters, ProtocolAndNextHops) {
     EXPECT_EMITTED(acl_yang_protocol_common,
                    {{"grant=1 | 0", ""},
                     {"protocol=46 | 1", "E:protocol=rsvp"},
@@ -55,7 +55,7 @@ TEST(UmEmitters, protocol_and_next_hops) {
                     {"log=0 | 13", ""}});
 }
 
-TEST(UmEmitters, addresses) {
+TEST(UmEmitters, Addresses) {
     EXPECT_EMITTED(
         acl_yang_source_addr,
         {{"| 7 8 9 10 48 50", "any{ ! }"},
@@ -84,7 +84,7 @@ TEST(UmEmitters, addresses) {
           "s:port-group='p' port{ range{ E:start-value=Echo E:end-value=8 } }"}});
 }
 
-TEST(UmEmitters, match_groups) {
+TEST(UmEmitters, MatchGroups) {
     EXPECT_EMITTED(
         acl_yang_icmp,
         {{"icmp_type_code=0x30001 |", ""},
@@ -119,7 +119,7 @@ TEST(UmEmitters, match_groups) {
                      "range{ u:start-value=1 u:end-value=65535 }"}});
 }
 
-TEST(UmEmitters, tcp_flags) {
+TEST(UmEmitters, TcpFlags) {
     EXPECT_EMITTED(
         acl_yang_tcp_flags,
         {{"tcpflagsopr=1 tcpflags_mask=1 | 22", ""},
@@ -147,7 +147,7 @@ struct RoomCase {
 
 // "+fin +syn": appends are sign, name, blank, sign, name. A sign or blank wants
 // room for two characters, a name for its own length, of 2079.
-TEST(UmEmitters, flag_text_fills_its_buffer_and_no_more) {
+TEST(UmEmitters, FlagTextFillsItsBufferAndNoMore) {
     const RoomCase cases[] = {{1, 2079 - 8, true}, {1, 2079 - 7, false}, {1, 2079 - 2, false},
                               {2, 2079 - 5, true}, {2, 2079 - 4, false}, {2, 2079 - 1, false},
                               {2, 2079, false},    {3, 2079 - 4, true},  {3, 2079 - 1, false},
@@ -167,7 +167,7 @@ TEST(UmEmitters, flag_text_fills_its_buffer_and_no_more) {
     }
 }
 
-TEST(UmEmitters, user_defined_fields_and_police) {
+TEST(UmEmitters, UserDefinedFieldsAndPolice) {
     EXPECT_EMITTED(acl_yang_udf,
                    {{"| 2:0", "udf[ ]"},
                     {"UDF=a:ff:ffffffff,abcdefghijklmnop:0:100 |",
@@ -188,7 +188,7 @@ TEST(UmEmitters, user_defined_fields_and_police) {
           "police{ s:unit='bps' u:peak-rate=0", unknown_unit}});
 }
 
-TEST(UmEmitters, ace_common) {
+TEST(UmEmitters, AceCommon) {
     EXPECT_EMITTED(
         acl_yang_ace_common,
         {{"| 14 16 18", "source{ any{ ! } } destination{ any{ ! } } icmp{ u:message-type=0 "

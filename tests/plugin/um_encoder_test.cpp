@@ -9,7 +9,7 @@ namespace {
 
 constexpr uint32_t unknown_leaf = 0x46B08400;
 
-TEST(UmEncoder, each_leaf) {
+TEST(UmEncoder, EachLeaf) {
     for (const Row &row : um_leaves) {
         Host host;
         EXPECT_EQ(host.encode(Schema::um, "deny{" + std::string(row.tree) + "}"), 0U) << row.tree;
@@ -17,7 +17,7 @@ TEST(UmEncoder, each_leaf) {
     }
 }
 
-TEST(UmEncoder, all_leaves_in_one_record) {
+TEST(UmEncoder, AllLeavesInOneRecord) {
     for (const char *action : {"deny", "permit"}) {
         Host host;
         host.stored = "UDF=stored:1:2 | 2:0 2:8 2:16"; // is not read
@@ -30,7 +30,7 @@ TEST(UmEncoder, all_leaves_in_one_record) {
     }
 }
 
-TEST(UmEncoder, driver_values) {
+TEST(UmEncoder, DriverValues) {
     const Row rows[] = {
         {"", "|"},
         {"sequence-number=1", "|"},
@@ -74,7 +74,7 @@ TEST(UmEncoder, driver_values) {
     }
 }
 
-TEST(UmEncoder, unknown_names_that_stop) {
+TEST(UmEncoder, UnknownNamesThatStop) {
     const char *trees[] = {
         "other",
         "Permit{}",
@@ -103,7 +103,7 @@ std::string udf_list(int count, std::string &elements) {
     return text + "]";
 }
 
-TEST(UmEncoder, presence_bits_of_user_defined_fields) {
+TEST(UmEncoder, PresenceBitsOfUserDefinedFields) {
     for (int count = 0; count <= 10; ++count) {
         std::string elements;
         const std::string tree = "deny{udf-entries{" + udf_list(count, elements) + "}}";
@@ -119,7 +119,7 @@ TEST(UmEncoder, presence_bits_of_user_defined_fields) {
     }
 }
 
-TEST(UmEncoder, order_of_calls) {
+TEST(UmEncoder, OrderOfCalls) {
     Host host;
     ASSERT_EQ(host.encode(Schema::um,
                           "permit{protocol=tcp source{port{range{start-value=1}} any{}} u{v=1} "
@@ -146,7 +146,7 @@ struct FailureCase {
 
 // After a failure every enclosing level takes its own step, and no later node is
 // looked at.
-TEST(UmEncoder, what_follows_a_failure) {
+TEST(UmEncoder, WhatFollowsAFailure) {
     const FailureCase cases[] = {
         {"remark=a", {"create"}, "create destroy:null release"},
         {"remark=a", {"create"}, "create destroy release", true},

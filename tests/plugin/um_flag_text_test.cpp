@@ -9,7 +9,7 @@ namespace {
 
 constexpr uint32_t no_keyword = 0x4DCB9200;
 
-TEST(StringHelpers, removeChar) {
+TEST(StringHelpers, RemoveChar) {
     struct {
         const char *text;
         char character;
@@ -23,7 +23,7 @@ TEST(StringHelpers, removeChar) {
     }
 }
 
-TEST(StringHelpers, removeNonTcpFlag) {
+TEST(StringHelpers, RemoveNonTcpFlag) {
     const std::pair<const char *, const char *> cases[] = {
         {"+syn -ack ", "+syn"},
         {"-ack", ""},
@@ -56,7 +56,7 @@ struct TextCase {
     const char *record; // beside operator and bit 20
 };
 
-TEST(FlagText, stated_cases) {
+TEST(FlagText, StatedCases) {
     const TextCase cases[] = {
         {"+syn", 0, "tcpflags=2 tcpflags_mask=2 | 21 22"},
         {"+syn -ack", 0, "tcpflags=2 tcpflags_mask=0x12 | 21 22"},
@@ -172,7 +172,7 @@ void check(const std::vector<Word> &words, const char *before, const char *gap, 
         << text;
 }
 
-TEST(ExhaustiveFlagText, up_to_three_words) {
+TEST(ExhaustiveFlagText, UpToThreeWords) {
     std::vector<Word> all;
     for (const char sign : {'\0', '+', '-'}) {
         for (int flag = 0; flag < (sign == '\0' ? 7 : 8); ++flag) {

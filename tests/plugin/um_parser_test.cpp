@@ -19,7 +19,7 @@ void expect_rows(const std::vector<Row> &rows) {
     }
 }
 
-TEST(UmParsers, protocol) {
+TEST(UmParsers, Protocol) {
     expect_rows({
         {"protocol=tcp", "protocol=6 | 1"},
         {"protocol=65542", "protocol=6 | 1"},
@@ -61,7 +61,7 @@ std::string for_destination(std::string text) {
     return text;
 }
 
-TEST(UmParsers, addresses) {
+TEST(UmParsers, Addresses) {
     const Row rows[] = {
         {"source{}", "|"},
         {"source{host=192.0.2.1}", "saddr=192.0.2.1 | 2"},
@@ -101,7 +101,7 @@ TEST(UmParsers, addresses) {
     });
 }
 
-TEST(UmParsers, unknown_leaves_that_stop) {
+TEST(UmParsers, UnknownLeavesThatStop) {
     const char *trees[] = {
         "range{start-protocol=1 other=1}",
         "range{protocol=1}",
@@ -120,7 +120,7 @@ TEST(UmParsers, unknown_leaves_that_stop) {
     }
 }
 
-TEST(UmParsers, icmp) {
+TEST(UmParsers, Icmp) {
     expect_rows({
         {"icmp{}", "|"},
         {"icmp{other=1}", "|"},
@@ -144,7 +144,7 @@ TEST(UmParsers, icmp) {
     });
 }
 
-TEST(UmParsers, operators) {
+TEST(UmParsers, Operators) {
     struct {
         const char *name, *code, *first, *second, *bits[3];
     } const groups[] = {
@@ -198,7 +198,7 @@ TEST(UmParsers, operators) {
     });
 }
 
-TEST(UmParsers, tcp_flag_names) {
+TEST(UmParsers, TcpFlagNames) {
     expect_rows({
         {"tcp-flags{}", "|"},
         {"tcp-flags{tcp-bits='syn ack'}", "tcpflags=0x12 | 21"},
@@ -216,7 +216,7 @@ TEST(UmParsers, tcp_flag_names) {
     });
 }
 
-TEST(UmParsers, user_defined_fields) {
+TEST(UmParsers, UserDefinedFields) {
     const char *two = "| 2:0-1 2:8-9 2:16-17";
     const char *one = "| 2:0 2:8 2:16";
     const auto list = [](const char *entries) {
@@ -255,7 +255,7 @@ struct IndexCase {
 };
 
 // A host whose counts and indexes disagree: nothing is written outside the array.
-TEST(UmParsers, counts_and_indexes_that_disagree) {
+TEST(UmParsers, CountsAndIndexesThatDisagree) {
     constexpr uint32_t no_memory = 0x46B08200;
     constexpr uint32_t no_space = 0xCDCB8000;
     const IndexCase cases[] = {
@@ -282,7 +282,7 @@ TEST(UmParsers, counts_and_indexes_that_disagree) {
     }
 }
 
-TEST(UmParsers, police) {
+TEST(UmParsers, Police) {
     expect_rows({
         {"police{}", "|"},
         {"police{other=1 unknown{value=1}}", "|"},

@@ -3,23 +3,24 @@
 #include <system_error>
 #include <utility>
 
-#include "tools/aceconv/errors.h"
+#include "stream/errors.h"
 
 namespace aceconv::tool {
 namespace {
 
-constexpr std::size_t kBatchEntries = 256;
-constexpr std::size_t kBatchBytes = 64 * 1024;
-constexpr std::size_t kBatchesPerJob = 3;
+constexpr std::size_t batch_entries = 256;
+constexpr std::size_t batch_bytes = 64 * 1024;
+constexpr std::size_t batches_per_job = 3;
 // Loading the modules takes a thread about as long as working on these.
-constexpr std::size_t kBatchesBeforeHelp = 8;
+constexpr std::size_t batches_before_help = 8;
 // What a reused item may keep of what its last entry needed, in bytes.
-constexpr std::size_t kKept = 4096;
+constexpr std::size_t kept_bytes = 4096;
 
 template <class Container>
 void clear(Container &container) {
-    if (container.capacity() > kKept)
+    if (container.capacity() > kept_bytes) {
         container = {};
+    }
     container.clear();
 }
 
@@ -36,7 +37,7 @@ void reset(EntryStream::Item &item) {
 
 EntryStream::EntryStream(Source &source, const CodecSetup &setup, unsigned jobs, Work work)
     : source_(source), setup_(setup), jobs_(jobs), work_(std::move(work)), codec_(setup_),
-      ring_(jobs > 1 ? jobs * kBatchesPerJob : 1) {}
+      ring_(jobs > 1 ? jobs * batches_per_job : 1) {}
 
 EntryStream::~EntryStream() {
     {
@@ -44,17 +45,19 @@ EntryStream::~EntryStream() {
         stop_ = true;
     }
     unworked_.notify_all();
-    for (std::thread &thread : threads_)
+    for (std::thread &thread : threads_) {
         thread.join();
+    }
 }
 
 void EntryStream::fill(Batch &batch) {
     batch.count = 0;
     batch.done = false;
     std::size_t bytes = 0;
-    while (!ended_ && batch.count < kBatchEntries && bytes < kBatchBytes) {
-        if (batch.count == batch.items.size())
+    while (!ended_ && batch.count < batch_entries && bytes < batch_bytes) {
+        if (batch.count == batch.items.size()) {
             batch.items.emplace_back();
+        }
         Item &item = batch.items[batch.count];
         reset(item);
         try {
@@ -79,8 +82,9 @@ void EntryStream::fill(Batch &batch) {
 void EntryStream::work_on(Codec &codec, Batch &batch) const {
     for (std::size_t i = 0; i < batch.count; ++i) {
         Item &item = batch.items[i];
-        if (item.fault)
+        if (item.fault) {
             continue;
+        }
         try {
             work_(codec, item.entry, item.product);
         } catch (...) {
@@ -91,8 +95,9 @@ void EntryStream::work_on(Codec &codec, Batch &batch) const {
 
 /// Works on the next batch that no one has taken; false when there is none.
 bool EntryStream::take_batch(Codec &codec, std::unique_lock<std::mutex> &lock) {
-    if (taken_ == read_)
+    if (taken_ == read_) {
         return false;
+    }
     Batch &mine = batch(taken_++);
     lock.unlock();
     work_on(codec, mine);
@@ -111,13 +116,15 @@ void EntryStream::help() {
         failure = std::current_exception();
     }
     std::unique_lock lock(mutex_);
-    if (failure)
+    if (failure) {
         failure_ = failure;
+    }
     while (codec && !stop_) {
-        if (take_batch(*codec, lock))
+        if (take_batch(*codec, lock)) {
             done_.notify_one();
-        else
+        } else {
             unworked_.wait(lock);
+        }
     }
 }
 
@@ -134,8 +141,9 @@ void EntryStream::read_ahead(std::unique_lock<std::mutex> &lock) {
         Batch &next = batch(read_);
         lock.unlock(); // no other thread looks at a batch before it counts as read
         fill(next);
-        if (read_ >= kBatchesBeforeHelp && threads_.size() + 1 < jobs_)
+        if (read_ >= batches_before_help && threads_.size() + 1 < jobs_) {
             start_thread();
+        }
         lock.lock();
         if (next.count != 0) {
             ++read_;
@@ -145,21 +153,27 @@ void EntryStream::read_ahead(std::unique_lock<std::mutex> &lock) {
 }
 
 EntryStream::Item *EntryStream::next() {
-    if (current_ != nullptr && at_ < current_->count)
+    if (current_ != nullptr && at_ < current_->count) {
         return &current_->items[at_++];
+    }
     std::unique_lock lock(mutex_);
-    if (std::exchange(current_, nullptr) != nullptr)
+    if (std::exchange(current_, nullptr) != nullptr) {
         ++given_;
+    }
     for (;;) {
-        if (failure_)
+        if (failure_) {
             std::rethrow_exception(failure_);
+        }
         read_ahead(lock);
-        if (given_ == read_)
+        if (given_ == read_) {
             return nullptr;
-        if (batch(given_).done)
+        }
+        if (batch(given_).done) {
             break;
-        if (!take_batch(codec_, lock))
+        }
+        if (!take_batch(codec_, lock)) {
             done_.wait(lock);
+        }
     }
     current_ = &batch(given_);
     at_ = 1;

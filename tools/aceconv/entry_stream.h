@@ -11,9 +11,9 @@
 #include <thread>
 #include <vector>
 
-#include "tools/aceconv/changes.h"
-#include "tools/aceconv/codec.h"
-#include "tools/aceconv/source.h"
+#include "compare/changes.h"
+#include "stream/codec.h"
+#include "stream/source.h"
 
 namespace aceconv::tool {
 

@@ -2,17 +2,18 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 
-#include "host/bag/bag_library.h"
-#include "tools/aceconv/errors.h"
+#include "host/bag_library.h"
+#include "stream/errors.h"
+#include "stream/output.h"
 #include "tools/aceconv/options.h"
-#include "tools/aceconv/output.h"
 #include "tools/aceconv/report.h"
 
 namespace {
 
+using namespace aceconv;
 using namespace aceconv::tool;
 
-constexpr const char *kFooter =
+constexpr const char *footer_text =
     "Formats: json (a document, or entries as objects), ndjson (an entry a line), xml, and cbor,\n"
     "a sequence of encodings. Input is recognised from its first bytes.\n"
     "Exit codes: 0 done, 1 bad data or a difference, 2 usage, 3 input or output failed.";
@@ -32,7 +33,7 @@ int show_version(const CommonOptions &options) {
 int run(int argc, char **argv) {
     CLI::App app("Converts IPv4 access-list entries between YANG data and encoded records.",
                  "aceconv");
-    app.footer(kFooter);
+    app.footer(footer_text);
     app.require_subcommand(0, 1);
     CommonOptions options;
     bool version = false;
@@ -47,10 +48,12 @@ int run(int argc, char **argv) {
     add_diff(app, status);
     try {
         app.parse(argc, argv);
-        if (version)
+        if (version) {
             return show_version(options);
-        if (app.get_subcommands().empty())
+        }
+        if (app.get_subcommands().empty()) {
             throw UsageError("a verb is expected: encode, decode, inspect, convert, check or diff");
+        }
         return status;
     } catch (const CLI::Success &help) {
         return app.exit(help);

@@ -4,24 +4,24 @@
 #include <map>
 #include <stdexcept>
 
-#include "host/debug/debug_control.h"
-#include "tools/aceconv/errors.h"
+#include "host/debug_control.h"
+#include "stream/errors.h"
 
 namespace aceconv::tool {
 namespace {
 
-const std::map<std::string, InputFormat> kInputFormats = {{"json", InputFormat::json},
-                                                          {"ndjson", InputFormat::ndjson},
-                                                          {"xml", InputFormat::xml},
-                                                          {"cbor", InputFormat::cbor}};
-const std::map<std::string, OutputFormat> kOutputFormats = {
+const std::map<std::string, InputFormat> input_format_names = {{"json", InputFormat::json},
+                                                               {"ndjson", InputFormat::ndjson},
+                                                               {"xml", InputFormat::xml},
+                                                               {"cbor", InputFormat::cbor}};
+const std::map<std::string, OutputFormat> output_format_names = {
     {"json", OutputFormat::json}, {"xml", OutputFormat::xml}, {"ndjson", OutputFormat::ndjson}};
-const std::map<std::string, Backend> kBackends = {{"bulk", Backend::bulk},
-                                                  {"validating", Backend::validating}};
-const std::map<std::string, Schema> kSchemas = {{"base", Schema::base}, {"um", Schema::um}};
+const std::map<std::string, Backend> backend_names = {{"bulk", Backend::bulk},
+                                                      {"validating", Backend::validating}};
+const std::map<std::string, Schema> schema_names = {{"base", Schema::base}, {"um", Schema::um}};
 
-constexpr unsigned kMostJobs = 256;
-constexpr const char *kAnyFunction = "."; // matches every name
+constexpr unsigned most_jobs = 256;
+constexpr const char *any_function = "."; // matches every name
 
 /// The folder above the one that the program is in.
 std::filesystem::path prefix() {
@@ -43,11 +43,11 @@ void add_common(CLI::App &verb, CommonOptions &options) {
     verb.add_option("--backend", options.backend,
                     "How JSON is read and written: bulk (fast) or validating (libyang); both "
                     "accept the same")
-        ->transform(CLI::CheckedTransformer(kBackends, CLI::ignore_case))
+        ->transform(CLI::CheckedTransformer(backend_names, CLI::ignore_case))
         ->type_name("NAME");
     verb.add_option("-j,--jobs", options.jobs,
                     "How many threads convert; by default as many as there are cores")
-        ->check(CLI::Range(1U, kMostJobs))
+        ->check(CLI::Range(1U, most_jobs))
         ->type_name("N");
     auto *quiet = verb.add_flag("-q,--quiet", options.quiet,
                                 "Say nothing but errors: no losses, progress and summary");
@@ -66,7 +66,7 @@ CLI::Option *add_schema(CLI::App &verb, const char *name, std::optional<Schema> 
                         const char *help) {
     return verb
         .add_option_function<std::string>(
-            name, [&schema](const std::string &text) { schema = kSchemas.at(text); }, help)
+            name, [&schema](const std::string &text) { schema = schema_names.at(text); }, help)
         ->check(CLI::IsMember({"base", "um"}))
         ->type_name("SCHEMA");
 }
@@ -75,12 +75,13 @@ void add_input(CLI::App &verb, InputOptions &options, const char *schema_help) {
     verb.add_option("INPUT", options.path, "The file to read; - is standard input, the default");
     verb.add_option_function<std::string>(
             "--from-format,--input",
-            [&options](const std::string &text) { options.format = kInputFormats.at(text); },
+            [&options](const std::string &text) { options.format = input_format_names.at(text); },
             "The input's format, when it is not to be recognised from the data")
         ->check(CLI::IsMember({"json", "ndjson", "xml", "cbor"}))
         ->type_name("FORMAT");
-    if (schema_help != nullptr)
+    if (schema_help != nullptr) {
         add_schema(verb, "--schema", options.schema, schema_help);
+    }
 }
 
 void add_output(CLI::App &verb, std::string &path) {
@@ -90,7 +91,7 @@ void add_output(CLI::App &verb, std::string &path) {
 
 void add_output_format(CLI::App &verb, const char *name, OutputFormat &format) {
     verb.add_option_function<std::string>(
-            name, [&format](const std::string &text) { format = kOutputFormats.at(text); },
+            name, [&format](const std::string &text) { format = output_format_names.at(text); },
             "The format to write; json, a document, by default")
         ->check(CLI::IsMember({"json", "xml", "ndjson"}))
         ->type_name("FORMAT");
@@ -106,8 +107,9 @@ Plugin find_plugin(const CommonOptions &options) {
 }
 
 std::filesystem::path find_modules(const CommonOptions &options) {
-    if (!options.modules.empty())
+    if (!options.modules.empty()) {
         return options.modules;
+    }
     const std::filesystem::path installed = prefix() / "share" / "aceconv" / "yang";
     std::error_code none;
     return std::filesystem::is_directory(installed, none)
@@ -118,7 +120,7 @@ std::filesystem::path find_modules(const CommonOptions &options) {
 CodecSetup start(const CommonOptions &options) {
     if (!options.trace.empty()) {
         try {
-            enable_trace(options.trace == kAnyFunction ? std::nullopt
+            enable_trace(options.trace == any_function ? std::nullopt
                                                        : std::optional(options.trace));
         } catch (const std::invalid_argument &e) {
             throw UsageError("--trace: " + std::string(e.what()));

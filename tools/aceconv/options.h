@@ -8,9 +8,9 @@
 #include <string>
 #include <thread>
 
-#include "tools/aceconv/codec.h"
-#include "tools/aceconv/sink.h"
-#include "tools/aceconv/source.h"
+#include "stream/codec.h"
+#include "stream/sink.h"
+#include "stream/source.h"
 
 namespace CLI {
 class App;

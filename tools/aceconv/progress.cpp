@@ -8,7 +8,7 @@
 namespace aceconv::tool {
 namespace {
 
-constexpr std::chrono::milliseconds kPause{200}; // between two states of the line
+constexpr std::chrono::milliseconds pause_between{200}; // between two states of the line
 
 std::string counted(std::uint64_t count, const char *one, const char *more) {
     return std::to_string(count) + " " + (count == 1 ? one : more);
@@ -26,9 +26,10 @@ std::string entries_and_rate(std::uint64_t entries, double seconds, const char *
 std::string summary(const Tally &tally, double seconds) {
     std::string text = counted(tally.entries, "entry", "entries") + ", " +
                        counted(tally.errors, "error", "errors");
-    if (tally.losses != 0)
+    if (tally.losses != 0) {
         text += ", " + counted(tally.losses, "loss", "losses") + " in " +
                 counted(tally.entries_with_losses, "entry", "entries");
+    }
     char time[32];
     std::snprintf(time, sizeof time, "; %.2f s", seconds);
     return text + time + entries_and_rate(tally.entries, seconds, ", ");
@@ -40,9 +41,10 @@ double Progress::seconds() const {
 
 void Progress::show(std::uint64_t entries) {
     const auto now = Clock::now();
-    if (now < next_)
+    if (now < next_) {
         return;
-    next_ = now + kPause;
+    }
+    next_ = now + pause_between;
     std::string line =
         counted(entries, "entry", "entries") + entries_and_rate(entries, seconds(), ", ");
     if (meter_ && meter_->size && meter_->read > 0 && meter_->read <= *meter_->size) {

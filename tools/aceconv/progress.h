@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "tools/aceconv/window.h"
+#include "stream/window.h"
 
 namespace aceconv::tool {
 
@@ -31,14 +31,15 @@ class Progress {
 
     /// To be called for each entry, with how many there have been.
     void update(std::uint64_t entries) {
-        if (shown_ && entries % kStride == 0)
+        if (shown_ && entries % update_stride == 0) {
             show(entries);
+        }
     }
     [[nodiscard]] double seconds() const;
 
   private:
     using Clock = std::chrono::steady_clock;
-    static constexpr std::uint64_t kStride = 64;
+    static constexpr std::uint64_t update_stride = 64;
 
     void show(std::uint64_t entries);
 

@@ -5,16 +5,16 @@
 #include <unistd.h>
 #include <utility>
 
-#include "tools/aceconv/text.h"
+#include "stream/text.h"
 
 namespace aceconv::tool {
 namespace {
 
-constexpr const char *kEraseLine = "\r\033[K";
+constexpr const char *erase_line = "\r\033[K";
 bool status_stands = false; // on the terminal
 
 void write_line(const std::string &prefix, std::string_view line) {
-    std::string text = std::exchange(status_stands, false) ? kEraseLine : "";
+    std::string text = std::exchange(status_stands, false) ? erase_line : "";
     text += prefix;
     text += escaped(line);
     text += '\n';
@@ -41,10 +41,12 @@ std::string shown_name(const std::string &path) {
 
 std::string shown_key(const EntryKey &key) {
     std::string text;
-    if (key.acl)
+    if (key.acl) {
         text = "acl '" + printable(*key.acl) + "'";
-    if (key.sequence)
+    }
+    if (key.sequence) {
         text += (text.empty() ? "entry " : " entry ") + std::to_string(*key.sequence);
+    }
     return text;
 }
 
@@ -57,10 +59,11 @@ std::string shown_entry(const EntryKey &key, const Position &position) {
 
 std::string shown_place(const std::string &file, const Position &position, const EntryKey &key) {
     std::string text = file + ":";
-    if (position.line != 0)
+    if (position.line != 0) {
         text += std::to_string(position.line) + ":";
-    else if (position.ordinal != 0)
+    } else if (position.ordinal != 0) {
         text += "#" + std::to_string(position.ordinal) + ":";
+    }
     const std::string who = shown_key(key);
     return text + " " + (who.empty() ? "" : who + ": ");
 }
@@ -77,7 +80,7 @@ void say(std::string_view line) {
 void show_status(std::string_view line) {
     const bool terminal = isatty(STDERR_FILENO) == 1;
     const std::string text =
-        (terminal ? kEraseLine : "") + ("aceconv: " + escaped(line)) + (terminal ? "" : "\n");
+        (terminal ? erase_line : "") + ("aceconv: " + escaped(line)) + (terminal ? "" : "\n");
     std::fwrite(text.data(), 1, text.size(), stderr);
     status_stands = terminal;
 }

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "tools/aceconv/source.h"
+#include "stream/source.h"
 
 namespace aceconv::tool {
 

@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-#include "tools/aceconv/errors.h"
+#include "stream/errors.h"
 
 namespace aceconv::tool {
 namespace {
@@ -34,11 +34,13 @@ void Run::begin(Work work, unsigned jobs) {
 EntryStream::Item *Run::next() {
     while (!over_) {
         EntryStream::Item *item = stream_->next();
-        if (item == nullptr)
+        if (item == nullptr) {
             break;
+        }
         try {
-            if (item->fault)
+            if (item->fault) {
                 std::rethrow_exception(item->fault);
+            }
             note_key(item->entry.key);
             progress_->update(++tally_.entries);
             return item;
@@ -54,8 +56,9 @@ EntryStream::Item *Run::next() {
 }
 
 void Run::note_key(const EntryKey &key) {
-    if (key.acl && key.sequence && !used_[*key.acl].insert(*key.sequence))
+    if (key.acl && key.sequence && !used_[*key.acl].insert(*key.sequence)) {
         throw DataError("", "a second entry of this sequence number");
+    }
 }
 
 void Run::fail(const Entry &entry, const DataError &fault) {
@@ -80,8 +83,9 @@ void Run::each(Work work, const Emit &emit) {
 }
 
 int Run::conclude() {
-    if (!common_.quiet)
+    if (!common_.quiet) {
         say((stopped_ ? "stopped: " : "") + summary(tally_, progress_->seconds()));
+    }
     return tally_.errors == 0 ? exit_ok : exit_data;
 }
 

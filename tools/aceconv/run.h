@@ -6,11 +6,11 @@
 #include <memory>
 #include <string>
 
+#include "stream/sequence_set.h"
 #include "tools/aceconv/entry_stream.h"
 #include "tools/aceconv/options.h"
 #include "tools/aceconv/progress.h"
 #include "tools/aceconv/report.h"
-#include "tools/aceconv/sequence_set.h"
 
 namespace aceconv::tool {
 

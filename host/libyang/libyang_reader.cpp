@@ -1,0 +1,207 @@
+#include <charconv>
+#include <limits>
+
+#include "host/error.h"
+#include "host/libyang/libyang_tree.h"
+#include "host/schema/data_path.h"
+#include "host/schema/entry_text.h"
+#include "host/schema/modules.h"
+#include "host/schema/yang_text.h"
+
+namespace aceconv {
+
+namespace {
+
+std::optional<std::uint32_t> number(std::string_view text) {
+    std::uint32_t value = 0;
+    const char *end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, value);
+    return result.ec == std::errc{} && result.ptr == end && value != 0 ? std::optional(value)
+                                                                       : std::nullopt;
+}
+
+/// The next step of a data path with its predicates, taken off `path`.
+std::string_view take_step(std::string_view &path) {
+    std::size_t at = 1; // behind the slash
+    while (at < path.size() && path[at] != '/') {
+        if (path[at] == '\'' || path[at] == '"') {
+            at = std::min(path.find(path[at], at + 1), path.size() - 1);
+        }
+        ++at;
+    }
+    const std::string_view step = path.substr(0, at);
+    path.remove_prefix(at);
+    return step;
+}
+
+/// Without slash, module prefix and predicates.
+std::string_view step_name(std::string_view step) {
+    step = step.substr(1, std::min(step.find('['), step.size()) - 1);
+    return step.substr(step.find(':') + 1); // npos + 1 is 0
+}
+
+std::string_view between(std::string_view text, std::string_view start, std::string_view end) {
+    const std::size_t from = text.find(start);
+    if (from == std::string_view::npos) {
+        return {};
+    }
+    text.remove_prefix(from + start.size());
+    return text.substr(0, text.find(end));
+}
+
+/// At most about 200 bytes of `text`, not ending within a character.
+std::string clipped(std::string_view text) {
+    std::size_t length = 200;
+    if (text.size() <= length) {
+        return std::string(text);
+    }
+    while ((static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) {
+        --length;
+    }
+    return std::string(text.substr(0, length)) + "...";
+}
+
+/// libyang's complaint as ours: the path below the entry, what was found and what
+/// the leaf takes.
+DataError translated(const LibyangError &error, const SchemaNode &entry) {
+    // Data location "/module:acls/acl[name='-']/entry[...]/tcp/tcp-bits", line number 1.
+    // Where libyang parses into a list, the location starts with the entry.
+    std::string_view path = between(error.path, "Data location \"", "\", line");
+    while (!path.empty() && step_name(take_step(path)) != "entry") {
+    }
+    std::string below(path);
+    const SchemaNode *node = &entry;
+    while (node != nullptr && !path.empty()) {
+        node = node->find(step_name(take_step(path)));
+    }
+    const std::string_view unknown = between(error.message, "Node \"", "\" not found");
+    if (!unknown.empty()) {
+        return {below.append("/").append(unknown), "unknown node"};
+    }
+    std::string_view message = error.message;
+    message = message.substr(0, message.find(" does not conform to"));
+    if (!message.empty() && message.back() == '.') {
+        message.remove_suffix(1);
+    }
+    std::string why = clipped(message);
+    if (node != nullptr && node->kind == NodeKind::leaf) {
+        why += "; expected " + expected(*node);
+    }
+    return {below, why};
+}
+
+class LibyangReader final : public EntryReader {
+  public:
+    LibyangReader(Modules &modules, Schema schema, Format format)
+        : context_(modules.context()), schema_(schema), format_(format),
+          lists_(new_list(context_, schema)), list_(lyd_child(lists_.get())) {}
+
+    ccv_yang_node *read(std::string_view text, const EntryKey &where) override {
+        tree_.clear();
+        where_ = where;
+        sequence_ = where.sequence;
+        given_ = {};
+        try {
+            parse(text);
+        } catch (const DataError &error) {
+            if (!sequence_) {
+                sequence_ = number(given_.text);
+            }
+            throw DataError(entry_path(schema_, {where_.acl, sequence_}) + error.path(),
+                            error.what());
+        }
+        return &tree_.root();
+    }
+
+    [[nodiscard]] std::optional<std::uint32_t> sequence() const override { return sequence_; }
+
+    [[nodiscard]] DataError explain(std::uint32_t status) const override {
+        std::string path = entry_path(schema_, {where_.acl, sequence_});
+        // Other codes do not come from the walk but from what follows it.
+        if (tree_.looked_at != nullptr && known_status(status) != nullptr) {
+            path += tree_.path(*tree_.looked_at);
+        }
+        return {path, explanation(tree_, status)};
+    }
+
+  private:
+    void parse(std::string_view text) {
+        if (text.size() > max_entry_bytes) {
+            throw DataError("", "more than " + std::to_string(max_entry_bytes) + " bytes");
+        }
+        if (const char *fault = text_fault(text); fault != nullptr) {
+            throw DataError("", fault);
+        }
+        // Any key does where neither the text nor the caller has one.
+        const std::string key = std::to_string(where_.sequence.value_or(1));
+        (format_ == Format::json ? wrap_json : wrap_xml)(text, schema_, key, document_, given_);
+
+        // Faster where every key comes first; otherwise, and for the last word on
+        // errors, libyang puts the nodes in order.
+        TreeOwner entry = given_.first ? parse_document(LYD_PARSE_ORDERED) : nullptr;
+        if (entry == nullptr && (entry = parse_document(0)) == nullptr) {
+            throw translated(take_error(context_.libyang()), context_.entry(schema_));
+        }
+        const lyd_node *key_leaf = lyd_child(entry.get());
+        tree_.assign(std::move(entry), given_.given);
+        if (given_.given) {
+            check_sequence(reinterpret_cast<const lyd_node_term *>(key_leaf)->value.uint32);
+        }
+    }
+
+    /// The document's entry, null when libyang refuses it.
+    TreeOwner parse_document(std::uint32_t order) {
+        const std::uint32_t options = LYD_PARSE_ONLY | LYD_PARSE_STRICT | order;
+        lyd_node *entry = nullptr;
+        if (format_ == Format::xml) {
+            lyd_node *acls = nullptr;
+            if (lyd_parse_data_mem(context_.libyang(), document_.c_str(), LYD_XML, options, 0,
+                                   &acls) == LY_SUCCESS) {
+                entry = list_entry(lyd_child(acls));
+                (void)lyd_unlink_tree(entry);
+            }
+            lyd_free_all(acls);
+            return TreeOwner(entry);
+        }
+        ly_in *in = nullptr;
+        if (ly_in_new_memory(document_.c_str(), &in) != LY_SUCCESS) {
+            throw std::bad_alloc();
+        }
+        const LY_ERR result =
+            lyd_parse_data(context_.libyang(), list_, in, LYD_JSON, options, 0, nullptr);
+        ly_in_free(in, 0);
+        TreeOwner parsed(list_entry(list_));
+        return result == LY_SUCCESS ? std::move(parsed) : nullptr;
+    }
+
+    /// What follows the list's name.
+    static lyd_node *list_entry(lyd_node *list) { return lyd_child(list)->next; }
+
+    void check_sequence(std::uint32_t given) {
+        if (where_.sequence && given != *where_.sequence) {
+            throw DataError("/sequence-number", std::to_string(given) + "; expected " +
+                                                    std::to_string(*where_.sequence));
+        }
+        sequence_ = given;
+    }
+
+    Modules::Context &context_;
+    const Schema schema_;
+    const Format format_;
+    EntryKey where_;
+    std::optional<std::uint32_t> sequence_;
+    std::string document_;
+    SequenceText given_;
+    TreeOwner lists_; // what JSON entries are parsed into
+    lyd_node *const list_;
+    LibyangTree tree_;
+};
+
+} // namespace
+
+std::unique_ptr<EntryReader> make_validating_reader(Modules &modules, Schema schema,
+                                                    Format format) {
+    return std::make_unique<LibyangReader>(modules, schema, format);
+}
+
+} // namespace aceconv

@@ -1,0 +1,171 @@
+#include <cstdlib>
+#include <new>
+#include <stdexcept>
+
+#include "host/error.h"
+#include "host/libyang/libyang_tree.h"
+#include "host/platform/backend.h"
+#include "host/schema/modules.h"
+
+namespace aceconv {
+
+namespace {
+
+/// Builds a libyang tree of one entry.
+class LibyangOutput final : public ccv_yang_output {
+  public:
+    LibyangOutput(Modules::Context &context, Schema schema)
+        : ccv_yang_output(schema, context.entry(schema)), context_(context),
+          lists_(new_list(context, schema)), acl_(lyd_child(lists_.get())) {}
+
+    void start(const EntryKey &where) {
+        drop();
+        restart(where);
+        if (where.sequence && *where.sequence == 0) {
+            fail(YangStatus::out_of_range, "sequence-number", "0; expected a number from 1");
+            return;
+        }
+        // libyang's list entry needs a key; finish takes it out where there is none.
+        const std::string key = std::to_string(where.sequence.value_or(1));
+        if (lyd_new_list(acl_, nullptr, "entry", 0, &current_, key.c_str()) != LY_SUCCESS) {
+            throw std::bad_alloc();
+        }
+        entry_ = current_;
+    }
+
+    /// The complete entry.
+    [[nodiscard]] const lyd_node &complete() const {
+        check_complete();
+        if (entry_ == nullptr) {
+            throw std::logic_error("finish without begin");
+        }
+        return *entry_;
+    }
+
+    void drop() {
+        lyd_free_tree(entry_);
+        entry_ = nullptr;
+        current_ = nullptr;
+    }
+
+  protected:
+    bool open(const SchemaNode &container, std::string &why) override {
+        lyd_node *created = nullptr;
+        const LY_ERR result = lyd_new_inner(current_, nullptr, container.name, 0, &created);
+        return entered(result, created, why);
+    }
+
+    bool open_entry(const SchemaNode &list, std::string_view key, std::string &why) override {
+        lyd_node *created = nullptr;
+        const LY_ERR result =
+            lyd_new_list(current_, nullptr, list.name, 0, &created, std::string(key).c_str());
+        if (result != LY_SUCCESS) {
+            return refused(list.children[0], why);
+        }
+        return entered(result, created, why);
+    }
+
+    void close() override { current_ = lyd_parent(current_); }
+
+    bool put(const SchemaNode &leaf, const Value &value, std::string &why) override {
+        text_.assign(value.text);
+        if (value.kind == ValueKind::number) {
+            text_ = std::to_string(value.number);
+        } else if (value.kind == ValueKind::boolean) {
+            text_ = value.number != 0 ? "true" : "false";
+        }
+        return lyd_new_term(current_, nullptr, leaf.name, text_.c_str(), 0, nullptr) ==
+                   LY_SUCCESS ||
+               refused(leaf, why);
+    }
+
+  private:
+    bool entered(LY_ERR result, lyd_node *created, std::string &why) {
+        if (result != LY_SUCCESS) {
+            why = take_error(context_.libyang()).message;
+            return false;
+        }
+        current_ = created;
+        return true;
+    }
+
+    bool refused(const SchemaNode &leaf, std::string &why) const {
+        why = take_error(context_.libyang()).message;
+        if (!why.empty() && why.back() == '.') {
+            why.pop_back();
+        }
+        why += "; expected " + expected(leaf);
+        return false;
+    }
+
+    Modules::Context &context_;
+    TreeOwner lists_;
+    lyd_node *const acl_;
+    lyd_node *entry_ = nullptr;
+    lyd_node *current_ = nullptr; // where the next node goes
+    std::string text_;
+};
+
+class LibyangWriter final : public EntryWriter {
+  public:
+    LibyangWriter(Modules &modules, Schema schema, Format format)
+        : format_(format), output_(modules.context(), schema) {
+        if (ly_out_new_memory(&printed_, 0, &out_) != LY_SUCCESS) {
+            throw std::bad_alloc();
+        }
+    }
+    LibyangWriter(const LibyangWriter &) = delete;
+    LibyangWriter &operator=(const LibyangWriter &) = delete;
+    ~LibyangWriter() override { ly_out_free(out_, nullptr, 1); }
+
+    ccv_yang_output *begin(const EntryKey &where) override {
+        has_sequence_ = where.sequence.has_value();
+        output_.start(where);
+        return &output_;
+    }
+
+    void finish(std::string &text) override {
+        const lyd_node &entry = output_.complete();
+        (void)ly_out_reset(out_);
+        if (lyd_print_tree(out_, &entry, format_ == Format::json ? LYD_JSON : LYD_XML,
+                           LYD_PRINT_SHRINK) != LY_SUCCESS) {
+            throw std::bad_alloc();
+        }
+        append(printed_, text);
+        output_.drop();
+    }
+
+  private:
+    /// Appends the printed entry without what libyang prints around it: JSON has
+    /// {"module:entry":[...]}, and the stand-in key comes out of both notations.
+    void append(std::string_view printed, std::string &text) const {
+        std::string_view key = "<sequence-number>1</sequence-number>";
+        if (format_ == Format::json) {
+            const std::size_t start = printed.find('[') + 1;
+            printed = printed.substr(start, printed.rfind(']') - start);
+            key = printed == "{\"sequence-number\":1}" ? "\"sequence-number\":1"
+                                                       : "\"sequence-number\":1,";
+        }
+        if (has_sequence_) {
+            text += printed;
+        } else {
+            const std::size_t at = printed.find(key);
+            text.append(printed.substr(0, at)).append(printed.substr(at + key.size()));
+        }
+    }
+
+    const Format format_;
+    LibyangOutput output_;
+    char *printed_ = nullptr;
+    ly_out *out_ = nullptr;
+    bool has_sequence_ = false;
+};
+
+} // namespace
+
+std::unique_ptr<EntryWriter> make_validating_writer(Modules &modules, Schema schema,
+                                                    Format format) {
+    return std::make_unique<LibyangWriter>(modules, schema, format);
+}
+
+} // namespace aceconv

@@ -1,0 +1,272 @@
+// What the emitters of aceconv/host/yang_access.h do, for any backend.
+#include <cstring>
+#include <new>
+
+#include "host/error.h"
+#include "host/platform/backend.h"
+#include "host/schema/data_path.h"
+
+using aceconv::code;
+using aceconv::LeafType;
+using aceconv::NodeKind;
+using aceconv::SchemaNode;
+using aceconv::Value;
+using aceconv::ValueKind;
+using aceconv::YangStatus;
+
+namespace {
+
+bool takes(LeafType type, ValueKind kind) {
+    switch (kind) {
+    case ValueKind::text: // a name may also be written as plain text
+        return type == LeafType::string || type == LeafType::enumeration;
+    case ValueKind::name:
+        return type == LeafType::enumeration || type == LeafType::name_or_number;
+    case ValueKind::number:
+        return type == LeafType::number || type == LeafType::name_or_number;
+    case ValueKind::bits:
+        return type == LeafType::bits;
+    case ValueKind::boolean:
+        return type == LeafType::boolean;
+    case ValueKind::empty:
+        return type == LeafType::empty;
+    case ValueKind::ipv4:
+        return type == LeafType::ipv4;
+    case ValueKind::none:
+        break;
+    }
+    return false;
+}
+
+const SchemaNode *find_child(const SchemaNode &parent, const char *name, std::size_t hint) {
+    // Most names differ in their first character.
+    const auto is_named = [&](std::string_view key) {
+        return key.front() == name[0] && std::strcmp(key.data(), name) == 0;
+    };
+    return parent.find_if(is_named, hint);
+}
+
+} // namespace
+
+void ccv_yang_output::restart(const aceconv::EntryKey &where) {
+    keys_.clear();
+    depth_ = 0;
+    innermost() = {.schema = &entry_, .form = NodeForm::entry, .opened = true};
+    where_ = where;
+    failure_ = YangStatus::ok;
+}
+
+void ccv_yang_output::check_complete() const {
+    if (failure_ != YangStatus::ok) {
+        throw aceconv::DataError(failure_path_, failure_why_.empty()
+                                                    ? aceconv::status_text(code(failure_))
+                                                    : failure_why_);
+    }
+    if (depth_ > 0) {
+        throw aceconv::DataError(position(nullptr), "left open");
+    }
+}
+
+std::string ccv_yang_output::position(const char *name) const {
+    std::string path = aceconv::entry_path(schema_, where_);
+    for (std::size_t depth = 0; depth <= depth_; ++depth) {
+        const Level &level = levels_[depth];
+        if (level.form == NodeForm::list_entry) {
+            if (level.key != nullptr && !level.key->empty()) {
+                path += aceconv::key_predicate(level.schema->children[0].name, *level.key);
+            }
+        } else if (level.form != NodeForm::entry) {
+            path += '/';
+            path += level.schema->name;
+        }
+    }
+    return name == nullptr ? path : path + '/' + name;
+}
+
+std::uint32_t ccv_yang_output::fail(YangStatus status, const char *name, std::string why) {
+    if (failure_ == YangStatus::ok) {
+        failure_ = status;
+        failure_path_.clear();
+        failure_why_ = std::move(why);
+        try {
+            failure_path_ = position(name);
+        } catch (const std::bad_alloc &) {
+            failure_ = YangStatus::no_memory;
+            failure_why_.clear();
+        }
+    }
+    return code(failure_);
+}
+
+const SchemaNode *ccv_yang_output::peek(const char *name) const {
+    return find_child(*innermost().schema, name, innermost().hint);
+}
+
+/// The child that a call names, checked and noted as given; null after a failure.
+const SchemaNode *ccv_yang_output::child(const char *name, NodeKind kind) {
+    if (failure_ != YangStatus::ok) {
+        return nullptr;
+    }
+    Level &level = innermost();
+    if (level.form == NodeForm::list) {
+        fail(YangStatus::misplaced, name, "a node between the entries of a list");
+        return nullptr;
+    }
+    const SchemaNode *found = find_child(*level.schema, name, level.hint);
+    if (found == nullptr) {
+        fail(YangStatus::unknown_node, name, {});
+        return nullptr;
+    }
+    if (found->kind != kind) {
+        fail(YangStatus::wrong_type, name, "expected " + expected(*found));
+        return nullptr;
+    }
+    const std::uint64_t bit = std::uint64_t{1} << found->place;
+    if ((level.given & bit) != 0) {
+        fail(YangStatus::repeated, name, {});
+        return nullptr;
+    }
+    level.given |= bit;
+    level.hint = static_cast<std::uint8_t>(found->place + 1);
+    return found;
+}
+
+/// Opens what was held back, up to the level at depth `last`.
+bool ccv_yang_output::open_pending(std::size_t last) {
+    std::size_t pending = last + 1; // what is around an open level is open
+    while (!levels_[pending - 1].opened) {
+        --pending;
+    }
+    for (; pending <= last; ++pending) {
+        Level &level = levels_[pending];
+        if (level.form == NodeForm::list) {
+            continue;
+        }
+        if (level.form == NodeForm::list_entry) {
+            fail(YangStatus::misplaced, nullptr,
+                 std::string("an entry starts with its key, ") + level.schema->children[0].name);
+            return false;
+        }
+        if (!open(*level.schema, failure_why_)) {
+            fail(YangStatus::refused, nullptr, std::move(failure_why_));
+            return false;
+        }
+        level.opened = true;
+    }
+    return true;
+}
+
+std::uint32_t ccv_yang_output::container_begin(const char *name) {
+    const SchemaNode *container = child(name, NodeKind::container);
+    if (container == nullptr) {
+        return code(failure_);
+    }
+    levels_[++depth_] = {.schema = container, .form = NodeForm::container};
+    if (!drop_empty_) {
+        open_pending(depth_);
+    }
+    return code(failure_);
+}
+
+std::uint32_t ccv_yang_output::presence() {
+    if (failure_ == YangStatus::ok) {
+        if (innermost().form == NodeForm::container) {
+            open_pending(depth_);
+        } else {
+            fail(YangStatus::misplaced, nullptr, "presence of something else than a container");
+        }
+    }
+    return code(failure_);
+}
+
+std::uint32_t ccv_yang_output::end(NodeForm form) {
+    if (failure_ == YangStatus::ok) {
+        if (innermost().form != form) {
+            fail(YangStatus::misplaced, nullptr, "an end without its begin");
+        } else if (form == NodeForm::list_entry && !innermost().opened) {
+            fail(YangStatus::misplaced, nullptr, "an entry without its key");
+        } else {
+            if (innermost().opened) {
+                close();
+            }
+            --depth_;
+            if (form == NodeForm::list) {
+                keys_.pop_back();
+            }
+        }
+    }
+    return code(failure_);
+}
+
+std::uint32_t ccv_yang_output::container_end() {
+    return end(NodeForm::container);
+}
+std::uint32_t ccv_yang_output::list_entry_end() {
+    return end(NodeForm::list_entry);
+}
+std::uint32_t ccv_yang_output::list_end() {
+    return end(NodeForm::list);
+}
+
+std::uint32_t ccv_yang_output::list_begin(const char *name) {
+    const SchemaNode *list = child(name, NodeKind::list);
+    if (list != nullptr) {
+        keys_.emplace_back();
+        levels_[++depth_] = {.schema = list, .form = NodeForm::list};
+    }
+    return code(failure_);
+}
+
+std::uint32_t ccv_yang_output::list_entry_begin(const char *name, std::uint32_t keys) {
+    if (failure_ == YangStatus::ok) {
+        const Level &list = innermost();
+        if (list.form != NodeForm::list || std::string_view(name) != list.schema->name ||
+            keys != 1) {
+            fail(YangStatus::misplaced, nullptr, "an entry outside its list");
+        } else {
+            levels_[++depth_] = {.schema = list.schema, .form = NodeForm::list_entry};
+        }
+    }
+    return code(failure_);
+}
+
+std::uint32_t ccv_yang_output::entry_key(const SchemaNode &leaf, std::string_view key) {
+    Level &entry = innermost();
+    const auto [place, is_new] = keys_.back().emplace(key);
+    entry.key = &*place;
+    if (!is_new) {
+        return fail(YangStatus::repeated, nullptr, "a second entry with the same key");
+    }
+    if (open_pending(depth_ - 1)) { // what is around the list
+        if (!open_entry(*entry.schema, key, failure_why_)) {
+            fail(YangStatus::refused, leaf.name, std::move(failure_why_));
+        }
+        entry.opened = true;
+    }
+    return code(failure_);
+}
+
+std::uint32_t ccv_yang_output::leaf(const char *name, const Value &value) {
+    const SchemaNode *found = child(name, NodeKind::leaf);
+    if (found == nullptr) {
+        return code(failure_);
+    }
+    if (!takes(found->type, value.kind)) {
+        return fail(YangStatus::wrong_type, name, "expected " + expected(*found));
+    }
+    if (value.kind == ValueKind::number &&
+        (value.number < found->smallest || value.number > found->largest)) {
+        return fail(YangStatus::out_of_range, name,
+                    std::to_string(value.number) + "; expected " + expected(*found));
+    }
+    if (innermost().form == NodeForm::list_entry && found->place == 0) {
+        return entry_key(*found, value.text);
+    }
+    if (!open_pending(depth_)) {
+        return code(failure_);
+    }
+    if (!put(*found, value, failure_why_)) {
+        fail(YangStatus::refused, name, std::move(failure_why_));
+    }
+    return code(failure_);
+}

@@ -1,0 +1,29 @@
+// Values of leaves, checked against the module's compiled form without libyang.
+//
+// Each function answers true only for what libyang takes as well, in its
+// canonical form; false means "not sure".
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "host/platform/backend.h"
+
+namespace aceconv {
+
+/// A JSON string as the leaf's value.
+bool text_value(const SchemaNode &leaf, std::string_view text, Value &value);
+
+/// A dotted quad without leading zeros.
+bool ipv4_value(std::string_view text, Value &value);
+
+/// A JSON number as the leaf's value.
+bool number_value(const SchemaNode &leaf, std::uint64_t number, Value &value);
+
+/// Whether the leaf takes what an emitter was given for it; why not otherwise.
+bool takes_value(const SchemaNode &leaf, const Value &value, std::string &why);
+
+/// Whether a string leaf takes text of allowed characters: its length and pattern.
+bool takes_text(const SchemaNode &leaf, std::string_view text);
+
+} // namespace aceconv

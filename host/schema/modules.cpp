@@ -1,0 +1,155 @@
+#include "host/schema/modules.h"
+
+#include <cstdio>
+#include <mutex>
+#include <new>
+
+#include "host/error.h"
+#include "host/schema/compiled_modules.h"
+#include "host/schema/data_path.h"
+
+namespace aceconv {
+
+namespace {
+
+/// The last complaint only, and nothing on standard error. The thread-local
+/// variant of this setting does not survive a failing union.
+void quieten_libyang() {
+    static std::once_flag once;
+    std::call_once(once, [] { ly_log_options(LY_LOSTORE_LAST); });
+}
+
+bool is_text_of(const std::filesystem::path &file, std::string_view text) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> in(std::fopen(file.c_str(), "rb"),
+                                                              std::fclose);
+    std::string found(text.size() + 1, '\0');
+    return in && std::fread(found.data(), 1, found.size(), in.get()) == text.size() &&
+           text == std::string_view(found).substr(0, text.size());
+}
+
+const lysc_node *find_entry(const ly_ctx *context, Schema schema) {
+    const std::string path = entry_path(schema, {});
+    const lysc_node *node = lys_find_path(context, nullptr, path.c_str(), 0);
+    if (node == nullptr) {
+        throw DataError("", "the module has no list " + path);
+    }
+    return node;
+}
+
+constexpr std::array schemas{Schema::base, Schema::um}; // um imports base
+
+} // namespace
+
+std::filesystem::path module_file(const std::filesystem::path &directory, Schema schema) {
+    return directory / (std::string(module_name(schema)) + ".yang");
+}
+
+std::string_view module_name(Schema schema) {
+    return schema == Schema::base ? "aceconv-base" : "aceconv-um";
+}
+
+std::string_view module_namespace(Schema schema) {
+    return schema == Schema::base ? "urn:aceconv:base" : "urn:aceconv:um";
+}
+
+LibyangError take_error(ly_ctx *context) {
+    LibyangError error{"out of memory", ""};
+    if (const ly_err_item *item = ly_err_last(context); item != nullptr) {
+        error.message = item->msg != nullptr ? item->msg : "";
+        error.path = item->path != nullptr ? item->path : "";
+    }
+    ly_err_clean(context, nullptr);
+    return error;
+}
+
+const lysc_node &compiled_node(const SchemaNode &node) {
+    if (node.compiled == nullptr) {
+        const SchemaNode *entry = &node;
+        while (entry->parent != nullptr) {
+            entry = entry->parent;
+        }
+        (void)entry->modules->libyang();
+    }
+    return *node.compiled;
+}
+
+Modules::Context::Context(const std::filesystem::path &directory) {
+    for (const Schema schema : schemas) {
+        if (!is_text_of(module_file(directory, schema), compiled_module(schema).text)) {
+            load(&directory);
+            return;
+        }
+    }
+}
+
+const SchemaNode &Modules::Context::entry(Schema schema) {
+    std::unique_ptr<SchemaNode> &entry = entries_[static_cast<std::size_t>(schema)];
+    if (!entry) {
+        auto restored = std::make_unique<SchemaNode>();
+        restore_schema(compiled_module(schema), *restored);
+        restored->modules = this;
+        entry = std::move(restored);
+    }
+    return *entry;
+}
+
+ly_ctx *Modules::Context::libyang() {
+    if (!libyang_) {
+        load(nullptr);
+    }
+    return libyang_.get();
+}
+
+/// From the files in `directory`, or from the text of the tables when it is null.
+void Modules::Context::load(const std::filesystem::path *directory) {
+    quieten_libyang();
+    // Parsing dates, libyang looks at the time zone, which libc keeps for all threads.
+    static std::mutex one_at_a_time;
+    const std::lock_guard lock(one_at_a_time);
+    ly_ctx *context = nullptr;
+    // No search directories: libyang would go through them with all that is below.
+    if (ly_ctx_new(nullptr, LY_CTX_NO_YANGLIBRARY | LY_CTX_DISABLE_SEARCHDIRS, &context) !=
+        LY_SUCCESS) {
+        throw std::bad_alloc();
+    }
+    std::unique_ptr<ly_ctx, ContextDeleter> loaded(context);
+    for (const Schema schema : schemas) {
+        if (directory == nullptr) {
+            // It was loaded when the tables were made, so nothing but memory can be wanting.
+            if (lys_parse_mem(context, compiled_module(schema).text.data(), LYS_IN_YANG, nullptr) !=
+                LY_SUCCESS) {
+                throw std::bad_alloc();
+            }
+        } else {
+            const std::filesystem::path file = module_file(*directory, schema);
+            if (lys_parse_path(context, file.c_str(), LYS_IN_YANG, nullptr) != LY_SUCCESS) {
+                throw DataError("", file.string() + ": " + take_error(context).message);
+            }
+        }
+    }
+    std::array<const lysc_node *, schemas.size()> nodes{};
+    for (const Schema schema : schemas) {
+        const auto slot = static_cast<std::size_t>(schema);
+        nodes[slot] = find_entry(context, schema);
+        if (directory != nullptr) {
+            entries_[slot] = std::make_unique<SchemaNode>();
+            compile_schema(nodes[slot], *entries_[slot]);
+        } else {
+            (void)entry(schema);
+        }
+    }
+    // Nothing fails from here on, which would leave links to a context that is gone.
+    for (std::size_t slot = 0; slot < nodes.size(); ++slot) {
+        link_schema(nodes[slot], *entries_[slot]);
+    }
+    libyang_ = std::move(loaded);
+}
+
+Modules::Modules(const std::filesystem::path &directory)
+    : context_(std::make_unique<Context>(directory)) {}
+
+Modules::~Modules() = default;
+Modules::Modules(Modules &&) noexcept = default;
+Modules &Modules::operator=(Modules &&) noexcept = default;
+
+} // namespace aceconv

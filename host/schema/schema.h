@@ -1,0 +1,96 @@
+// The compiled form of one module's entry: names, types and order of its nodes,
+// as both backends need them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/entry.h"
+
+struct lysc_node; // libyang's
+
+namespace aceconv {
+
+enum class NodeKind : std::uint8_t { container, list, leaf };
+
+enum class LeafType : std::uint8_t {
+    none, // not a leaf
+    string,
+    enumeration,
+    number,
+    name_or_number,
+    bits,
+    boolean,
+    empty,
+    ipv4,
+};
+
+struct SchemaNode {
+    struct Name {
+        std::uint32_t value;   // of an enumeration's name; position of a bit
+        std::string_view text; // a NUL follows
+    };
+
+    const char *name = "";
+    std::string_view key = {}; // the name, for comparing
+    std::string member;        // "name": as JSON has it
+    NodeKind kind = NodeKind::container;
+    LeafType type = LeafType::none;
+    std::uint8_t place = 0;         // among its siblings, from 0; below max_siblings
+    std::uint64_t smallest = 0;     // of number and name_or_number,
+    std::uint64_t largest = 0;      // and of a string's length in characters
+    std::uint32_t most_entries = 0; // of a list
+    std::string pattern;            // of a string; empty when there is none
+    std::vector<Name> names;        // of enumeration, name_or_number and bits
+    const SchemaNode *parent = nullptr;
+    const lysc_node *compiled = nullptr; // null until libyang is needed
+    Modules::Context *modules = nullptr; // of an entry
+    std::vector<SchemaNode> children;    // in the module's order; a list's key is the first
+
+    /// The child whose name `is_wanted`; `hint` is where the search starts, 0 or the
+    /// place behind a child.
+    template <class IsWanted>
+    [[nodiscard]] const SchemaNode *find_if(IsWanted is_wanted, std::size_t hint) const {
+        const SchemaNode *begin = children.data();
+        const SchemaNode *end = begin + children.size();
+        const SchemaNode *start = begin + hint; // at the end at most
+        for (const SchemaNode *child = start; child != end; ++child) {
+            if (is_wanted(child->key)) {
+                return child;
+            }
+        }
+        for (const SchemaNode *child = begin; child != start; ++child) {
+            if (is_wanted(child->key)) {
+                return child;
+            }
+        }
+        return nullptr;
+    }
+    [[nodiscard]] const SchemaNode *find(std::string_view wanted, std::size_t hint = 0) const {
+        return find_if([&](std::string_view candidate) { return candidate == wanted; }, hint);
+    }
+};
+
+/// Siblings fit a 64-bit set.
+constexpr std::size_t max_siblings = 64;
+/// How deep nodes nest, a list and its entry counting as two; far beyond what
+/// either module needs.
+constexpr std::size_t max_depth = 16;
+
+/// Compiles `node` and what is below it. Throws std::logic_error for a construct
+/// that the host does not know.
+void compile_schema(const lysc_node *node, SchemaNode &result);
+
+/// Joins `node` and what is below it with its compiled form, which must stay where
+/// it is: libyang's private pointers point at it.
+void link_schema(const lysc_node *node, SchemaNode &compiled);
+
+/// The fields that a node's name makes up.
+void name_schema(const char *name, SchemaNode &result);
+
+/// What the leaf takes, for messages: "one of: deny, permit", "a number 0 to 255".
+std::string expected(const SchemaNode &leaf);
+
+} // namespace aceconv

@@ -1,0 +1,129 @@
+#include "stream/codec.h"
+
+#include <cstdlib>
+
+#include "host/bag_library.h"
+#include "stream/errors.h"
+
+namespace aceconv {
+namespace {
+
+std::size_t slot(Schema schema, Format format) {
+    return (schema == Schema::um ? 2U : 0U) + (format == Format::xml ? 1U : 0U);
+}
+
+Modules load_modules(const std::filesystem::path &directory) {
+    try {
+        return Modules(directory);
+    } catch (const DataError &e) {
+        throw IoError(directory.string() + ": cannot load the YANG modules: " + e.what());
+    }
+}
+
+constexpr bool is_bag_status(std::uint32_t status) {
+    return status >= static_cast<std::uint32_t>(BagStatus::not_registered) &&
+           status <= static_cast<std::uint32_t>(BagStatus::no_memory);
+}
+
+/// Why a decoder returned `status`.
+std::string decoder_fault(std::uint32_t status) {
+    if (is_bag_status(status)) {
+        return bag_last_error();
+    }
+    switch (status) {
+    case ACE_STATUS_NO_KEYWORD:
+        return "a TCP flag that has no name; expected flags fin, syn, rst, psh, ack, urg";
+    case ACE_STATUS_UNKNOWN_UNIT:
+        return "an unknown rate unit; expected 0 to 4, pps to gbps";
+    case ACE_STATUS_NO_MEMORY:
+        return "out of memory";
+    default:
+        return "the decoder failed with status " + std::to_string(status);
+    }
+}
+
+} // namespace
+
+Codec::Codec(const CodecSetup &setup)
+    : plugin_(setup.plugin), modules_(load_modules(setup.modules)), backend_(setup.backend),
+      encoded_(nullptr, std::free) {}
+
+EntryReader &Codec::reader(Schema schema, Format format) {
+    auto &reader = readers_[slot(schema, format)];
+    if (!reader) {
+        reader = bulk(format) ? make_bulk_reader(modules_, schema)
+                              : make_validating_reader(modules_, schema, format);
+    }
+    return *reader;
+}
+
+EntryWriter &Codec::writer(Schema schema, Format format) {
+    auto &writer = writers_[slot(schema, format)];
+    if (!writer) {
+        writer = bulk(format) ? make_bulk_writer(modules_, schema)
+                              : make_validating_writer(modules_, schema, format);
+    }
+    return *writer;
+}
+
+Encoding Codec::encode(Entry &entry, Encoding stored) {
+    if (!entry.format) {
+        return entry.encoding;
+    }
+    EntryReader &source = reader(entry.schema, *entry.format);
+    read_ = nullptr;
+    ccv_yang_node *node = nullptr;
+    try {
+        node = source.read(entry.text, entry.key);
+    } catch (const DataError &) {
+        entry.key.sequence = source.sequence(); // for the message
+        throw;
+    }
+    entry.key.sequence = source.sequence();
+    if (entry.in_document && !entry.key.sequence) {
+        throw DataError("", "an entry without \"sequence-number\"");
+    }
+    std::uint8_t *encoded = nullptr;
+    std::uint32_t length = 0;
+    const Encoder encoder = entry.schema == Schema::base ? plugin_.encode_base : plugin_.encode_um;
+    const std::uint32_t status =
+        encoder(node, stored.empty() ? nullptr : stored.data(),
+                static_cast<std::uint32_t>(stored.size()), &encoded, &length);
+    if (is_bag_status(status)) {
+        throw DataError("", bag_last_error());
+    }
+    if (status != 0) {
+        throw source.explain(status);
+    }
+    encoded_.reset(encoded);
+    read_ = node;
+    return {encoded, length};
+}
+
+void Codec::run_decoder(ccv_yang_output *output, Encoding encoding, Schema schema) const {
+    const Decoder decoder = schema == Schema::base ? plugin_.decode_base : plugin_.decode_um;
+    const std::uint32_t status =
+        decoder(output, encoding.data(), static_cast<std::uint32_t>(encoding.size()));
+    if (status != 0) {
+        throw DataError("", decoder_fault(status));
+    }
+}
+
+void Codec::decode(Encoding encoding, Schema schema, Format format, const EntryKey &key,
+                   std::string &text) {
+    EntryWriter &target = writer(schema, format);
+    run_decoder(target.begin(key), encoding, schema);
+    target.finish(text);
+}
+
+bool Codec::gives_back(Encoding encoding, Schema schema, const EntryKey &key) {
+    auto &mirror = mirrors_[schema == Schema::um ? 1 : 0];
+    if (!mirror) {
+        mirror = make_mirror(modules_, schema);
+    }
+    run_decoder(mirror->begin(key), encoding, schema);
+    const ccv_yang_node &decoded = mirror->finish();
+    return read_ != nullptr && says_all_of(decoded, *read_);
+}
+
+} // namespace aceconv

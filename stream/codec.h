@@ -1,0 +1,65 @@
+// One entry through the plug-in, in either direction.
+#pragma once
+
+#include <array>
+#include <filesystem>
+#include <memory>
+
+#include "host/entry.h"
+#include "host/plugin_loader.h"
+#include "stream/source.h"
+
+namespace aceconv {
+
+/// Which of the host's backends reads and writes JSON; XML is always libyang's.
+enum class Backend { bulk, validating };
+
+/// What codecs are made of.
+struct CodecSetup {
+    Plugin plugin;
+    std::filesystem::path modules; // their folder
+    Backend backend;
+};
+
+/// Everything that conversions need; one for each thread.
+class Codec {
+  public:
+    /// Throws IoError when the YANG modules cannot be loaded.
+    explicit Codec(const CodecSetup &setup);
+
+    /// The entry's encoding, which is `entry.encoding` where it came as one; valid
+    /// until the next call. Fills in the sequence number in `entry.key`. `stored`
+    /// is the entry's earlier encoding or empty. Throws DataError.
+    Encoding encode(Entry &entry, Encoding stored = {});
+
+    /// Appends the text of an entry, on one line. Throws DataError.
+    void decode(Encoding encoding, Schema schema, Format format, const EntryKey &key,
+                std::string &text);
+
+    /// Whether decoding `encoding` gives back every node of the entry last encoded
+    /// from text, with the same values. False may also mean another way of writing
+    /// the same. Throws DataError.
+    bool gives_back(Encoding encoding, Schema schema, const EntryKey &key);
+
+    [[nodiscard]] const bag_descriptor &descriptor() const { return *plugin_.descriptor; }
+
+  private:
+    EntryReader &reader(Schema schema, Format format);
+    EntryWriter &writer(Schema schema, Format format);
+    void run_decoder(ccv_yang_output *output, Encoding encoding, Schema schema) const;
+
+    [[nodiscard]] bool bulk(Format format) const {
+        return backend_ == Backend::bulk && format == Format::json;
+    }
+
+    const Plugin plugin_;
+    Modules modules_;
+    const Backend backend_;
+    std::array<std::unique_ptr<EntryMirror>, 2> mirrors_;
+    std::unique_ptr<std::uint8_t, void (*)(void *)> encoded_;
+    const ccv_yang_node *read_ = nullptr; // the entry last encoded from text
+    std::array<std::unique_ptr<EntryReader>, 4> readers_;
+    std::array<std::unique_ptr<EntryWriter>, 4> writers_;
+};
+
+} // namespace aceconv

@@ -1,0 +1,81 @@
+// Encodings that follow each other as a CBOR sequence, with or without labels.
+#include "host/bag_library.h"
+#include "stream/errors.h"
+#include "stream/label.h"
+#include "stream/source.h"
+
+namespace aceconv {
+namespace {
+
+class EncodingSource : public Source {
+  public:
+    EncodingSource(Window window, Schema schema) : window_(std::move(window)), schema_(schema) {}
+
+    bool next(Entry &entry) override {
+        entry.position = {0, ordinal_ + 1};
+        entry.key = {};
+        entry.schema = schema_;
+        entry.format.reset();
+        if (!take_item(entry.encoding)) {
+            return false;
+        }
+        ++ordinal_;
+        if (is_label(entry.encoding)) {
+            try {
+                entry.key = parse_label(entry.encoding);
+            } catch (const DataError &e) { // whose encoding is the next?
+                throw StreamError(e.path(), e.what());
+            }
+            if (!take_item(entry.encoding) || is_label(entry.encoding)) {
+                throw StreamError("", "a label without an encoding behind it");
+            }
+        }
+        return true;
+    }
+
+    [[nodiscard]] std::optional<Schema> schema() const override { return schema_; }
+
+  private:
+    /// The next item of the sequence; false at the end.
+    bool take_item(Bytes &item) {
+        for (;;) {
+            const std::string_view view = window_.view();
+            const std::span bytes(reinterpret_cast<const std::uint8_t *>(view.data()), view.size());
+            const auto length = bytes.empty() ? std::nullopt : cbor_item_length(bytes);
+            if (length && *length <= max_entry_bytes) {
+                const auto taken = bytes.first(*length);
+                item.assign(taken.begin(), taken.end());
+                window_.take(*length);
+                offset_ += *length;
+                return true;
+            }
+            if (length || view.size() > max_entry_bytes) {
+                fail(" is malformed or longer than " + std::to_string(max_entry_bytes) + " bytes");
+            }
+            if (window_.more()) {
+                continue;
+            }
+            if (window_.view().empty()) {
+                return false;
+            }
+            fail(" is cut off or malformed");
+        }
+    }
+
+    [[noreturn]] void fail(const std::string &what) const {
+        throw StreamError("", "the encoding at byte " + std::to_string(offset_) + what);
+    }
+
+    Window window_;
+    Schema schema_;
+    std::uint64_t ordinal_ = 0;
+    std::uint64_t offset_ = 0;
+};
+
+} // namespace
+
+std::unique_ptr<Source> make_encoding_source(Window window, Schema schema) {
+    return std::make_unique<EncodingSource>(std::move(window), schema);
+}
+
+} // namespace aceconv

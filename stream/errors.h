@@ -1,0 +1,34 @@
+// Failures of the command beside bad data, each with its exit code.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include "host/error.h"
+
+namespace aceconv {
+
+enum ExitCode { exit_ok = 0, exit_data = 1, exit_usage = 2, exit_io = 3 };
+
+/// A call that asks for something that cannot be meant.
+class UsageError : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// A file, a device or the plug-in that cannot be used.
+class IoError : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// The reader of our output has gone; nobody is left to tell.
+class PipeClosed : public std::runtime_error {
+  public:
+    PipeClosed() : std::runtime_error("pipe closed") {}
+};
+
+/// A fault of an input's structure, after which no further entry can be found.
+class StreamError : public DataError {
+    using DataError::DataError;
+};
+
+} // namespace aceconv

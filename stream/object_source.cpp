@@ -1,0 +1,240 @@
+// Entries as JSON objects, one a line or one after the other: a bare entry, or
+// {"acl": "X", "entry": {...}}.
+#include <algorithm>
+#include <deque>
+#include <exception>
+
+#include "stream/errors.h"
+#include "stream/json_cursor.h"
+#include "stream/source.h"
+#include "stream/text.h"
+
+namespace aceconv {
+namespace {
+
+/// Steps over a value; only its extent matters here, the entry's reader checks it.
+void skip_value(JsonCursor &cursor, Window &window) {
+    std::size_t depth = 0;
+    for (int c = cursor.peek(); c >= 0; c = cursor.peek()) {
+        if (depth == 0 && (c == ',' || c == '}')) {
+            return;
+        }
+        if (c == '"') {
+            std::string_view view = window.view();
+            std::size_t end = 1;
+            while (end < view.size() && view[end] != '"') {
+                end += view[end] == '\\' ? 2U : 1U;
+            }
+            window.take(std::min(end + 1, view.size()));
+            continue;
+        }
+        if (c == '{' || c == '[') {
+            ++depth;
+        }
+        if (c == '}' || c == ']') {
+            --depth;
+        }
+        window.take(1);
+    }
+}
+
+/// The schema that the entry's members tell, if one does.
+std::optional<Schema> tell_schema(std::string_view object) {
+    Window window(object);
+    JsonCursor cursor(window);
+    std::optional<Schema> schema;
+    try {
+        cursor.expect('{', "an entry");
+        while (!schema && cursor.peek() == '"') {
+            schema = schema_of_node(cursor.string("a name"));
+            cursor.expect(':', "':'");
+            skip_value(cursor, window);
+            cursor.accept(',');
+        }
+    } catch (const StreamError &) {
+        return std::nullopt; // the entry's reader says what is wrong
+    }
+    return schema;
+}
+
+/// The first member tells that this is an entry by itself. Not sure for odd ones.
+bool is_bare(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r\n";
+    const std::size_t open = text.find_first_not_of(blanks);
+    if (open == text.npos || text[open] != '{') {
+        return false;
+    }
+    const std::size_t quote = text.find_first_not_of(blanks, open + 1);
+    if (quote == text.npos || text[quote] != '"') {
+        return false;
+    }
+    const std::size_t end = text.find_first_of("\"\\", quote + 1);
+    const std::string_view name = text.substr(quote + 1, end - quote - 1);
+    return end != text.npos && text[end] == '"' && name != "acl" && name != "entry";
+}
+
+/// Takes {"acl": "X", "entry": {...}} apart; leaves a bare entry alone.
+void unwrap(Entry &entry) {
+    if (is_bare(entry.text)) {
+        return;
+    }
+    Window window(entry.text);
+    JsonCursor cursor(window);
+    cursor.expect('{', "an entry");
+    if (cursor.peek() != '"') {
+        return;
+    }
+    std::string member = cursor.string("a name");
+    if (member != "acl" && member != "entry") {
+        return;
+    }
+    std::string text;
+    for (;;) {
+        cursor.expect(':', "':'");
+        if (member == "acl" && !entry.key.acl) {
+            entry.key.acl = cursor.string("the access list's name");
+            if (const std::string fault = list_name_fault(*entry.key.acl); !fault.empty()) {
+                throw DataError("", fault);
+            }
+        } else if (member == "entry" && text.empty()) {
+            cursor.object(text, max_entry_bytes, "an entry");
+        } else {
+            throw DataError("", member == "acl" || member == "entry"
+                                    ? "\"" + member + "\" is given twice"
+                                    : "unknown member \"" + printable(member) +
+                                          "\"; expected \"acl\" or \"entry\"");
+        }
+        if (cursor.accept('}')) {
+            break;
+        }
+        cursor.expect(',', "',' or '}'");
+        member = cursor.string("\"acl\" or \"entry\"");
+    }
+    if (cursor.peek() != -1) {
+        cursor.unexpected("the end of the line");
+    }
+    if (text.empty()) {
+        throw DataError("", "\"acl\" without \"entry\"");
+    }
+    entry.text = std::move(text);
+}
+
+class ObjectSource : public Source {
+  public:
+    ObjectSource(Window window, bool lines, std::optional<Schema> schema)
+        : window_(std::move(window)), cursor_(window_), lines_(lines), schema_(schema) {}
+
+    bool next(Entry &entry) override {
+        if (!schema_ && held_.empty()) {
+            look_ahead();
+        }
+        if (held_.empty()) {
+            return take(entry);
+        }
+        Held held = std::move(held_.front());
+        held_.pop_front();
+        entry = std::move(held.entry);
+        entry.schema = schema_.value_or(Schema::base);
+        if (held.fault) {
+            std::rethrow_exception(held.fault);
+        }
+        return true;
+    }
+
+    [[nodiscard]] std::optional<Schema> schema() const override { return schema_; }
+
+  private:
+    struct Held {
+        Entry entry;
+        std::exception_ptr fault;
+    };
+
+    /// Reads as many entries as it takes until one tells the schema.
+    void look_ahead() {
+        bool silent = false; // an entry that fits both schemas
+        while (!schema_) {
+            Held held;
+            try {
+                if (!take(held.entry)) {
+                    break;
+                }
+                schema_ = tell_schema(held.entry.text);
+                silent = silent || !schema_;
+            } catch (const DataError &) {
+                held.fault = std::current_exception();
+            }
+            held_.push_back(std::move(held));
+        }
+        if (!schema_ && silent) {
+            throw UsageError("nothing in the entries tells their schema; give --schema base or "
+                             "--schema um");
+        }
+    }
+
+    /// Reads one entry; false at the end.
+    bool take(Entry &entry) {
+        if (ended_ || cursor_.peek() < 0) { // empty lines are passed over
+            return false;
+        }
+        entry.position = {cursor_.line(), ++ordinal_};
+        entry.key = {};
+        entry.schema = schema_.value_or(Schema::base);
+        entry.format = Format::json;
+        entry.text.clear();
+        bool fits = false;
+        try {
+            fits = lines_ ? take_line(entry.text)
+                          : cursor_.object(entry.text, max_line_bytes, "an entry");
+        } catch (const StreamError &) {
+            ended_ = true;
+            throw;
+        }
+        if (!fits) {
+            throw DataError("",
+                            "an entry longer than " + std::to_string(max_line_bytes) + " bytes");
+        }
+        try {
+            unwrap(entry);
+        } catch (const StreamError &e) { // of this one object
+            throw DataError(e.path(), e.what());
+        }
+        return true;
+    }
+
+    /// The rest of the line; false for one that is too long, which is passed over.
+    bool take_line(std::string &text) {
+        bool fits = true;
+        for (bool more = true; more;) {
+            const std::string_view view = window_.view();
+            const std::size_t length = std::min(view.find('\n'), view.size());
+            fits = fits && text.size() + length <= max_line_bytes;
+            if (fits) {
+                text.append(view.substr(0, length));
+            }
+            more = length == view.size();
+            window_.take(length);
+            more = more && window_.more();
+        }
+        return fits;
+    }
+
+    static constexpr std::size_t max_line_bytes =
+        max_entry_bytes + 8192; // with a list's name around it
+
+    Window window_;
+    JsonCursor cursor_;
+    bool lines_;
+    std::optional<Schema> schema_;
+    std::uint64_t ordinal_ = 0;
+    bool ended_ = false;
+    std::deque<Held> held_;
+};
+
+} // namespace
+
+std::unique_ptr<Source> make_object_source(Window window, bool lines,
+                                           std::optional<Schema> schema) {
+    return std::make_unique<ObjectSource>(std::move(window), lines, schema);
+}
+
+} // namespace aceconv

@@ -1,0 +1,38 @@
+// Where entries go: a document, entries one a line, or a sequence of encodings.
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "host/entry.h"
+#include "stream/output.h"
+
+namespace aceconv {
+
+enum class OutputFormat { json, xml, ndjson, cbor };
+
+/// The format of the entry texts that a sink of this format takes.
+constexpr Format text_format(OutputFormat format) {
+    return format == OutputFormat::xml ? Format::xml : Format::json;
+}
+
+class Sink {
+  public:
+    virtual ~Sink() = default;
+    /// Writes one entry: its text on one line, or its encoding. Throws DataError
+    /// when the format has no place for it, and what Output::write throws.
+    virtual void write(const EntryKey &key, std::string_view entry) = 0;
+    /// Completes the output; nothing may follow.
+    virtual void close() = 0;
+};
+
+/// Documents need each entry's list name and sequence number, and the entries
+/// of a list together. Entries without a list name are written bare: in JSON
+/// one a line, in XML not more than one.
+std::unique_ptr<Sink> make_sink(OutputFormat format, Schema schema, Output &output);
+
+/// Completes the output of a run. When it was `stopped` by a fault, a file is
+/// dropped, while what readers can see already is made whole; returns false then.
+bool finish(Output &output, Sink &sink, bool stopped);
+
+} // namespace aceconv

@@ -1,0 +1,78 @@
+// Where entries come from: one at a time, from a document, from entries one a
+// line, or from a sequence of encodings.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "host/entry.h"
+#include "stream/window.h"
+
+namespace aceconv {
+
+using Bytes = std::vector<std::uint8_t>;
+/// An encoding that someone else holds.
+using Encoding = std::span<const std::uint8_t>;
+
+inline void append(std::string &bytes, Encoding encoding) {
+    bytes.append(reinterpret_cast<const char *>(encoding.data()), encoding.size());
+}
+
+/// json: a document, or entries as objects one after the other; ndjson: an
+/// entry a line; xml: a document or one entry; cbor: encodings.
+enum class InputFormat { json, ndjson, xml, cbor };
+
+struct Position {
+    std::uint64_t line = 0;    // of the entry's first character; 0 where there are no lines
+    std::uint64_t ordinal = 0; // counted from 1
+};
+
+/// One entry: its text, or its encoding.
+struct Entry {
+    EntryKey key = {};
+    Position position = {};
+    Schema schema = Schema::base;
+    bool in_document = false;          // stands in a named list, so it needs a sequence number
+    std::optional<Format> format = {}; // of the text; none for an encoding
+    std::string text = {};
+    Bytes encoding = {};
+};
+
+class Source {
+  public:
+    virtual ~Source() = default;
+
+    /// Moves on to the next entry; false at the end. `entry` may be one that was
+    /// used before. Throws DataError for a fault of this one entry, after which
+    /// the next call goes on behind it, and StreamError where the rest cannot be
+    /// read. `entry.position` tells where in either case.
+    virtual bool next(Entry &entry) = 0;
+
+    /// The schema of the data, once it is known.
+    [[nodiscard]] virtual std::optional<Schema> schema() const = 0;
+};
+
+/// Opens `path` ("-" is standard input). Format and schema are recognised from
+/// the data when they are not given; the schema of encodings is base unless
+/// given. `meter` follows the reading. Throws IoError, StreamError, or UsageError
+/// when nothing tells.
+std::unique_ptr<Source>
+open_source(const std::string &path, std::optional<InputFormat> format,
+            std::optional<Schema> schema,
+            std::shared_ptr<InputMeter> meter = std::make_shared<InputMeter>());
+
+/// The same over any input. What an empty input holds is no entries.
+std::unique_ptr<Source> make_source(Window window, std::optional<InputFormat> format,
+                                    std::optional<Schema> schema);
+
+/// The formats' sources.
+std::unique_ptr<Source> make_json_source(Window window, std::optional<Schema> schema);
+std::unique_ptr<Source> make_object_source(Window window, bool lines, std::optional<Schema> schema);
+std::unique_ptr<Source> make_xml_source(Window window, std::optional<Schema> schema);
+std::unique_ptr<Source> make_encoding_source(Window window, Schema schema);
+
+} // namespace aceconv

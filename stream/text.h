@@ -1,0 +1,44 @@
+// Small pieces of text handling that several files share.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "host/entry.h"
+
+namespace aceconv {
+
+constexpr bool is_json_blank(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+
+/// `text` with control characters and what is no UTF-8 as \xNN, so that data
+/// cannot drive a terminal.
+std::string escaped(std::string_view text);
+
+/// The same, cut when it is long: data inside a message.
+std::string printable(std::string_view text);
+
+/// Why `name` cannot be the name of an access list; "" when it can.
+std::string list_name_fault(std::string_view name);
+
+/// "base" or "um".
+std::string_view schema_name(Schema schema);
+
+/// `name` without the prefix "module:", and the schema when it had one that is
+/// known; nothing when the prefix is unknown.
+struct QualifiedName {
+    std::string_view local;
+    std::optional<Schema> schema;
+};
+std::optional<QualifiedName> split_name(std::string_view name);
+
+/// The schema that an entry with this top-level node must belong to, when only
+/// one of them has it.
+std::optional<Schema> schema_of_node(std::string_view name);
+
+/// "the <base|um> schema" of this module or namespace, or nothing.
+std::optional<Schema> schema_of_namespace(std::string_view ns);
+
+} // namespace aceconv

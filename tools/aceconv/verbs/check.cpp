@@ -1,0 +1,83 @@
+// aceconv check: which entries do not come back the same.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <unistd.h>
+
+#include "compare/changes.h"
+#include "compare/leaves.h"
+#include "compare/record_view.h"
+#include "stream/errors.h"
+#include "tools/aceconv/options.h"
+#include "tools/aceconv/run.h"
+
+namespace aceconv::tool {
+namespace {
+
+struct CheckOptions {
+    CommonOptions common;
+    InputOptions input;
+};
+
+/// What is not the same after the entry was encoded, decoded and encoded again.
+std::vector<Change> check(Codec &codec, const RecordView &view, Entry &entry) {
+    const Encoding encoded = codec.encode(entry);
+    const Bytes encoding(encoded.begin(), encoded.end());
+    std::vector<Change> changes;
+    if (entry.format) {
+        changes = lost_leaves(codec, entry, encoding);
+    }
+    Entry again{.key = entry.key, .schema = entry.schema, .format = Format::json};
+    codec.decode(encoding, entry.schema, Format::json, entry.key, again.text);
+    const Encoding second = codec.encode(again);
+    if (std::equal(second.begin(), second.end(), encoding.begin(), encoding.end())) {
+        return changes;
+    }
+    const DecodedRecord before(codec.descriptor(), encoding);
+    const DecodedRecord after(codec.descriptor(), second);
+    for (Change &change : field_changes(view.compare(before, after, entry.schema), entry.schema)) {
+        changes.push_back(std::move(change));
+    }
+    return changes;
+}
+
+int run(const CheckOptions &options) {
+    Run run(options.common, options.input, "-");
+    if (!run.opened()) {
+        return run.conclude();
+    }
+    const RecordView view(run.descriptor());
+    Output output("-");
+    const Style style(STDOUT_FILENO);
+    std::uint64_t changed = 0;
+    run.each([&view](Codec &codec, Entry &entry,
+                     Product &product) { product.changes = check(codec, view, entry); },
+             [&](const Entry &entry, const Product &product) {
+                 changed += product.changes.empty() ? 0U : 1U;
+                 for (const Change &change : product.changes) {
+                     if (!options.common.quiet) {
+                         output.write(style.bold(shown_entry(entry.key, entry.position)) + ": " +
+                                      change_text(change) + "\n");
+                     }
+                 }
+             });
+    if (!options.common.quiet && !run.stopped()) {
+        output.write(std::to_string(run.tally().entries) + " entries checked, " +
+                     std::to_string(changed) + " do not come back the same\n");
+    }
+    output.commit();
+    const int status = run.conclude();
+    return changed != 0 ? exit_data : status;
+}
+
+} // namespace
+
+void add_check(CLI::App &app, int &status) {
+    auto options = std::make_shared<CheckOptions>();
+    CLI::App *verb = app.add_subcommand(
+        "check", "Encode, decode and encode again; show what does not come back the same");
+    add_input(*verb, options->input, "The entries' schema, when the data does not tell");
+    add_common(*verb, options->common);
+    verb->callback([options, &status] { status = run(*options); });
+}
+
+} // namespace aceconv::tool

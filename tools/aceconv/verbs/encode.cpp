@@ -1,0 +1,108 @@
+// aceconv encode: entries to encodings.
+#include <CLI/CLI.hpp>
+#include <map>
+#include <unistd.h>
+
+#include "compare/decoded_record.h"
+#include "stream/errors.h"
+#include "stream/sink.h"
+#include "tools/aceconv/options.h"
+#include "tools/aceconv/run.h"
+
+namespace aceconv::tool {
+namespace {
+
+struct EncodeOptions {
+    CommonOptions common;
+    InputOptions input;
+    std::string output = "-";
+    std::string stored;
+};
+
+/// The entries' earlier encodings: by list name and sequence number where they
+/// have labels, else by position.
+class StoredEncodings {
+  public:
+    StoredEncodings(const std::string &path, const bag_descriptor &descriptor) {
+        const auto source = open_source(path, InputFormat::cbor, Schema::base);
+        Entry entry;
+        while (source->next(entry)) {
+            // The encoder would pass over one that cannot be read, and lose what it holds.
+            static_cast<void>(DecodedRecord(descriptor, entry.encoding));
+            const bool labelled = entry.key.acl || entry.key.sequence;
+            auto &place = labelled ? by_key_[{entry.key.acl, entry.key.sequence}]
+                                   : by_position_[entry.position.ordinal];
+            place = std::move(entry.encoding);
+        }
+    }
+
+    /// The one of this entry, or null. Its sequence number may not be known yet.
+    [[nodiscard]] const Bytes *find(const EntryKey &key, std::uint64_t ordinal) const {
+        const auto named = by_key_.find({key.acl, key.sequence});
+        if (named != by_key_.end()) {
+            return &named->second;
+        }
+        const auto placed = by_position_.find(ordinal);
+        return placed != by_position_.end() ? &placed->second : nullptr;
+    }
+
+  private:
+    std::map<std::pair<std::optional<std::string>, std::optional<std::uint32_t>>, Bytes> by_key_;
+    std::map<std::uint64_t, Bytes> by_position_;
+};
+
+int run(const EncodeOptions &options) {
+    Run run(options.common, options.input, options.output);
+    if (!run.opened()) {
+        return run.conclude();
+    }
+    if (options.output == "-" && isatty(STDOUT_FILENO) == 1) {
+        throw UsageError("encodings are not for a terminal; redirect the output or give -o FILE");
+    }
+    std::optional<StoredEncodings> stored;
+    if (!options.stored.empty()) {
+        try {
+            stored.emplace(options.stored, run.descriptor());
+        } catch (const DataError &e) {
+            FaultReport(options.stored).add({}, {}, e);
+            return exit_data;
+        }
+    }
+    Output output(options.output);
+    const auto sink = make_sink(OutputFormat::cbor, Schema::base, output);
+    run.each(
+        [&stored](Codec &codec, Entry &entry, Product &product) {
+            if (!entry.format) {
+                throw StreamError("", "an encoding already; expected entries in JSON or XML");
+            }
+            if (stored && entry.schema == Schema::um) {
+                throw UsageError("--stored has no effect on entries of the UM schema");
+            }
+            Encoding encoding = codec.encode(entry);
+            if (const Bytes *earlier =
+                    stored ? stored->find(entry.key, entry.position.ordinal) : nullptr) {
+                encoding = codec.encode(entry, *earlier);
+            }
+            append(product.bytes, encoding);
+        },
+        [&](const Entry &entry, const Product &product) { sink->write(entry.key, product.bytes); });
+    finish(output, *sink, run.stopped());
+    return run.conclude();
+}
+
+} // namespace
+
+void add_encode(CLI::App &app, int &status) {
+    auto options = std::make_shared<EncodeOptions>();
+    CLI::App *verb = app.add_subcommand("encode", "Encode entries of access lists");
+    add_input(*verb, options->input, "The entries' schema, when the data does not tell");
+    add_output(*verb, options->output);
+    verb->add_option("--stored", options->stored,
+                     "Earlier encodings of the entries, whose user-defined fields are kept "
+                     "(base schema)")
+        ->type_name("FILE");
+    add_common(*verb, options->common);
+    verb->callback([options, &status] { status = run(*options); });
+}
+
+} // namespace aceconv::tool

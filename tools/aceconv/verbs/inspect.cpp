@@ -1,0 +1,129 @@
+// aceconv inspect: records as an engineer reads them.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <unistd.h>
+
+#include "compare/record_view.h"
+#include "stream/errors.h"
+#include "tools/aceconv/options.h"
+#include "tools/aceconv/run.h"
+
+namespace aceconv::tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct InspectOptions {
+    CommonOptions common;
+    InputOptions input;
+    std::string output = "-";
+    bool json = false;
+};
+
+struct Inspected {
+    std::size_t bytes;
+    std::uint64_t mask, mask2;
+    std::vector<FieldValue> fields;
+};
+
+std::string hex(std::uint64_t mask) {
+    char text[20];
+    std::snprintf(text, sizeof text, "0x%016lx", mask);
+    return text;
+}
+
+std::string as_text(const Entry &entry, const Inspected &inspected, const Style &style) {
+    std::string text =
+        style.bold(shown_entry(entry.key, entry.position)) +
+        style.faint(": " + std::to_string(inspected.bytes) + " bytes encoded, masks " +
+                    hex(inspected.mask) + " " + hex(inspected.mask2)) +
+        "\n";
+    for (const FieldValue &field : inspected.fields) {
+        char place[64];
+        if (field.width == 0) {
+            std::snprintf(place, sizeof place, "  %-20s %4s  ", bits_text(field.bits).c_str(), "");
+        } else {
+            std::snprintf(place, sizeof place, "  %-20s %4zu  ", bits_text(field.bits).c_str(),
+                          field.offset);
+        }
+        char name[32];
+        std::snprintf(name, sizeof name, "%-22s ", field.name.c_str());
+        text += style.faint(place) + name + value_text(field);
+        text += field.note.empty() ? "\n" : style.red("  ! " + field.note) + "\n";
+    }
+    return text;
+}
+
+std::string as_json(const Entry &entry, const Inspected &inspected) {
+    Json fields = Json::array();
+    for (const FieldValue &field : inspected.fields) {
+        Json row = {{"name", field.name}};
+        Json &bits = row["bits"] = Json::array();
+        for (const int bit : field.bits) {
+            bits.push_back(bit_name(bit));
+        }
+        if (field.width != 0) {
+            row["offset"] = field.offset;
+            row["width"] = field.width;
+            row["value"] = field.value;
+        }
+        if (!field.keyword.empty()) {
+            row["keyword"] = field.keyword;
+        }
+        if (!field.note.empty()) {
+            row["note"] = field.note;
+        }
+        fields.push_back(std::move(row));
+    }
+    const Json shown = {{"acl", entry.key.acl ? Json(*entry.key.acl) : Json()},
+                        {"sequence", entry.key.sequence ? Json(*entry.key.sequence) : Json()},
+                        {"bytes", inspected.bytes},
+                        {"ConfigurationMask", hex(inspected.mask)},
+                        {"ConfigurationMask2", hex(inspected.mask2)},
+                        {"fields", std::move(fields)}};
+    return shown.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+int run(const InspectOptions &options) {
+    Run run(options.common, options.input, options.output);
+    if (!run.opened()) {
+        return run.conclude();
+    }
+    const RecordView view(run.descriptor());
+    Output output(options.output);
+    const Style style(options.output == "-" ? STDOUT_FILENO : -1);
+    if (!options.json && !options.common.quiet) {
+        output.write(style.faint("  presence bits      offset  field                  value\n"));
+    }
+    run.each(
+        [&](Codec &codec, Entry &entry, Product &product) {
+            const Encoding encoding = codec.encode(entry);
+            const DecodedRecord record(codec.descriptor(), encoding);
+            const Inspected inspected{encoding.size(), record.get().ConfigurationMask,
+                                      record.get().ConfigurationMask2,
+                                      view.describe(record.get(), entry.schema)};
+            product.bytes =
+                options.json ? as_json(entry, inspected) : as_text(entry, inspected, style);
+        },
+        [&](const Entry & /*entry*/, const Product &product) { output.write(product.bytes); });
+    if (!run.stopped() || output.visible()) {
+        output.commit();
+    }
+    return run.conclude();
+}
+
+} // namespace
+
+void add_inspect(CLI::App &app, int &status) {
+    auto options = std::make_shared<InspectOptions>();
+    CLI::App *verb = app.add_subcommand(
+        "inspect", "Show the records of encodings, or of entries: every field that is present");
+    add_input(*verb, options->input,
+              "The entries' schema; of encodings, the one whose names are shown");
+    add_output(*verb, options->output);
+    verb->add_flag("--json", options->json, "Write one JSON object for each record, one a line");
+    add_common(*verb, options->common);
+    verb->callback([options, &status] { status = run(*options); });
+}
+
+} // namespace aceconv::tool
