@@ -142,7 +142,7 @@ def aceconv(inputs, name, source, complete, *arguments, threads=1, once=False):
 
 BASE_TO_LINES = "decode", "--schema", "base", "--to", "ndjson"
 UM_TO_LINES = "decode", "--schema", "um", "--to", "ndjson"
-BASE_TO_UM = "convert", "--from", "base", "--to", "um", "--to-format", "ndjson"
+BASE_TO_UM = "convert", "--no-losses", "--from", "base", "--to", "um", "--to-format", "ndjson"
 
 
 def aceconv_streams(inputs):

@@ -1,4 +1,4 @@
-// Failures of the command beside bad data, each with its exit code.
+// Failures beside bad data.
 #pragma once
 
 #include <stdexcept>
@@ -7,8 +7,6 @@
 #include "host/error.h"
 
 namespace aceconv {
-
-enum ExitCode { exit_ok = 0, exit_data = 1, exit_usage = 2, exit_io = 3 };
 
 /// A call that asks for something that cannot be meant.
 class UsageError : public std::runtime_error {

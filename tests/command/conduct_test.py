@@ -77,7 +77,7 @@ class Messages(Case):
             with self.subTest(text[:80]):
                 schema = ("--schema", "base") if text.startswith('{"acl"') else ()
                 code, _, err = self.run_command("encode", *schema, stdin=text)
-                self.assertEqual(code, 1, err)
+                self.assertEqual(code, 2, err)
                 self.assertRegex(err, r"\Aaceconv: <stdin>:" + said)
                 self.assertEqual(err.count("\n"), 1, err)
 
@@ -88,7 +88,7 @@ class Messages(Case):
                 data = change(good)
                 self.assertTrue(self.run_command("decode", stdin=data)[2].startswith("aceconv: <st"))
                 code, _, err = self.run_command("inspect", "-q", "--json", stdin=data)
-                self.assertEqual(code, 1)
+                self.assertEqual(code, 2)
                 self.assertRegex(err, "aceconv: <stdin>:.*" +
                                  (said % len(good) if "%d" in said else said))
 
@@ -114,12 +114,12 @@ class Messages(Case):
                 (3, ("encode", doc, "--plugin", doc), doc),
                 (3, ("encode", doc, "--modules", missing), "cannot load the YANG modules"),
                 (3, ("--version", "--plugin", missing), missing),
-                (1, ("decode", doc), "expected encodings"),
-                (1, ("encode", "--schema", "um", doc), "of the base schema; expected the um")]:
+                (2, ("decode", doc), "expected encodings"),
+                (2, ("encode", "--schema", "um", doc), "of the base schema; expected the um")]:
             with self.subTest(args):
                 got, out, err = self.run_command(*args)
                 if said is None:  # the stored file is looked at first, and is no encoding
-                    self.assertEqual(got, 1, err)
+                    self.assertEqual(got, 2, err)
                     continue
                 self.assertEqual((got, out), (code, b""), err)
                 self.assertIn(said, err)
@@ -155,7 +155,7 @@ class KeepGoing(Case):
     def test_every_bad_entry_is_reported_and_the_rest_converted(self):
         target = self.dir / "out"
         code, _, err = self.run_command("encode", "--keep-going", "-o", target, stdin=self.LINES)
-        self.assertEqual(code, 1)
+        self.assertEqual(code, 2)
         lines = err.splitlines()
         self.assertEqual([line.split(":")[2] for line in lines], ["2", "3", "5"])
         self.assertRegex(self.summary, "^aceconv: 6 entries, 3 errors; ")
@@ -170,22 +170,22 @@ class KeepGoing(Case):
         for args in (("inspect", "--json", path), ("check", path), ("diff", path, good),
                      ("convert", "--from", "base", "--to", "um", path)):
             code, out, err = self.run_command(*args, "--keep-going")
-            self.assertEqual((code, len([l for l in err.splitlines() if "entry 20" in l])), (1, 1))
+            self.assertEqual((code, len([l for l in err.splitlines() if "entry 20" in l])), (2, 1))
             self.assertNotIn(b"only in", out)
         # A fault of the frame ends the input, but not what came before it.
         cut = self.ok("encode", good)[:-1]
         code, out, _ = self.run_command("decode", "--keep-going", stdin=cut)
-        self.assertEqual(code, 1)
+        self.assertEqual(code, 2)
         self.assertEqual(len(json.loads(out)["aceconv-base:acls"]["acl"][0]["entry"]), 1)
 
     def test_stops_at_the_first_without(self):
         code, out, err = self.run_command("encode", stdin=self.LINES)
-        self.assertEqual((code, err.count("\n")), (1, 1))
+        self.assertEqual((code, err.count("\n")), (2, 1))
         self.assertRegex(self.summary, "^aceconv: stopped: 2 entries, 1 error; ")
         self.assertEqual(len(self.records(stdin=out)), 1)  # what is out already is whole
         source = document("base", ("X", numbered(GOOD, {"grant": "drop"})))
         code, out, _ = self.run_command("convert", "--from", "base", "--to", "um", stdin=source)
-        self.assertEqual((code, len(json.loads(out)["aceconv-um:acls"]["acl"][0]["entry"])), (1, 1))
+        self.assertEqual((code, len(json.loads(out)["aceconv-um:acls"]["acl"][0]["entry"])), (2, 1))
 
     def test_what_a_document_has_no_place_for(self):
         named, bare = '{"acl":"%s","entry":{"sequence-number":%d}}\n', '{"sequence-number":1}\n'
@@ -197,7 +197,7 @@ class KeepGoing(Case):
                 (bare * 2, "xml", "second entry"), (unnumbered, "json", "without a sequence number")]:
             encoded = self.ok("encode", "--schema", "base", stdin=text)
             code, _, err = self.run_command("decode", "--to", form, stdin=encoded)
-            self.assertEqual(code, 1)
+            self.assertEqual(code, 2)
             self.assertRegex(err, f"{said}.*; write ndjson instead")
             lines = self.ok("decode", "--to", "ndjson", stdin=encoded)
             self.assertEqual(self.ok("encode", "--schema", "base", stdin=lines), encoded)
@@ -213,7 +213,7 @@ class Output(Case):
         for target in (old, str(self.dir / "new")):
             for args in (("encode", bad), ("inspect", bad),
                          ("convert", "--from", "base", "--to", "um", "--report", target, bad)):
-                self.assertEqual(self.run_command(*args, "-o", target)[0], 1)
+                self.assertEqual(self.run_command(*args, "-o", target)[0], 2)
         self.assertEqual(self.left(), ["bad", "old"])
         with open(old, encoding="utf-8") as file:
             self.assertEqual(file.read(), "old content")
@@ -284,7 +284,7 @@ class Terminal(Case):
         for args, traced in (((), False), (("--trace",), True), (("--trace=set_ipv4",), True),
                              (("--trace=^acl_yang",), False)):
             code, _, err = self.run_command("encode", *args, stdin=bad)
-            self.assertEqual((code, line in err), (1, traced), args)
+            self.assertEqual((code, line in err), (2, traced), args)
 
 
 if __name__ == "__main__":

@@ -1,24 +1,17 @@
-// What every verb is told on the command line, and what it needs to start.
+// What verbs are told on the command line.
 #pragma once
 
 #include <algorithm>
-#include <filesystem>
-#include <memory>
 #include <optional>
 #include <string>
 #include <thread>
 
 #include "stream/codec.h"
-#include "stream/sink.h"
 #include "stream/source.h"
-
-namespace CLI {
-class App;
-class Option;
-} // namespace CLI
 
 namespace aceconv::tool {
 
+/// Of every verb.
 struct CommonOptions {
     std::string plugin;  // empty: found beside the program
     std::string modules; // empty: found beside the program
@@ -26,7 +19,7 @@ struct CommonOptions {
     std::string trace; // an expression for function names; empty: off
     unsigned jobs = std::max(std::thread::hardware_concurrency(), 1U);
     bool keep_going = false;
-    bool quiet = false;
+    bool quiet = false; // no progress, no summary
     bool progress = false;
 };
 
@@ -36,31 +29,11 @@ struct InputOptions {
     std::optional<Schema> schema;
 };
 
-/// The options of every verb.
-void add_common(CLI::App &verb, CommonOptions &options);
-/// --plugin and --modules.
-void add_places(CLI::App &app, CommonOptions &options);
-/// The input file, --from-format and, with a description, --schema.
-void add_input(CLI::App &verb, InputOptions &options, const char *schema_help);
-CLI::Option *add_schema(CLI::App &verb, const char *name, std::optional<Schema> &schema,
-                        const char *help);
-
-void add_output(CLI::App &verb, std::string &path);
-/// A text format to write; `name` is the option's.
-void add_output_format(CLI::App &verb, const char *name, OutputFormat &format);
-
-/// Loads the plug-in, finds the YANG modules and switches the trace on. Throws
-/// IoError, or UsageError for a bad expression.
-CodecSetup start(const CommonOptions &options);
-Plugin find_plugin(const CommonOptions &options);
-std::filesystem::path find_modules(const CommonOptions &options);
-
-/// The verbs. Each adds itself to the command line and leaves its exit code in `status`.
-void add_encode(CLI::App &app, int &status);
-void add_decode(CLI::App &app, int &status);
-void add_inspect(CLI::App &app, int &status);
-void add_convert(CLI::App &app, int &status);
-void add_check(CLI::App &app, int &status);
-void add_diff(CLI::App &app, int &status);
+/// Of the verbs whose result can say less than their input.
+struct LossOptions {
+    std::string report;  // a file to list the losses in; empty: none
+    bool strict = false; // any loss makes the exit code exit_verdict
+    bool unsaid = false; // no lines on standard error for them
+};
 
 } // namespace aceconv::tool

@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include "stream/errors.h"
+#include "tools/aceconv/exit_code.h"
+#include "tools/aceconv/setup.h"
 
 namespace aceconv::tool {
 namespace {
@@ -86,7 +88,7 @@ int Run::conclude() {
     if (!common_.quiet) {
         say((stopped_ ? "stopped: " : "") + summary(tally_, progress_->seconds()));
     }
-    return tally_.errors == 0 ? exit_ok : exit_data;
+    return tally_.errors == 0 ? exit_ok : exit_trouble;
 }
 
 } // namespace aceconv::tool

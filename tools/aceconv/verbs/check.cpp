@@ -1,5 +1,4 @@
 // aceconv check: which entries do not come back the same.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <unistd.h>
 
@@ -7,16 +6,12 @@
 #include "compare/leaves.h"
 #include "compare/record_view.h"
 #include "stream/errors.h"
-#include "tools/aceconv/options.h"
+#include "tools/aceconv/exit_code.h"
 #include "tools/aceconv/run.h"
+#include "tools/aceconv/verbs/verbs.h"
 
 namespace aceconv::tool {
 namespace {
-
-struct CheckOptions {
-    CommonOptions common;
-    InputOptions input;
-};
 
 /// What is not the same after the entry was encoded, decoded and encoded again.
 std::vector<Change> check(Codec &codec, const RecordView &view, Entry &entry) {
@@ -40,7 +35,9 @@ std::vector<Change> check(Codec &codec, const RecordView &view, Entry &entry) {
     return changes;
 }
 
-int run(const CheckOptions &options) {
+} // namespace
+
+int run_check(const CheckOptions &options) {
     Run run(options.common, options.input, "-");
     if (!run.opened()) {
         return run.conclude();
@@ -54,10 +51,8 @@ int run(const CheckOptions &options) {
              [&](const Entry &entry, const Product &product) {
                  changed += product.changes.empty() ? 0U : 1U;
                  for (const Change &change : product.changes) {
-                     if (!options.common.quiet) {
-                         output.write(style.bold(shown_entry(entry.key, entry.position)) + ": " +
-                                      change_text(change) + "\n");
-                     }
+                     output.write(style.bold(shown_entry(entry.key, entry.position)) + ": " +
+                                  change_text(change) + "\n");
                  }
              });
     if (!options.common.quiet && !run.stopped()) {
@@ -65,19 +60,7 @@ int run(const CheckOptions &options) {
                      std::to_string(changed) + " do not come back the same\n");
     }
     output.commit();
-    const int status = run.conclude();
-    return changed != 0 ? exit_data : status;
-}
-
-} // namespace
-
-void add_check(CLI::App &app, int &status) {
-    auto options = std::make_shared<CheckOptions>();
-    CLI::App *verb = app.add_subcommand(
-        "check", "Encode, decode and encode again; show what does not come back the same");
-    add_input(*verb, options->input, "The entries' schema, when the data does not tell");
-    add_common(*verb, options->common);
-    verb->callback([options, &status] { status = run(*options); });
+    return std::max<int>(changed != 0 ? exit_verdict : exit_ok, run.conclude());
 }
 
 } // namespace aceconv::tool

@@ -1,6 +1,5 @@
 // aceconv convert: from one schema to the other through the record, with an
 // account of everything that did not come along.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 
 #include "compare/changes.h"
@@ -8,21 +7,12 @@
 #include "compare/record_view.h"
 #include "stream/errors.h"
 #include "stream/text.h"
-#include "tools/aceconv/options.h"
+#include "tools/aceconv/exit_code.h"
 #include "tools/aceconv/run.h"
+#include "tools/aceconv/verbs/verbs.h"
 
 namespace aceconv::tool {
 namespace {
-
-struct ConvertOptions {
-    CommonOptions common;
-    InputOptions input; // its schema is the one to convert from
-    std::optional<Schema> to;
-    std::string output = "-";
-    OutputFormat format = OutputFormat::json;
-    std::string report;
-    bool strict = false;
-};
 
 /// Where `differences` tell of a field of the source record, shows it as the
 /// source schema names it.
@@ -107,13 +97,15 @@ class LossReport {
     bool first_ = true;
 };
 
-int run(const ConvertOptions &options) {
+} // namespace
+
+int run_convert(const ConvertOptions &options) {
     const Schema from = *options.input.schema;
     const Schema to = *options.to;
     if (from == to) {
         throw UsageError("--from and --to name the same schema");
     }
-    if (options.output == "-" && options.report == "-") {
+    if (options.output == "-" && options.losses.report == "-") {
         throw UsageError("the output and --report cannot both be standard output");
     }
     Run run(options.common, options.input, options.output);
@@ -124,8 +116,8 @@ int run(const ConvertOptions &options) {
     Output output(options.output);
     const auto sink = make_sink(options.format, to, output);
     std::optional<LossReport> report;
-    if (!options.report.empty()) {
-        report.emplace(options.report, from, to);
+    if (!options.losses.report.empty()) {
+        report.emplace(options.losses.report, from, to);
     }
     Tally &tally = run.tally();
     run.each([&view, to, format = text_format(options.format)](
@@ -136,7 +128,7 @@ int run(const ConvertOptions &options) {
                  tally.entries_with_losses += product.changes.empty() ? 0U : 1U;
                  tally.losses += product.changes.size();
                  for (const Change &loss : product.changes) {
-                     if (!options.common.quiet) {
+                     if (!options.losses.unsaid) {
                          say(shown_place(run.file(), entry.position, entry.key) +
                              "loss: " + change_text(loss));
                      }
@@ -148,26 +140,8 @@ int run(const ConvertOptions &options) {
     if (finish(output, *sink, run.stopped()) && report) {
         report->finish(tally.entries, tally.entries_with_losses);
     }
-    const int status = run.conclude();
-    return options.strict && tally.losses != 0 ? exit_data : status;
-}
-
-} // namespace
-
-void add_convert(CLI::App &app, int &status) {
-    auto options = std::make_shared<ConvertOptions>();
-    CLI::App *verb = app.add_subcommand(
-        "convert", "Convert entries from one schema to the other, and list what is lost");
-    add_input(*verb, options->input, nullptr);
-    add_schema(*verb, "--from", options->input.schema, "The schema to convert from")->required();
-    add_schema(*verb, "--to", options->to, "The schema to convert to")->required();
-    add_output(*verb, options->output);
-    add_output_format(*verb, "--to-format", options->format);
-    verb->add_option("--report", options->report, "Write the losses to this file, as JSON")
-        ->type_name("FILE");
-    verb->add_flag("--strict", options->strict, "Exit with 1 when anything is lost");
-    add_common(*verb, options->common);
-    verb->callback([options, &status] { status = run(*options); });
+    const bool failed = options.losses.strict && tally.losses != 0;
+    return std::max<int>(failed ? exit_verdict : exit_ok, run.conclude());
 }
 
 } // namespace aceconv::tool

@@ -1,22 +1,12 @@
 // aceconv decode: encodings to entries.
-#include <CLI/CLI.hpp>
-
 #include "stream/errors.h"
 #include "stream/sink.h"
-#include "tools/aceconv/options.h"
 #include "tools/aceconv/run.h"
+#include "tools/aceconv/verbs/verbs.h"
 
 namespace aceconv::tool {
-namespace {
 
-struct DecodeOptions {
-    CommonOptions common;
-    InputOptions input;
-    std::string output = "-";
-    OutputFormat format = OutputFormat::json;
-};
-
-int run(const DecodeOptions &options) {
+int run_decode(const DecodeOptions &options) {
     Run run(options.common, options.input, options.output);
     if (!run.opened()) {
         return run.conclude();
@@ -35,18 +25,6 @@ int run(const DecodeOptions &options) {
         [&](const Entry &entry, const Product &product) { sink->write(entry.key, product.bytes); });
     finish(output, *sink, run.stopped());
     return run.conclude();
-}
-
-} // namespace
-
-void add_decode(CLI::App &app, int &status) {
-    auto options = std::make_shared<DecodeOptions>();
-    CLI::App *verb = app.add_subcommand("decode", "Decode encodings to entries of access lists");
-    add_input(*verb, options->input, "The schema to write; base by default");
-    add_output(*verb, options->output);
-    add_output_format(*verb, "--to", options->format);
-    add_common(*verb, options->common);
-    verb->callback([options, &status] { status = run(*options); });
 }
 
 } // namespace aceconv::tool

@@ -1,5 +1,4 @@
 // aceconv diff: two inputs by what their entries mean.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <map>
 #include <tuple>
@@ -8,16 +7,12 @@
 #include "compare/changes.h"
 #include "compare/record_view.h"
 #include "stream/errors.h"
-#include "tools/aceconv/options.h"
+#include "tools/aceconv/exit_code.h"
 #include "tools/aceconv/run.h"
+#include "tools/aceconv/verbs/verbs.h"
 
 namespace aceconv::tool {
 namespace {
-
-struct DiffOptions {
-    CommonOptions common;
-    InputOptions left, right;
-};
 
 /// What pairs entries: list name, sequence number, and for those without one
 /// their place among the entries of the same kind.
@@ -72,8 +67,8 @@ class Side {
 
 class Comparison {
   public:
-    Comparison(const bag_descriptor &descriptor, bool quiet)
-        : view_(descriptor), descriptor_(descriptor), quiet_(quiet) {}
+    explicit Comparison(const bag_descriptor &descriptor)
+        : view_(descriptor), descriptor_(descriptor) {}
 
     /// Compares the two entries of this key, if both are there by now.
     void pair(const PairKey &key, Side &left, Side &right) {
@@ -96,7 +91,7 @@ class Comparison {
 
     int finish() {
         output_.commit();
-        return different_ == 0 ? exit_ok : exit_data;
+        return different_ == 0 ? exit_ok : exit_verdict;
     }
 
     [[nodiscard]] const Style &style() const { return style_; }
@@ -124,20 +119,19 @@ class Comparison {
     }
 
     void write(const Encoded &entry, const std::string &what) {
-        if (!quiet_) {
-            output_.write(style_.bold(shown_entry(entry.key, entry.position)) + ": " + what + "\n");
-        }
+        output_.write(style_.bold(shown_entry(entry.key, entry.position)) + ": " + what + "\n");
     }
 
     RecordView view_;
     const bag_descriptor &descriptor_;
-    bool quiet_;
     Style style_{STDOUT_FILENO};
     Output output_{"-"};
     std::uint64_t different_ = 0;
 };
 
-int run(const DiffOptions &options) {
+} // namespace
+
+int run_diff(const DiffOptions &options) {
     if (options.left.path == "-" && options.right.path == "-") {
         throw UsageError("only one of the two inputs can be standard input");
     }
@@ -146,7 +140,7 @@ int run(const DiffOptions &options) {
     unseen.quiet = true;
     unseen.progress = false;
     Side right(unseen, options.right);
-    Comparison comparison(left.run().descriptor(), options.common.quiet);
+    Comparison comparison(left.run().descriptor());
     for (bool more = true; more;) {
         more = false;
         for (Side *side : {&left, &right}) {
@@ -168,22 +162,6 @@ int run(const DiffOptions &options) {
     }
     const int status = comparison.finish();
     return std::max(left.run().conclude(), status);
-}
-
-} // namespace
-
-void add_diff(CLI::App &app, int &status) {
-    auto options = std::make_shared<DiffOptions>();
-    CLI::App *verb = app.add_subcommand(
-        "diff", "Compare two inputs, of either schema or encodings, entry by entry and field by "
-                "field; the order of entries does not matter");
-    verb->add_option("A", options->left.path, "The first input")->required();
-    verb->add_option("B", options->right.path, "The second input; - is standard input")->required();
-    add_schema(*verb, "--schema-a", options->left.schema,
-               "The schema of A, when the data does not tell; of encodings, base by default");
-    add_schema(*verb, "--schema-b", options->right.schema, "The same of B");
-    add_common(*verb, options->common);
-    verb->callback([options, &status] { status = run(*options); });
 }
 
 } // namespace aceconv::tool

@@ -1,23 +1,16 @@
 // aceconv encode: entries to encodings.
-#include <CLI/CLI.hpp>
 #include <map>
 #include <unistd.h>
 
 #include "compare/decoded_record.h"
 #include "stream/errors.h"
 #include "stream/sink.h"
-#include "tools/aceconv/options.h"
+#include "tools/aceconv/exit_code.h"
 #include "tools/aceconv/run.h"
+#include "tools/aceconv/verbs/verbs.h"
 
 namespace aceconv::tool {
 namespace {
-
-struct EncodeOptions {
-    CommonOptions common;
-    InputOptions input;
-    std::string output = "-";
-    std::string stored;
-};
 
 /// The entries' earlier encodings: by list name and sequence number where they
 /// have labels, else by position.
@@ -51,7 +44,9 @@ class StoredEncodings {
     std::map<std::uint64_t, Bytes> by_position_;
 };
 
-int run(const EncodeOptions &options) {
+} // namespace
+
+int run_encode(const EncodeOptions &options) {
     Run run(options.common, options.input, options.output);
     if (!run.opened()) {
         return run.conclude();
@@ -65,7 +60,7 @@ int run(const EncodeOptions &options) {
             stored.emplace(options.stored, run.descriptor());
         } catch (const DataError &e) {
             FaultReport(options.stored).add({}, {}, e);
-            return exit_data;
+            return exit_trouble;
         }
     }
     Output output(options.output);
@@ -88,21 +83,6 @@ int run(const EncodeOptions &options) {
         [&](const Entry &entry, const Product &product) { sink->write(entry.key, product.bytes); });
     finish(output, *sink, run.stopped());
     return run.conclude();
-}
-
-} // namespace
-
-void add_encode(CLI::App &app, int &status) {
-    auto options = std::make_shared<EncodeOptions>();
-    CLI::App *verb = app.add_subcommand("encode", "Encode entries of access lists");
-    add_input(*verb, options->input, "The entries' schema, when the data does not tell");
-    add_output(*verb, options->output);
-    verb->add_option("--stored", options->stored,
-                     "Earlier encodings of the entries, whose user-defined fields are kept "
-                     "(base schema)")
-        ->type_name("FILE");
-    add_common(*verb, options->common);
-    verb->callback([options, &status] { status = run(*options); });
 }
 
 } // namespace aceconv::tool

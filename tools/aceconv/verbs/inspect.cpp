@@ -1,24 +1,16 @@
 // aceconv inspect: records as an engineer reads them.
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <unistd.h>
 
 #include "compare/record_view.h"
 #include "stream/errors.h"
-#include "tools/aceconv/options.h"
 #include "tools/aceconv/run.h"
+#include "tools/aceconv/verbs/verbs.h"
 
 namespace aceconv::tool {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-struct InspectOptions {
-    CommonOptions common;
-    InputOptions input;
-    std::string output = "-";
-    bool json = false;
-};
 
 struct Inspected {
     std::size_t bytes;
@@ -84,7 +76,9 @@ std::string as_json(const Entry &entry, const Inspected &inspected) {
     return shown.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
-int run(const InspectOptions &options) {
+} // namespace
+
+int run_inspect(const InspectOptions &options) {
     Run run(options.common, options.input, options.output);
     if (!run.opened()) {
         return run.conclude();
@@ -92,7 +86,7 @@ int run(const InspectOptions &options) {
     const RecordView view(run.descriptor());
     Output output(options.output);
     const Style style(options.output == "-" ? STDOUT_FILENO : -1);
-    if (!options.json && !options.common.quiet) {
+    if (!options.json) {
         output.write(style.faint("  presence bits      offset  field                  value\n"));
     }
     run.each(
@@ -110,20 +104,6 @@ int run(const InspectOptions &options) {
         output.commit();
     }
     return run.conclude();
-}
-
-} // namespace
-
-void add_inspect(CLI::App &app, int &status) {
-    auto options = std::make_shared<InspectOptions>();
-    CLI::App *verb = app.add_subcommand(
-        "inspect", "Show the records of encodings, or of entries: every field that is present");
-    add_input(*verb, options->input,
-              "The entries' schema; of encodings, the one whose names are shown");
-    add_output(*verb, options->output);
-    verb->add_flag("--json", options->json, "Write one JSON object for each record, one a line");
-    add_common(*verb, options->common);
-    verb->callback([options, &status] { status = run(*options); });
 }
 
 } // namespace aceconv::tool

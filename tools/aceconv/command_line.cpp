@@ -1,0 +1,234 @@
+#include "tools/aceconv/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "stream/errors.h"
+#include "tools/aceconv/exit_code.h"
+#include "tools/aceconv/report.h"
+#include "tools/aceconv/verbs/verbs.h"
+
+namespace aceconv::tool {
+namespace {
+
+constexpr const char *description =
+    "Converts IPv4 access-list entries between YANG data and encoded records.";
+constexpr const char *footer =
+    "Formats: json (a document, or entries as objects), ndjson (an entry a line), xml, and cbor,\n"
+    "a sequence of encodings. Input is recognised from its first bytes.\n"
+    "Exit codes: 0 done; 1 diff or check found a difference, or something was lost under "
+    "--strict;\n"
+    "2 bad data or usage; 3 input or output failed. The largest counts.";
+constexpr unsigned most_jobs = 256;
+
+template <class Value>
+using Names = std::vector<std::pair<std::string, Value>>;
+
+const Names<Schema> schemas = {{"base", Schema::base}, {"um", Schema::um}};
+const Names<Backend> backends = {{"bulk", Backend::bulk}, {"validating", Backend::validating}};
+const Names<InputFormat> input_formats = {{"json", InputFormat::json},
+                                          {"ndjson", InputFormat::ndjson},
+                                          {"xml", InputFormat::xml},
+                                          {"cbor", InputFormat::cbor}};
+const Names<OutputFormat> text_formats = {
+    {"json", OutputFormat::json}, {"xml", OutputFormat::xml}, {"ndjson", OutputFormat::ndjson}};
+
+/// An option whose value is one of `names`; `target` holds it, or is an optional one.
+template <class Target, class Value>
+CLI::Option *add_choice(CLI::App &verb, const std::string &name, Target &target,
+                        const Names<Value> &names, const std::string &help) {
+    CLI::IsMember known(names);
+    const std::string shown = known.get_description();
+    return verb
+        .add_option_function<std::string>(
+            name,
+            [&target, &names](const std::string &text) {
+                for (const auto &[spelling, value] : names) {
+                    if (spelling == text) {
+                        target = value;
+                    }
+                }
+            },
+            help)
+        ->check(known.description(""))
+        ->type_name(shown);
+}
+
+CLI::Option *add_file(CLI::App &verb, const std::string &name, std::string &path,
+                      const std::string &help) {
+    return verb.add_option(name, path, help)->type_name("FILE");
+}
+
+void add_places(CLI::App &app, CommonOptions &options) {
+    add_file(app, "--plugin", options.plugin, "The plug-in library to load");
+    app.add_option("--modules", options.modules, "The folder of the YANG modules")
+        ->type_name("DIR");
+}
+
+void add_common(CLI::App &verb, CommonOptions &options) {
+    verb.add_flag("--keep-going", options.keep_going,
+                  "Report every bad entry and go on with the rest");
+    add_choice(verb, "--backend", options.backend, backends,
+               "How JSON is read and written: bulk (fast) or validating (libyang); both accept "
+               "the same");
+    verb.add_option("-j,--jobs", options.jobs,
+                    "How many threads convert; by default as many as there are cores")
+        ->check(CLI::Range(1U, most_jobs))
+        ->type_name("N");
+    CLI::Option *quiet =
+        verb.add_flag("-q,--quiet", options.quiet, "Show neither progress nor a summary");
+    verb.add_flag("--progress", options.progress,
+                  "Show the progress of long runs even where standard error is no terminal")
+        ->excludes(quiet);
+    verb.add_flag(
+            "--trace{.}", options.trace,
+            "Show the UM converters' diagnostic trace, with one thread; with =REGEX only that of "
+            "functions whose names match")
+        ->type_name("REGEX");
+    add_places(verb, options);
+}
+
+void add_input(CLI::App &verb, InputOptions &options) {
+    verb.add_option("INPUT", options.path, "The file to read; - is standard input, the default");
+    add_choice(verb, "--from-format,--input", options.format, input_formats,
+               "The input's format, when it is not to be recognised from the data");
+}
+
+void add_output(CLI::App &verb, std::string &path) {
+    add_file(verb, "-o,--output", path, "The file to write; - is standard output, the default");
+}
+
+void add_losses(CLI::App &verb, LossOptions &options) {
+    add_file(verb, "--report", options.report, "Write the losses to this file, as JSON");
+    verb.add_flag("--strict", options.strict, "Exit with 1 when anything is lost");
+    verb.add_flag("--no-losses", options.unsaid, "Say nothing of losses on standard error");
+}
+
+constexpr const char *format_help = "The format to write; json, a document, by default";
+constexpr const char *schema_help = "The entries' schema, when the data does not tell";
+
+void add_options(CLI::App &verb, EncodeOptions &options) {
+    add_input(verb, options.input);
+    add_choice(verb, "--schema", options.input.schema, schemas, schema_help);
+    add_output(verb, options.output);
+    add_file(verb, "--stored", options.stored,
+             "Earlier encodings of the entries, whose user-defined fields are kept (base schema)");
+}
+
+void add_options(CLI::App &verb, DecodeOptions &options) {
+    add_input(verb, options.input);
+    add_choice(verb, "--schema", options.input.schema, schemas,
+               "The schema to write; base by default");
+    add_output(verb, options.output);
+    add_choice(verb, "--to", options.format, text_formats, format_help);
+}
+
+void add_options(CLI::App &verb, InspectOptions &options) {
+    add_input(verb, options.input);
+    add_choice(verb, "--schema", options.input.schema, schemas,
+               "The entries' schema; of encodings, the one whose names are shown");
+    add_output(verb, options.output);
+    verb.add_flag("--json", options.json, "Write one JSON object for each record, one a line");
+}
+
+void add_options(CLI::App &verb, ConvertOptions &options) {
+    add_input(verb, options.input);
+    add_choice(verb, "--from", options.input.schema, schemas, "The schema to convert from")
+        ->required();
+    add_choice(verb, "--to", options.to, schemas, "The schema to convert to")->required();
+    add_output(verb, options.output);
+    add_choice(verb, "--to-format", options.format, text_formats, format_help);
+    add_losses(verb, options.losses);
+}
+
+void add_options(CLI::App &verb, CheckOptions &options) {
+    add_input(verb, options.input);
+    add_choice(verb, "--schema", options.input.schema, schemas, schema_help);
+}
+
+void add_options(CLI::App &verb, DiffOptions &options) {
+    verb.add_option("A", options.left.path, "The first input")->required();
+    verb.add_option("B", options.right.path, "The second input; - is standard input")->required();
+    add_choice(verb, "--schema-a", options.left.schema, schemas,
+               "The schema of A, when the data does not tell; of encodings, base by default");
+    add_choice(verb, "--schema-b", options.right.schema, schemas, "The same of B");
+}
+
+/// What the command line asks for.
+struct Calls {
+    CommonOptions common; // of no verb
+    EncodeOptions encode;
+    DecodeOptions decode;
+    InspectOptions inspect;
+    ConvertOptions convert;
+    CheckOptions check;
+    DiffOptions diff;
+    std::function<int()> chosen; // the verb
+};
+
+template <class Options>
+void add_verb(CLI::App &app, Calls &calls, const char *name, const char *help, Options &options,
+              int (*run)(const Options &)) {
+    CLI::App *verb = app.add_subcommand(name, help);
+    add_options(*verb, options);
+    add_common(*verb, options.common);
+    verb->callback(
+        [&calls, &options, run] { calls.chosen = [&options, run] { return run(options); }; });
+}
+
+void add_verbs(CLI::App &app, Calls &calls) {
+    add_verb(app, calls, "encode", "Encode entries of access lists", calls.encode, run_encode);
+    add_verb(app, calls, "decode", "Decode encodings to entries of access lists", calls.decode,
+             run_decode);
+    add_verb(app, calls, "inspect",
+             "Show the records of encodings, or of entries: every field that is present",
+             calls.inspect, run_inspect);
+    add_verb(app, calls, "convert",
+             "Convert entries from one schema to the other, and list what is lost", calls.convert,
+             run_convert);
+    add_verb(app, calls, "check",
+             "Encode, decode and encode again; show what does not come back the same", calls.check,
+             run_check);
+    add_verb(app, calls, "diff",
+             "Compare two inputs, of either schema or encodings, entry by entry and field by "
+             "field; the order of entries does not matter",
+             calls.diff, run_diff);
+}
+
+} // namespace
+
+int run_command_line(int argc, char **argv) {
+    CLI::App app(description, "aceconv");
+    app.footer(footer);
+    app.require_subcommand(0, 1);
+    Calls calls;
+    bool version = false;
+    app.add_flag("--version", version, "Show the version, and which plug-in is loaded");
+    add_places(app, calls.common);
+    add_verbs(app, calls);
+    try {
+        try {
+            app.parse(argc, argv);
+        } catch (const CLI::Success &help) {
+            return app.exit(help);
+        } catch (const CLI::ParseError &fault) {
+            throw UsageError(fault.what());
+        }
+        if (version) {
+            return show_version(calls.common);
+        }
+        if (!calls.chosen) {
+            throw UsageError("a verb is expected: encode, decode, inspect, convert, check or diff");
+        }
+        return calls.chosen();
+    } catch (const UsageError &fault) {
+        say_error(fault.what());
+        say("see aceconv --help");
+        return exit_trouble;
+    }
+}
+
+} // namespace aceconv::tool

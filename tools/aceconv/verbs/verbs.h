@@ -1,0 +1,59 @@
+// The verbs: what each is told, and what runs it. They return the exit code, and
+// throw UsageError, IoError and PipeClosed.
+#pragma once
+
+#include "stream/sink.h"
+#include "tools/aceconv/options.h"
+
+namespace aceconv::tool {
+
+struct EncodeOptions {
+    CommonOptions common;
+    InputOptions input;
+    std::string output = "-";
+    std::string stored; // a file of earlier encodings; empty: none
+};
+int run_encode(const EncodeOptions &options);
+
+struct DecodeOptions {
+    CommonOptions common;
+    InputOptions input; // its schema is the one to write
+    std::string output = "-";
+    OutputFormat format = OutputFormat::json;
+};
+int run_decode(const DecodeOptions &options);
+
+struct InspectOptions {
+    CommonOptions common;
+    InputOptions input;
+    std::string output = "-";
+    bool json = false;
+};
+int run_inspect(const InspectOptions &options);
+
+struct ConvertOptions {
+    CommonOptions common;
+    InputOptions input; // its schema is the one to convert from
+    std::optional<Schema> to;
+    std::string output = "-";
+    OutputFormat format = OutputFormat::json;
+    LossOptions losses;
+};
+int run_convert(const ConvertOptions &options);
+
+struct CheckOptions {
+    CommonOptions common;
+    InputOptions input;
+};
+int run_check(const CheckOptions &options);
+
+struct DiffOptions {
+    CommonOptions common;
+    InputOptions left, right;
+};
+int run_diff(const DiffOptions &options);
+
+/// The version, and what is loaded from where.
+int show_version(const CommonOptions &options);
+
+} // namespace aceconv::tool
