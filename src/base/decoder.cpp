@@ -7,18 +7,17 @@ namespace ace::base {
 
 namespace {
 
-/// Containers are written whether or not anything in them is present.
-void decode_rows(ccv_yang_output *output, std::span<const Row> rows, const Record &record) {
+/// Containers are written whether or not anything in them is present. Of the
+/// record only the ICMP message may change, which is folded before it is written.
+void decode_rows(ccv_yang_output *output, std::span<const Row> rows, Record &record) {
     for (const Row &row : rows) {
         switch (row.kind) {
         case RowKind::leaf:
             write_leaf(output, record, row.leaf);
             break;
         case RowKind::icmp_message:
-            if (has_icmp_message(record)) {
-                ccv_yang_enum_or_uint32(output, row.leaf.name, row.leaf.keywords,
-                                        icmp_message(record));
-            }
+            fold_any_code(record);
+            write_leaf(output, record, row.leaf);
             break;
         case RowKind::container:
         case RowKind::next_hop_container:

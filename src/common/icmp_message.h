@@ -29,11 +29,13 @@ inline bool has_icmp_message(const Record &record) {
     return is_present(record, icmp_specific_code) || is_present(record, icmp_any_code);
 }
 
-/// The message, with the code 0xFFFF where any code is marked, whatever the
-/// record holds.
-inline std::uint32_t icmp_message(const Record &record) {
-    return is_present(record, icmp_any_code) ? record.icmp_type_code | any_code
-                                             : record.icmp_type_code;
+/// Turns a message marked with any code into one of the code 0xFFFF, whatever
+/// code the record held; icmp_specific_code alone then says whether there is one.
+inline void fold_any_code(Record &record) {
+    if (is_present(record, icmp_any_code)) {
+        record.icmp_type_code |= any_code;
+        set_present(record, icmp_specific_code);
+    }
 }
 
 } // namespace ace

@@ -132,18 +132,22 @@ TEST(ExhaustiveBaseDecoder, PresenceBitsAloneInPairsAndAtRandom) {
 
 struct ValueCase {
     const char *record;
-    const char *token; // the only thing beside the empty containers, or ""
+    const char *token;              // the only thing beside the empty containers, or ""
+    const char *released = nullptr; // where not the record that was decoded
 };
 
 TEST(BaseDecoder, Values) {
     const ValueCase cases[] = {
         {"grant=2 | 0", "e:grant=#2"},
         {"proto_oper=0 | 53", "e:protocol-operator=#0"},
-        {"icmp_type_code=0x30000 | 19", "E:icmp-type-code=unreachable"},
+        // any code is folded into the record, and its bit with it
+        {"icmp_type_code=0x30000 | 19", "E:icmp-type-code=unreachable",
+         "icmp_type_code=0x3FFFF | 18 19"},
         {"icmp_type_code=0x30000 | 18", "E:icmp-type-code=network-unreachable"},
         {"icmp_type_code=0xFF0001 | 18", "E:icmp-type-code=16711681"},
-        {"icmp_type_code=0xFF0001 | 19", "E:icmp-type-code=16777215"},
-        {"icmp_type_code=0 | 19", "E:icmp-type-code=echo-reply"},
+        {"icmp_type_code=0xFF0001 | 18 19", "E:icmp-type-code=16777215",
+         "icmp_type_code=0xFFFFFF | 18 19"},
+        {"icmp_type_code=0 | 19", "E:icmp-type-code=echo-reply", "icmp_type_code=0xFFFF | 18 19"},
         {"tcpflags=0xC0 | 21", "b:tcp-bits=#6,#7"},
         {"tcpflagsopr=2 | 20", "E:tcp-bits-match-operator=2"},
         {"FragmentFlags=6 | 60", "E:fragment-type=6"},
@@ -165,6 +169,7 @@ TEST(BaseDecoder, Values) {
             rest += token.find_first_of("=") != std::string::npos ? token : "";
         }
         EXPECT_EQ(rest, test.token) << test.record;
+        EXPECT_EQ(host.released, canonical(test.released ? test.released : test.record));
         EXPECT_EQ(host.leaks(), 0U) << test.record;
     }
 }

@@ -133,6 +133,7 @@ void bag_free_indirections(void *record, const bag_descriptor *descriptor) {
     const Call call("release", false);
     check(call.host, descriptor == ipv4_acl_config_ace_bag_getfn(), "release: another descriptor");
     Record &owner = *static_cast<Record *>(record);
+    call.host.released = aceconv::test::record_text(owner);
     each_string(owner, [&call](char *&text) {
         call.host.release(text);
         text = nullptr;

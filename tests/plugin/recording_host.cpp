@@ -194,6 +194,7 @@ void Host::begin_action() {
     traces.clear();
     fired.clear();
     encoded.clear();
+    released.clear();
     appends = 0;
     if (filter != nullptr && filter_expression == nullptr) {
         if (regcomp(&compiled, filter, REG_EXTENDED) != 0) {

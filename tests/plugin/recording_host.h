@@ -96,6 +96,7 @@ class Host {
     std::vector<std::string> faults;           // breaches of the interface
     std::vector<std::string> fired;            // calls that failed on request
     std::string encoded;                       // the record handed to bag_encode_v3
+    std::string released;                      // the record released last
     std::set<const void *> tables;             // keyword tables handed over
     int created = 0;                           // iterators and definitions alive
     [[nodiscard]] std::string emitted() const; // `output` joined by blanks

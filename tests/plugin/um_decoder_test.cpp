@@ -54,6 +54,7 @@ TEST(UmDecoder, ActionOptionsAndRemark) {
         {"proto_oper=2 protocol=6 | 0 1 53 54", "deny{ ! * }"},
         {"proto_oper=1 protocol=512 | 0 1 53", "deny{ ! E:eq=ipv4 * }"},
         {"protocol=0 proto_oper=5 | 0 1 54", "deny{ ! E:protocol=0 * }"},
+        {"icmp_type_code=0x30000 | 0 19", "deny{ ! * icmp{ e:message-type-name=Unreachable } }"},
         // a failing part closes the action, drops what follows, keeps the remark
         {"grant=1 tcpflagsopr=1 tcpflags_mask=0x40 nexthop=2 remark='r' | 0 12 20 22 31 32 38",
          "permit{ ! * tcp-flags{ match-all{ ! } s:remark='r'", 0x4DCB9200},
@@ -67,6 +68,7 @@ TEST(UmDecoder, ActionOptionsAndRemark) {
         Host host;
         EXPECT_EQ(host.decode(Schema::um, test.record), test.status) << test.record;
         EXPECT_EQ(host.emitted(), expected) << test.record;
+        EXPECT_EQ(host.released, canonical(test.record)); // never changed
         EXPECT_EQ(host.leaks(), 0U) << test.record;
         EXPECT_TRUE(host.faults.empty()) << test.record;
     }

@@ -21,11 +21,12 @@ bool has_keyword(const ccv_yang_keyword *table, std::uint32_t value) {
 } // namespace ace::um
 
 void acl_yang_icmp(ccv_yang_output *output, ipv4_acl_config_ace record) noexcept {
-    if (!ace::has_icmp_message(record)) {
+    ace::fold_any_code(record); // the caller's record stays as it is
+    const ace::Leaf &name = ace::um::icmp_message_name;
+    if (!ace::is_present(record, name.bit)) {
         return;
     }
-    const ace::Leaf &name = ace::um::icmp_message_name;
-    const std::uint32_t message = ace::icmp_message(record);
+    const std::uint32_t message = record.icmp_type_code;
     if (ace::um::has_keyword(name.keywords, message)) {
         ccv_yang_enum(output, name.name, name.keywords, message);
     } else {
