@@ -109,6 +109,13 @@ int __wrap__strcmp_s_chk(const char *left, size_t bound, const char *right, int 
                          size_t known_left, size_t known_right) {
     const Host::Inside outside(false);
     const uint32_t code = fails("strcmp_s:", left);
+    Host &host = *Host::current();
+    if (left[0] != '\0' && std::strcmp(left + 1, "?") == 0) {
+        host.compared.emplace_back(right);
+        if (host.compared.size() < host.names.size()) {
+            *const_cast<char *>(left) = host.names[host.compared.size()][0];
+        }
+    }
     return code != 0
                ? static_cast<int>(code)
                : __real__strcmp_s_chk(left, bound, right, difference, known_left, known_right);

@@ -71,6 +71,9 @@ class Host {
     size_t append_length = 0;          // ... the text is blown up to this length
     Event event = Event::none;
     const char *filter = nullptr; // function-name filter
+    // A node called "x?" matches no name. Each time that its name is compared, its
+    // first character turns into that of the next of these.
+    std::vector<std::string> names;
 
     // ---- actions: one call into the plug-in each
     uint32_t encode(Schema schema, std::string_view tree);
@@ -95,6 +98,7 @@ class Host {
     std::vector<std::string> traces;
     std::vector<std::string> faults;           // breaches of the interface
     std::vector<std::string> fired;            // calls that failed on request
+    std::vector<std::string> compared;         // what the name of a node "x?" was compared with
     std::string encoded;                       // the record handed to bag_encode_v3
     std::string released;                      // the record released last
     std::set<const void *> tables;             // keyword tables handed over

@@ -1,3 +1,5 @@
+#include <initializer_list>
+
 #include "aceconv/plugin.h"
 #include "common/safe_string.h"
 #include "common/trace.h"
@@ -8,9 +10,8 @@ namespace ace::um {
 namespace {
 
 /// The leaf of this name, or null.
-const Leaf *find_leaf(const AddressSide &side, const char *name) {
-    for (const Leaf *leaf : {&side.address, &side.wildcard_mask, &side.prefix_length, &side.host,
-                             &side.net_group, &side.port_group}) {
+const Leaf *find_leaf(std::initializer_list<const Leaf *> leaves, const char *name) {
+    for (const Leaf *leaf : leaves) {
         if (name_is(name, leaf->name)) {
             return leaf;
         }
@@ -23,12 +24,22 @@ std::uint32_t parse_side(ccv_yang_iter *iterator, ccv_yang_node *node, const Add
     Walk walk{iterator, node};
     walk_level(walk, CCV_YANG_STEP_CONTAINER, [&] {
         const char *name = ccv_yang_get_node_name(walk.current);
-        if (const Leaf *leaf = find_leaf(side, name)) {
+        const Leaf *leaf =
+            find_leaf({&side.address, &side.wildcard_mask, &side.prefix_length}, name);
+        if (leaf == nullptr && name_is(name, "any")) {
+            return step_over_children(walk);
+        }
+        if (leaf == nullptr) {
+            leaf = find_leaf({&side.host, &side.net_group}, name);
+        }
+        if (leaf == nullptr && name_is(name, "port")) {
+            return parse_operator_group(walk, side.port, record);
+        }
+        if (leaf == nullptr) {
+            leaf = find_leaf({&side.port_group}, name);
+        }
+        if (leaf != nullptr) {
             walk.status = read_leaf(record, walk.current, *leaf);
-        } else if (name_is(name, "any")) {
-            step_over_children(walk);
-        } else if (name_is(name, "port")) {
-            parse_operator_group(walk, side.port, record);
         } else {
             walk.status = ACE_STATUS_UNKNOWN_LEAF;
             trace(unknown_leaf, walk.status);

@@ -44,17 +44,6 @@ std::uint32_t read_unit(ccv_yang_node *node, const RateUnit &unit, const TraceLi
     return status;
 }
 
-/// Rates and priority: a failed read leaves the field and does not stop the walk.
-bool read_tolerantly(const char *name, ccv_yang_node *node, Record &record) {
-    for (const Leaf *leaf : {&police_value, &police_peak_rate, &police_priority}) {
-        if (name_is(name, leaf->name)) {
-            (void)read_leaf(record, node, *leaf);
-            return true;
-        }
-    }
-    return false;
-}
-
 } // namespace
 
 std::uint32_t acl_yang_ipv4_enc_police(ccv_yang_iter *iterator, ccv_yang_node *node,
@@ -62,14 +51,19 @@ std::uint32_t acl_yang_ipv4_enc_police(ccv_yang_iter *iterator, ccv_yang_node *n
     Walk walk{iterator, node};
     walk_level(walk, CCV_YANG_STEP_CONTAINER, [&] {
         const char *name = ccv_yang_get_node_name(walk.current);
-        if (read_tolerantly(name, walk.current, record)) {
-            return;
-        }
-        if (name_is(name, police_unit.name)) {
+        // A failed read of a rate or of the priority leaves the field and does
+        // not stop the walk.
+        if (name_is(name, police_value.name)) {
+            (void)read_leaf(record, walk.current, police_value);
+        } else if (name_is(name, police_unit.name)) {
             walk.status = read_unit(walk.current, police_unit, trace_line::unknown_unit, record);
+        } else if (name_is(name, police_peak_rate.name)) {
+            (void)read_leaf(record, walk.current, police_peak_rate);
         } else if (name_is(name, police_peak_unit.name)) {
             walk.status =
                 read_unit(walk.current, police_peak_unit, trace_line::unknown_peak_unit, record);
+        } else if (name_is(name, police_priority.name)) {
+            (void)read_leaf(record, walk.current, police_priority);
         }
     });
     return walk.status;
