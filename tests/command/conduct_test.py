@@ -2,6 +2,7 @@
 import json
 import os
 import pty
+import re
 import signal
 import subprocess
 import time
@@ -96,9 +97,13 @@ class Messages(Case):
         doc, missing = self.file("doc", DOC), str(self.dir / "missing")
         remark = self.file("remark", '{"remark":"r"}')
         for code, args, said in [
-                (2, (), "a verb is expected"), (2, ("encrypt",), "encrypt"),
+                (2, (), "a verb is expected"), (2, ("help", "me"), "unknown verb me"),
+                (2, ("encdoe", "-o", "x"), "unknown verb encdoe; did you mean encode?\n"),
                 (2, ("encode", "--schema", "x", doc), "--schema"),
-                (2, ("encode", "--no-such-option"), "--no-such-option"),
+                (2, ("encode", "--no-such-option=1", doc), "unknown option --no-such-option\n"),
+                (2, ("convert", "--form", "um", "--to", "um"), "unknown option --form; did you mean --from?"),
+                (2, ("diff", doc, doc, doc), "one argument too many: " + doc),
+                (2, ("encode", "--backend", "b"), "{bulk,validating}\naceconv: see aceconv encode --help\n"),
                 (2, ("encode", remark), "--schema base or --schema um"),
                 (2, ("encode", "--trace=[", doc), "--trace"),
                 (2, ("convert", "--from", "um", "--to", "um", doc), "the same schema"),
@@ -114,6 +119,8 @@ class Messages(Case):
                 (3, ("encode", doc, "--plugin", doc), doc),
                 (3, ("encode", doc, "--modules", missing), "cannot load the YANG modules"),
                 (3, ("--version", "--plugin", missing), missing),
+                (3, ("--plugin", missing, "encode", doc), missing),
+                (3, ("--modules", missing, "encode", doc), "cannot load the YANG modules"),
                 (2, ("decode", doc), "expected encodings"),
                 (2, ("encode", "--schema", "um", doc), "of the base schema; expected the um")]:
             with self.subTest(args):
@@ -133,9 +140,16 @@ class Messages(Case):
         self.assertIn(b"<stdout>: cannot write: No space left on device", done.stderr)
 
     def test_help_and_version(self):
-        for args in (("--help",), ("encode", "--help"), ("convert", "-h")):
-            self.assertIn(b"aceconv", self.ok(*args))
+        general, convert = self.ok("--help"), self.ok("convert", "--help")
+        self.assertIn(b"Exit codes: 0 done;", general)
+        self.assertIn(b"--backend {bulk,validating} ", convert)
+        for args, shown in ((("help",), general), (("-h",), general), (("help", "convert"), convert),
+                            (("convert", "-h"), convert), (("convert", "--to", "um", "-h"), convert)):
+            self.assertEqual(self.ok(*args), shown)
         version = self.ok("--version").decode()
+        for args in (("-V",), ("convert", "--version"), ("--plugin", "none", "inspect", "-V",
+                     "--plugin", re.search("plug-in (.*)", version)[1])):
+            self.assertEqual(self.ok(*args).decode(), version)
         self.assertRegex(version, r"(?m)^aceconv \d+\.\d+\.\d+\nplug-in /.*/libipv4_acl_ace\.so$")
         self.assertRegex(version, r"(?m)^record  ipv4_acl_config_ace [0-9a-f]+$")
 

@@ -1,4 +1,4 @@
-add_executable(host_yang_test yang_modules_test.cpp yang_reader_test.cpp yang_refusal_test.cpp
+add_executable(host_yang_test nearest_test.cpp yang_modules_test.cpp yang_reader_test.cpp yang_refusal_test.cpp
                               yang_writer_test.cpp)
 target_compile_definitions(host_yang_test PRIVATE
   ACECONV_YANG_DIRECTORY="${PROJECT_SOURCE_DIR}/yang")

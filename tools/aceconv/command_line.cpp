@@ -1,11 +1,13 @@
 #include "tools/aceconv/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "host/nearest.h"
 #include "stream/errors.h"
 #include "tools/aceconv/exit_code.h"
 #include "tools/aceconv/report.h"
@@ -21,7 +23,8 @@ constexpr const char *footer =
     "a sequence of encodings. Input is recognised from its first bytes.\n"
     "Exit codes: 0 done; 1 diff or check found a difference, or something was lost under "
     "--strict;\n"
-    "2 bad data or usage; 3 input or output failed. The largest counts.";
+    "2 bad data or usage; 3 input or output failed. The largest counts.\n"
+    "aceconv help VERB tells a verb's options.";
 constexpr unsigned most_jobs = 256;
 
 template <class Value>
@@ -159,24 +162,32 @@ void add_options(CLI::App &verb, DiffOptions &options) {
 
 /// What the command line asks for.
 struct Calls {
-    CommonOptions common; // of no verb
+    CommonOptions common; // of whichever verb it is
     EncodeOptions encode;
     DecodeOptions decode;
     InspectOptions inspect;
     ConvertOptions convert;
     CheckOptions check;
     DiffOptions diff;
-    std::function<int()> chosen; // the verb
+    std::function<int()> chosen; // what runs it
 };
+
+void add_version(CLI::App &app) {
+    app.set_version_flag(
+        "-V,--version", [] { return ""; }, "Show the version, and which plug-in is loaded");
+}
 
 template <class Options>
 void add_verb(CLI::App &app, Calls &calls, const char *name, const char *help, Options &options,
               int (*run)(const Options &)) {
     CLI::App *verb = app.add_subcommand(name, help);
     add_options(*verb, options);
-    add_common(*verb, options.common);
-    verb->callback(
-        [&calls, &options, run] { calls.chosen = [&options, run] { return run(options); }; });
+    add_common(*verb, calls.common);
+    add_version(*verb);
+    verb->final_callback([&calls, &options, run] {
+        options.common = calls.common;
+        calls.chosen = [&options, run] { return run(options); };
+    });
 }
 
 void add_verbs(CLI::App &app, Calls &calls) {
@@ -198,6 +209,54 @@ void add_verbs(CLI::App &app, Calls &calls) {
              calls.diff, run_diff);
 }
 
+/// The fault of an argument that `app`, which may be a verb, has no place for.
+UsageError misplaced(const CLI::App &app, const std::string &argument) {
+    std::vector<std::string> names;
+    if (argument.front() == '-') {
+        for (const CLI::Option *option : app.get_options()) {
+            for (const std::string &name : option->get_lnames()) {
+                names.push_back("--" + name);
+            }
+        }
+        const std::string name = argument.substr(0, argument.find('='));
+        return UsageError("unknown option " + name + did_you_mean(name, names));
+    }
+    if (app.get_parent() != nullptr) {
+        return UsageError("one argument too many: " + argument);
+    }
+    for (const CLI::App *verb : app.get_subcommands(nullptr)) {
+        names.push_back(verb->get_name());
+    }
+    return UsageError("unknown verb " + argument + did_you_mean(argument, names));
+}
+
+/// The arguments, last one first; "help VERB" means "VERB --help".
+std::vector<std::string> arguments_of(int argc, char **argv) {
+    std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    if (!arguments.empty() && arguments.front() == "help") {
+        arguments.erase(arguments.begin());
+        arguments.emplace_back("--help");
+    }
+    std::reverse(arguments.begin(), arguments.end());
+    return arguments;
+}
+
+void parse(CLI::App &app, std::vector<std::string> arguments) {
+    try {
+        app.parse(std::move(arguments));
+    } catch (const CLI::ParseError &fault) {
+        const auto verbs = app.get_subcommands();
+        const CLI::App &verb = verbs.empty() ? app : *verbs.front();
+        const bool answered =
+            dynamic_cast<const CLI::Success *>(&fault) != nullptr && !verbs.empty();
+        const std::vector<std::string> rest = verb.remaining();
+        if (!rest.empty() && !answered) {
+            throw misplaced(verb, rest.front());
+        }
+        throw;
+    }
+}
+
 } // namespace
 
 int run_command_line(int argc, char **argv) {
@@ -205,28 +264,27 @@ int run_command_line(int argc, char **argv) {
     app.footer(footer);
     app.require_subcommand(0, 1);
     Calls calls;
-    bool version = false;
-    app.add_flag("--version", version, "Show the version, and which plug-in is loaded");
     add_places(app, calls.common);
+    add_version(app);
     add_verbs(app, calls);
     try {
         try {
-            app.parse(argc, argv);
+            parse(app, arguments_of(argc, argv));
+        } catch (const CLI::CallForVersion &) {
+            return show_version(calls.common);
         } catch (const CLI::Success &help) {
             return app.exit(help);
         } catch (const CLI::ParseError &fault) {
             throw UsageError(fault.what());
-        }
-        if (version) {
-            return show_version(calls.common);
         }
         if (!calls.chosen) {
             throw UsageError("a verb is expected: encode, decode, inspect, convert, check or diff");
         }
         return calls.chosen();
     } catch (const UsageError &fault) {
+        const auto verbs = app.get_subcommands();
         say_error(fault.what());
-        say("see aceconv --help");
+        say("see aceconv " + (verbs.empty() ? "" : verbs.front()->get_name() + " ") + "--help");
         return exit_trouble;
     }
 }
