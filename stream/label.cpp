@@ -2,15 +2,43 @@
 
 #include <algorithm>
 #include <cbor.h>
-#include <limits>
 
-#include "host/bag/cbor_item.h"
 #include "stream/text.h"
 
 namespace aceconv {
 namespace {
 constexpr std::uint8_t array_of_two = 0x82;
 constexpr std::size_t max_head_bytes = 9; // bytes of a CBOR item's head
+
+template <typename Number>
+void take_sequence(void *key, Number sequence) {
+    if (sequence != 0) {
+        static_cast<EntryKey *>(key)->sequence = sequence;
+    }
+}
+
+void take_name(void *key, cbor_data name, std::size_t length) {
+    static_cast<EntryKey *>(key)->acl.emplace(reinterpret_cast<const char *>(name), length);
+}
+
+/// What of a key stands in the bytes, in whatever order and company.
+EntryKey collect_key(std::span<const std::uint8_t> bytes) {
+    cbor_callbacks callbacks = cbor_empty_callbacks;
+    callbacks.string = take_name;
+    callbacks.uint8 = take_sequence<std::uint8_t>;
+    callbacks.uint16 = take_sequence<std::uint16_t>;
+    callbacks.uint32 = take_sequence<std::uint32_t>;
+    EntryKey key;
+    while (!bytes.empty()) {
+        const auto item = cbor_stream_decode(bytes.data(), bytes.size(), &callbacks, &key);
+        if (item.status != CBOR_DECODER_FINISHED) {
+            break;
+        }
+        bytes = bytes.subspan(item.read);
+    }
+    return key;
+}
+
 } // namespace
 
 void append_label(std::string &out, const EntryKey &key) {
@@ -37,20 +65,8 @@ bool is_label(std::span<const std::uint8_t> item) {
 }
 
 EntryKey parse_label(const std::span<const std::uint8_t> item) {
-    EntryKey key;
-    Item head{}, name{}, sequence{};
-    if (read_item(item, head) == ItemStatus::ok &&
-        read_item(item.subspan(head.size), name) == ItemStatus::ok &&
-        read_item(item.subspan(head.size + name.size), sequence) == ItemStatus::ok) {
-        if (name.kind == ItemKind::text && is_utf8({name.data, name.value})) {
-            key.acl.emplace(reinterpret_cast<const char *>(name.data), name.value);
-        }
-        if (sequence.kind == ItemKind::number && sequence.value != 0 &&
-            sequence.value <= std::numeric_limits<std::uint32_t>::max()) {
-            key.sequence = static_cast<std::uint32_t>(sequence.value);
-        }
-    }
-    // Whatever was not understood does not come back the same.
+    const EntryKey key = collect_key(item);
+    // Whatever is not a label does not come back the same.
     std::string again;
     append_label(again, key);
     if (!std::equal(again.begin(), again.end(), item.begin(), item.end(),

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "host/schema/yang_text.h"
+#include "host/utf8.h"
 
 namespace aceconv {
 namespace {

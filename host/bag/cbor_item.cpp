@@ -120,43 +120,6 @@ bool is_shortest(const Item &item) noexcept {
     return item.size == head + (is_string ? item.value : 0);
 }
 
-bool is_utf8(std::span<const std::uint8_t> text) noexcept {
-    std::size_t at = 0;
-    while (at < text.size()) {
-        const std::uint8_t lead = text[at];
-        if (lead < 0x80) {
-            ++at;
-            continue;
-        }
-        std::size_t more = 0;
-        std::uint8_t low = 0x80; // bounds of the second byte
-        std::uint8_t high = 0xBF;
-        if (lead >= 0xC2 && lead <= 0xDF) {
-            more = 1;
-        } else if (lead >= 0xE0 && lead <= 0xEF) {
-            more = 2;
-            low = lead == 0xE0 ? 0xA0 : low;   // no overlong form
-            high = lead == 0xED ? 0x9F : high; // no surrogate
-        } else if (lead >= 0xF0 && lead <= 0xF4) {
-            more = 3;
-            low = lead == 0xF0 ? 0x90 : low;
-            high = lead == 0xF4 ? 0x8F : high; // up to U+10FFFF
-        } else {
-            return false;
-        }
-        if (text.size() - at <= more || text[at + 1] < low || text[at + 1] > high) {
-            return false;
-        }
-        for (std::size_t i = 2; i <= more; ++i) {
-            if ((text[at + i] & 0xC0) != 0x80) {
-                return false;
-            }
-        }
-        at += more + 1;
-    }
-    return true;
-}
-
 std::optional<std::size_t> cbor_item_length(std::span<const std::uint8_t> bytes) {
     std::size_t at = 0;
     std::uint64_t open = 1; // items still to come

@@ -35,7 +35,4 @@ enum class ItemStatus : std::uint8_t { ok, cut_off, malformed };
 /// (RFC 8949, section 4.2.1).
 [[nodiscard]] bool is_shortest(const Item &item) noexcept;
 
-/// Whether `text` is UTF-8 as RFC 3629 has it.
-[[nodiscard]] bool is_utf8(std::span<const std::uint8_t> text) noexcept;
-
 } // namespace aceconv

@@ -7,11 +7,11 @@
 #include <string_view>
 
 #include "host/bag/byte_sink.h"
-#include "host/bag/cbor_item.h"
 #include "host/bag/definition.h"
 #include "host/bag/description.h"
 #include "host/bag_library.h"
 #include "host/error.h"
+#include "host/utf8.h"
 
 namespace aceconv {
 namespace {
@@ -254,8 +254,7 @@ std::unique_ptr<bag_definition> compile_descriptor(const bag_descriptor &descrip
         descriptor.short_description == nullptr) {
         refuse("the descriptor lacks its type name, layout or a description");
     }
-    const std::string_view name = descriptor.type_name;
-    if (!is_utf8({reinterpret_cast<const std::uint8_t *>(name.data()), name.size()})) {
+    if (!is_utf8(descriptor.type_name)) {
         refuse("the type's name is not UTF-8");
     }
     const auto types = parse_both(descriptor);

@@ -9,6 +9,7 @@
 #include "host/bag/cbor_item.h"
 #include "host/bag/definition.h"
 #include "host/bag/failure.h"
+#include "host/utf8.h"
 
 namespace aceconv {
 namespace {
@@ -220,7 +221,8 @@ class Decoder {
         if (std::memchr(item.data, 0, length) != nullptr) {
             return malformed("a NUL inside a string");
         }
-        if (is_utf8({item.data, length}) != (item.kind == ItemKind::text)) {
+        const auto *const content = reinterpret_cast<const char *>(item.data);
+        if (is_utf8({content, length}) != (item.kind == ItemKind::text)) {
             return malformed("UTF-8 is to be a text string, other content a byte string");
         }
         auto *const text = static_cast<char *>(std::malloc(length + 1));

@@ -4,9 +4,9 @@
 #include <cstring>
 
 #include "host/bag/byte_sink.h"
-#include "host/bag/cbor_item.h"
 #include "host/bag/definition.h"
 #include "host/bag/failure.h"
+#include "host/utf8.h"
 
 namespace aceconv {
 namespace {
@@ -74,7 +74,7 @@ bool is_empty_block(const Member &member, const std::uint8_t *field) {
                     max_string_bytes);
     }
     const std::span content(reinterpret_cast<const std::uint8_t *>(text), length);
-    return is_utf8(content) ? output.text(content) : output.bytes(content);
+    return is_utf8({text, length}) ? output.text(content) : output.bytes(content);
 }
 
 [[nodiscard]] bool write_bytes(ByteSink &output, const std::uint8_t *field, std::size_t width,

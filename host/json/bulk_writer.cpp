@@ -140,27 +140,16 @@ class BulkOutput final : public ccv_yang_output {
     }
 
     void escape(char byte) {
-        switch (byte) {
-        case '"':
-            text_ += std::string_view("\\\"");
-            break;
-        case '\\':
-            text_ += std::string_view("\\\\");
-            break;
-        case '\r':
-            text_ += std::string_view("\\r");
-            break;
-        case '\t':
-            text_ += std::string_view("\\t");
-            break;
-        default: {
-            constexpr char digits[] = "0123456789ABCDEF";
-            const auto code = static_cast<unsigned char>(byte);
-            text_ += std::string_view("\\u00");
-            text_ += digits[code >> 4U];
-            text_ += digits[code & 0xFU];
+        if (byte == '"' || byte == '\\') {
+            text_ += '\\';
+            text_ += byte;
+            return;
         }
-        }
+        constexpr char digits[] = "0123456789ABCDEF";
+        const auto code = static_cast<unsigned char>(byte);
+        text_ += std::string_view("\\u00");
+        text_ += digits[code >> 4U];
+        text_ += digits[code & 0xFU];
     }
 
     TextBuffer text_;

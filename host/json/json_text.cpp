@@ -5,7 +5,7 @@
 
 #include "host/error.h"
 #include "host/schema/entry_text.h"
-#include "host/schema/yang_text.h"
+#include "host/utf8.h"
 
 namespace aceconv {
 

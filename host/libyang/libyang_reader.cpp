@@ -6,7 +6,7 @@
 #include "host/schema/data_path.h"
 #include "host/schema/entry_text.h"
 #include "host/schema/modules.h"
-#include "host/schema/yang_text.h"
+#include "host/utf8.h"
 
 namespace aceconv {
 

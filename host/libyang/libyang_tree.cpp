@@ -6,7 +6,7 @@
 #include "host/error.h"
 #include "host/schema/data_path.h"
 #include "host/schema/leaf_value.h"
-#include "host/schema/yang_text.h"
+#include "host/utf8.h"
 
 namespace aceconv {
 

@@ -3,7 +3,7 @@
 
 #include "host/platform/backend.h"
 #include "host/schema/ipv4_text.h"
-#include "host/schema/yang_text.h"
+#include "host/utf8.h"
 
 using aceconv::SchemaNode;
 using aceconv::Value;

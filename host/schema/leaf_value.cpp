@@ -8,7 +8,7 @@
 
 #include "host/schema/ipv4_text.h"
 #include "host/schema/modules.h"
-#include "host/schema/yang_text.h"
+#include "host/utf8.h"
 
 namespace aceconv {
 

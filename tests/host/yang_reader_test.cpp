@@ -139,6 +139,11 @@ const Case cases[] = {
     {base, R"({"remark":""})", "remark", string, "\"\""},
     {base, R"({"remark":"caf\u00e9 \ud83d\ude00 \"\t"})", "remark", string,
      "\"caf\u00e9 \U0001F600 \"\t\""},
+    // The first and last characters of each width, and of surrogate pairs.
+    {base, R"({"remark":"\ud800\udc00\ud800\udfff\udbff\udc00\udbff\udffd"})", "remark", string,
+     "\"\U00010000\U000103FF\U0010FC00\U0010FFFD\""},
+    {base, "{\"remark\":\"\u0080\u07FF\u0800\uD7FF\uE000\uFFFD\U00010000\U0010FFFD\"}", "remark",
+     string, "\"\u0080\u07FF\u0800\uD7FF\uE000\uFFFD\U00010000\U0010FFFD\""},
     {um, R"({"deny":{"police":{"unit":"kbps"}}})", "deny/police/unit", string, "\"kbps\""},
     {base, R"({"qos-group":1})", "qos-group", string, "wrong_type"},
     {um, R"({"deny":{"udf-entries":{"udf":[{"udf-name":"a"},{"udf-mask":"f","udf-name":"b"}]}}})",

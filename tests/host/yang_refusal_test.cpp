@@ -89,6 +89,9 @@ const Refusal refusals[] = {
     // Text.
     {base, json, R"({"remark":"a\u0000b"})", "", "\\u0000"},
     {base, json, R"({"remark":"a\ud83d"})", "", "ud83d"},
+    {base, json, R"({"remark":"a\ud800\ue000"})", "", "ud800"},
+    {base, json, R"({"remark":"a\udbff\udbff"})", "", "udbff"},
+    {base, json, R"({"remark":"a\udbff\udfff"})", "/remark", "character"},
     {base, json, R"({"remark":"a\ufffe"})", "", "ufffe"},
     {base, json, "{\"remark\":\"a" + nul + "b\"}", "", "character"},
     {base, json, "{\"remark\":\"a\x1b\"}", "", "character"},
@@ -97,6 +100,8 @@ const Refusal refusals[] = {
     {base, json, "{\"remark\":\"\xF4\x90\x80\x80\"}", "", "UTF-8"},
     {base, json, "{\"remark\":\"\xE2\x82\"}", "", "UTF-8"},
     {base, json, "{\"remark\":\"\xEF\xBF\xBE\"}", "", "character"},
+    {base, json, "{\"remark\":\"\xEF\xB7\x90\"}", "", "character"},
+    {base, json, "{\"remark\":\"\xF0\x9F\xBF\xBF\"}", "", "character"},
     {base, xml, "<entry><remark>&#0;</remark></entry>", "", "&#0;"},
     // Shape.
     {base, json, "", "", "JSON object"},
