@@ -1,8 +1,8 @@
 #include "stream/json_cursor.h"
 
-#include <array>
-#include <nlohmann/json.hpp>
+#include <algorithm>
 
+#include "host/json_scan.h"
 #include "stream/errors.h"
 #include "stream/text.h"
 
@@ -11,19 +11,13 @@ namespace {
 
 constexpr std::size_t max_name_bytes = 4096; // bytes of a member's name or a list's
 
-/// What a character can mean for an object's extent.
-enum class Mark : std::uint8_t { none, line, quote, escape, open, close };
-
-constexpr std::array<Mark, 256> marks() {
-    std::array<Mark, 256> table{};
-    table['\n'] = Mark::line;
-    table['"'] = Mark::quote;
-    table['\\'] = Mark::escape;
-    table['{'] = table['['] = Mark::open;
-    table['}'] = table[']'] = Mark::close;
-    return table;
+std::uint64_t count_lines(std::string_view text) {
+    std::uint64_t lines = 0;
+    for (std::size_t at = text.find('\n'); at != text.npos; at = text.find('\n', at + 1)) {
+        ++lines;
+    }
+    return lines;
 }
-constexpr std::array<Mark, 256> mark_of = marks();
 
 } // namespace
 
@@ -70,32 +64,23 @@ std::string JsonCursor::string(std::string_view what) {
     if (peek() != '"') {
         unexpected(what);
     }
-    std::size_t end = 1;
-    bool plain = true; // ASCII without escapes: stands for itself
-    for (bool escaped = false;; ++end) {
-        window_.want(end + 1);
-        const std::string_view view = window_.view();
-        if (end >= view.size() || end > max_name_bytes) {
-            throw StreamError("", "a string that does not end, for " + std::string(what));
-        }
-        const char c = view[end];
-        if (!escaped && c == '"') {
+    JsonScan scan;
+    std::size_t end = scan.next(window_.view(), 0) + 1; // behind the quote
+    while ((end = scan.next(window_.view(), end)) == window_.view().size()) {
+        if (end > max_name_bytes || !window_.more()) {
             break;
         }
-        escaped = !escaped && c == '\\';
-        plain = plain && c >= 0x20 && c < 0x7F && !escaped;
+    }
+    if (end > max_name_bytes || end == window_.view().size()) {
+        throw StreamError("", "a string that does not end, for " + std::string(what));
     }
     const std::string_view token = window_.view().substr(0, end + 1);
-    std::string text(token.substr(1, end - 1));
-    if (!plain) {
-        const auto value = nlohmann::json::parse(token.begin(), token.end(), nullptr, false);
-        if (!value.is_string()) {
-            throw StreamError("", "not a JSON string: " + printable(token));
-        }
-        text = value.get<std::string>();
+    auto text = json_string(token);
+    if (!text) {
+        throw StreamError("", "not a JSON string: " + printable(token));
     }
-    window_.take(end + 1);
-    return text;
+    window_.take(token.size());
+    return *std::move(text);
 }
 
 bool JsonCursor::object(std::string &text, std::size_t limit, std::string_view what) {
@@ -104,52 +89,24 @@ bool JsonCursor::object(std::string &text, std::size_t limit, std::string_view w
     }
     const std::size_t before = text.size();
     bool fits = true;
-    std::size_t depth = 0;
-    bool in_string = false;
-    bool escaped = false;
-    for (;;) {
+    JsonScan scan;
+    do {
+        if (window_.view().empty() && !window_.more()) {
+            throw StreamError("", "the input ends inside " + std::string(what));
+        }
         const std::string_view view = window_.view();
         std::size_t at = 0;
-        bool closed = false;
-        while (at < view.size() && !closed) {
-            const char c = view[at++];
-            if (escaped) {
-                escaped = false;
-                line_ += c == '\n' ? 1U : 0U;
-                continue;
-            }
-            switch (mark_of[static_cast<unsigned char>(c)]) {
-            case Mark::none:
-                break;
-            case Mark::line:
-                ++line_;
-                break;
-            case Mark::quote:
-                in_string = !in_string;
-                break;
-            case Mark::escape:
-                escaped = in_string;
-                break;
-            case Mark::open:
-                depth += in_string ? 0U : 1U;
-                break;
-            case Mark::close:
-                closed = !in_string && --depth == 0;
-                break;
-            }
-        }
+        do {
+            at = std::min(scan.next(view, at) + 1, view.size());
+        } while (at < view.size() && scan.depth() > 0);
         fits = fits && text.size() - before + at <= limit;
         if (fits) {
             text.append(view.substr(0, at));
         }
+        line_ += count_lines(view.substr(0, at));
         window_.take(at);
-        if (closed) {
-            return fits;
-        }
-        if (!window_.more()) {
-            throw StreamError("", "the input ends inside " + std::string(what));
-        }
-    }
+    } while (scan.depth() > 0);
+    return fits;
 }
 
 } // namespace aceconv

@@ -4,6 +4,7 @@
 #include <deque>
 #include <exception>
 
+#include "host/json_scan.h"
 #include "stream/errors.h"
 #include "stream/json_cursor.h"
 #include "stream/source.h"
@@ -12,65 +13,23 @@
 namespace aceconv {
 namespace {
 
-/// Steps over a value; only its extent matters here, the entry's reader checks it.
-void skip_value(JsonCursor &cursor, Window &window) {
-    std::size_t depth = 0;
-    for (int c = cursor.peek(); c >= 0; c = cursor.peek()) {
-        if (depth == 0 && (c == ',' || c == '}')) {
-            return;
-        }
-        if (c == '"') {
-            std::string_view view = window.view();
-            std::size_t end = 1;
-            while (end < view.size() && view[end] != '"') {
-                end += view[end] == '\\' ? 2U : 1U;
-            }
-            window.take(std::min(end + 1, view.size()));
-            continue;
-        }
-        if (c == '{' || c == '[') {
-            ++depth;
-        }
-        if (c == '}' || c == ']') {
-            --depth;
-        }
-        window.take(1);
-    }
-}
-
 /// The schema that the entry's members tell, if one does.
 std::optional<Schema> tell_schema(std::string_view object) {
-    Window window(object);
-    JsonCursor cursor(window);
     std::optional<Schema> schema;
-    try {
-        cursor.expect('{', "an entry");
-        while (!schema && cursor.peek() == '"') {
-            schema = schema_of_node(cursor.string("a name"));
-            cursor.expect(':', "':'");
-            skip_value(cursor, window);
-            cursor.accept(',');
+    JsonWalk walk(object);
+    for (auto step = walk.next(); !schema && step != JsonWalk::Step::end; step = walk.next()) {
+        if (step == JsonWalk::Step::name && walk.depth() == 1) {
+            schema = schema_of_node(json_string(walk.token()).value_or(""));
         }
-    } catch (const StreamError &) {
-        return std::nullopt; // the entry's reader says what is wrong
     }
     return schema;
 }
 
 /// The first member tells that this is an entry by itself. Not sure for odd ones.
 bool is_bare(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r\n";
-    const std::size_t open = text.find_first_not_of(blanks);
-    if (open == text.npos || text[open] != '{') {
-        return false;
-    }
-    const std::size_t quote = text.find_first_not_of(blanks, open + 1);
-    if (quote == text.npos || text[quote] != '"') {
-        return false;
-    }
-    const std::size_t end = text.find_first_of("\"\\", quote + 1);
-    const std::string_view name = text.substr(quote + 1, end - quote - 1);
-    return end != text.npos && text[end] == '"' && name != "acl" && name != "entry";
+    JsonWalk walk(text);
+    return walk.next() == JsonWalk::Step::open && walk.next() == JsonWalk::Step::name &&
+           !walk.escapes() && walk.content() != "acl" && walk.content() != "entry";
 }
 
 /// Takes {"acl": "X", "entry": {...}} apart; leaves a bare entry alone.

@@ -1,5 +1,6 @@
 #include "stream/source.h"
 
+#include "host/json_scan.h"
 #include "stream/errors.h"
 #include "stream/text.h"
 
@@ -8,19 +9,6 @@ namespace {
 
 constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
 
-/// The name of the first member of the object that `text` starts with.
-std::string_view first_member(std::string_view text) {
-    const std::size_t open = text.find('{');
-    const std::size_t quote = open == text.npos ? open : text.find('"', open);
-    const std::size_t end = quote == text.npos ? quote : text.find('"', quote + 1);
-    return end == text.npos ? std::string_view() : text.substr(quote + 1, end - quote - 1);
-}
-
-bool is_document(std::string_view text) {
-    const std::string_view name = first_member(text);
-    return name.substr(name.find(':') == name.npos ? 0 : name.find(':') + 1) == "acls";
-}
-
 /// Reads on until `enough` holds for what lies in the window, within a limit.
 template <class Enough>
 void read_until(Window &window, Enough enough) {
@@ -28,14 +16,45 @@ void read_until(Window &window, Enough enough) {
     }
 }
 
-bool has_first_member(std::string_view text) {
-    return !first_member(text).empty();
+/// The name of the first member of the object that the input starts with; "" when
+/// there is none.
+std::string first_member(Window &window) {
+    JsonScan scan;
+    std::size_t at = 0;
+    std::size_t begin = 0; // of the name
+    std::string name;
+    read_until(window, [&](std::string_view text) {
+        while ((at = scan.next(text, at)) < text.size()) {
+            begin = scan.in_string() ? at : begin;
+            ++at;
+            if (text[at - 1] == '"' && !scan.in_string()) {
+                name = json_string(text.substr(begin, at - begin)).value_or("");
+                return true;
+            }
+            if (scan.depth() == 0) {
+                return true;
+            }
+        }
+        return false;
+    });
+    return name;
+}
+
+bool is_document(Window &window) {
+    const std::string name = first_member(window);
+    return name.substr(name.find(':') + 1) == "acls"; // npos + 1 is 0
 }
 
 /// Whether the first line is a complete object.
 bool starts_with_object_line(Window &window) {
-    read_until(window, [](std::string_view text) { return text.find('\n') != text.npos; });
-    std::string_view line = window.view().substr(0, window.view().find('\n'));
+    std::size_t seen = 0;
+    std::size_t end = std::string_view::npos;
+    read_until(window, [&](std::string_view text) {
+        end = text.find('\n', seen);
+        seen = text.size();
+        return end != text.npos;
+    });
+    std::string_view line = window.view().substr(0, end);
     while (!line.empty() && is_json_blank(line.back())) {
         line.remove_suffix(1);
     }
@@ -58,8 +77,7 @@ InputFormat recognise(Window &window) {
         return InputFormat::xml;
     }
     if (first == '{') {
-        read_until(window, has_first_member);
-        return blanks == 0 && !is_document(window.view()) && starts_with_object_line(window)
+        return blanks == 0 && !is_document(window) && starts_with_object_line(window)
                    ? InputFormat::ndjson
                    : InputFormat::json;
     }
@@ -84,9 +102,8 @@ std::unique_ptr<Source> make_source(Window window, std::optional<InputFormat> fo
     }
     switch (*format) {
     case InputFormat::json:
-        read_until(window, has_first_member);
-        return is_document(window.view()) ? make_json_source(std::move(window), schema)
-                                          : make_object_source(std::move(window), false, schema);
+        return is_document(window) ? make_json_source(std::move(window), schema)
+                                   : make_object_source(std::move(window), false, schema);
     case InputFormat::ndjson:
         return make_object_source(std::move(window), true, schema);
     case InputFormat::xml:

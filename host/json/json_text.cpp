@@ -1,9 +1,10 @@
 #include <algorithm>
-#include <array>
+#include <deque>
 #include <optional>
 #include <vector>
 
 #include "host/error.h"
+#include "host/json_scan.h"
 #include "host/schema/entry_text.h"
 #include "host/utf8.h"
 
@@ -11,33 +12,24 @@ namespace aceconv {
 
 namespace {
 
-constexpr std::string_view blanks = " \t\r\n";
-
-constexpr auto bracket_or_quote = [] {
-    std::array<bool, 256> table{};
-    for (const char mark : {'"', '{', '}', '[', ']'}) {
-        table[static_cast<unsigned char>(mark)] = true;
-    }
-    return table;
-}();
-
 /// Goes once over the brackets and strings of one object. Tokens between them
 /// are libyang's matter.
 class JsonLook {
   public:
     JsonLook(std::string_view text, Schema schema, std::string &document, SequenceText &found)
-        : text_(text), module_(module_name(schema)), document_(document), found_(found) {}
+        : text_(text), walk_(text), module_(module_name(schema)), document_(document),
+          found_(found) {}
 
     /// Returns whether the object has members.
     bool copy() {
-        at_ = std::min(text_.find_first_not_of(blanks), text_.size());
-        if (peek() != '{') {
+        const std::size_t begin = std::min(text_.find_first_not_of(json_blanks), text_.size());
+        if (text_.substr(begin, 1) != "{") {
             throw DataError("", "expected a JSON object");
         }
         do {
             step();
         } while (!levels_.empty());
-        if (text_.find_first_not_of(blanks, at_) != std::string_view::npos) {
+        if (text_.find_first_not_of(json_blanks, walk_.at()) != std::string_view::npos) {
             throw DataError("", "text behind the entry's JSON object");
         }
         document_.append(text_, copied_);
@@ -51,8 +43,6 @@ class JsonLook {
         std::string_view name;
     };
 
-    [[nodiscard]] char peek() const { return at_ < text_.size() ? text_[at_] : '\0'; }
-
     [[nodiscard]] std::string path(std::string_view name) const {
         std::string path;
         for (const Level &level : levels_) {
@@ -65,27 +55,27 @@ class JsonLook {
     }
 
     void step() {
-        while (at_ < text_.size() && !bracket_or_quote[static_cast<unsigned char>(text_[at_])]) {
-            ++at_;
-        }
-        if (at_ == text_.size()) {
-            throw DataError("", "the JSON object does not end");
-        }
-        const char bracket = text_[at_];
-        switch (bracket) {
-        case '{':
-        case '[':
-            levels_.push_back({bracket == '{', names_.size(), name_});
+        switch (walk_.next()) {
+        case JsonWalk::Step::end:
+            throw DataError("", walk_.in_string() ? "a JSON string does not end"
+                                                  : "the JSON object does not end");
+        case JsonWalk::Step::open:
+            levels_.push_back({walk_.token() == "{", names_.size(), name_});
             break;
-        case '}':
-        case ']':
-            close(bracket == '}');
+        case JsonWalk::Step::close:
+            close(walk_.token() == "}");
             break;
-        default:
-            string();
-            return;
+        case JsonWalk::Step::name:
+            if (levels_.back().object) {
+                member();
+                break;
+            }
+            [[fallthrough]];
+        case JsonWalk::Step::string:
+            if (walk_.escapes()) {
+                replace_surrogates();
+            }
         }
-        ++at_;
     }
 
     void close(bool object) {
@@ -98,40 +88,39 @@ class JsonLook {
         name_ = levels_.empty() ? std::string_view{} : levels_.back().name;
     }
 
-    void string() {
-        const std::size_t start = ++at_;
-        std::size_t end = text_.find('"', at_);
-        bool escapes = false;
-        for (;;) {
-            const std::size_t slash = text_.substr(0, end).find('\\', at_);
-            if (slash == std::string_view::npos) {
-                break;
-            }
-            escapes = true;
-            at_ = slash;
-            escape();
-            end = end < at_ ? text_.find('"', at_) : end;
-        }
-        if (end == std::string_view::npos) {
-            throw DataError("", "a JSON string does not end");
-        }
-        at_ = end;
-        const std::string_view content = text_.substr(start, at_ - start);
-        do {
-            ++at_;
-        } while (peek() == ' ' || peek() == '\t' || peek() == '\n' || peek() == '\r');
-        if (peek() == ':' && levels_.back().object) {
-            member(content, escapes);
-        }
+    [[nodiscard]] std::size_t place_of(std::string_view content) const {
+        return static_cast<std::size_t>(content.data() - text_.data());
     }
 
-    void member(std::string_view name, bool escapes) {
+    /// The name that the walk is at. libyang is given it without escapes.
+    std::string_view plain_name() {
+        const std::string_view content = walk_.content();
+        if (!walk_.escapes()) {
+            return content;
+        }
+        const auto name = json_string(walk_.token());
+        // No node's name needs an escape.
+        if (!name || name->find_first_of("\"\\") != name->npos || has_control(*name)) {
+            throw DataError(path(content), "unknown node");
+        }
+        const std::size_t begin = place_of(content);
+        document_.append(text_, copied_, begin - copied_).append(*name);
+        copied_ = begin + content.size();
+        return plain_names_.emplace_back(*name);
+    }
+
+    static bool has_control(std::string_view text) {
+        return std::any_of(text.begin(), text.end(),
+                           [](char c) { return static_cast<unsigned char>(c) < 0x20; });
+    }
+
+    void member() {
         if (++members_ > max_entry_nodes) {
             throw DataError("", "more than " + std::to_string(max_entry_nodes) + " members");
         }
-        if (escapes || name.substr(0, 1) == "@") {
-            throw DataError(path(name), "unknown node: " + std::string(escapes ? "an escaped name"
-                                                                               : "an annotation"));
+        std::string_view name = plain_name();
+        if (name.substr(0, 1) == "@") {
+            throw DataError(path(name), "unknown node: an annotation");
         }
         if (name.size() > module_.size() && name[module_.size()] == ':' &&
             name.substr(0, module_.size()) == module_) {
@@ -143,9 +132,9 @@ class JsonLook {
         }
         names_.push_back(name);
         name_ = name;
-        ++at_; // the colon
         if (levels_.size() == 1 && name == "sequence-number") {
-            const std::size_t value = std::min(text_.find_first_not_of(blanks, at_), text_.size());
+            const std::size_t value =
+                std::min(text_.find_first_not_of(json_blanks, walk_.at()), text_.size());
             found_.given = true;
             found_.first = members_ == 1;
             found_.text = text_.substr(value, text_.find_first_of(", \t\r\n}", value) - value);
@@ -167,31 +156,36 @@ class JsonLook {
         return value;
     }
 
-    /// Steps over an escape. Surrogate pairs, which libyang does not know, are
-    /// written as the character that they stand for.
-    void escape() {
-        const auto high = unit(at_);
-        const auto low = high ? unit(at_ + 6) : std::nullopt;
-        if (low && *high >= 0xD800 && *high < 0xDC00 && *low >= 0xDC00 && *low < 0xE000) {
-            document_.append(text_, copied_, at_ - copied_);
-            append_utf8(document_, 0x10000 + ((*high - 0xD800) << 10U) + (*low - 0xDC00));
-            at_ += 12;
-            copied_ = at_;
-        } else {
-            at_ += 2;
+    /// Surrogate pairs, which libyang does not know, are written as the characters
+    /// that they stand for.
+    void replace_surrogates() {
+        const std::size_t begin = place_of(walk_.content());
+        const std::size_t end = begin + walk_.content().size();
+        for (std::size_t at = text_.find('\\', begin); at < end; at = text_.find('\\', at)) {
+            const auto high = unit(at);
+            const auto low = high ? unit(at + 6) : std::nullopt;
+            if (low && *high >= 0xD800 && *high < 0xDC00 && *low >= 0xDC00 && *low < 0xE000) {
+                document_.append(text_, copied_, at - copied_);
+                append_utf8(document_, 0x10000 + ((*high - 0xD800) << 10U) + (*low - 0xDC00));
+                at += 12;
+                copied_ = at;
+            } else {
+                at += 2;
+            }
         }
     }
 
     const std::string_view text_;
+    JsonWalk walk_;
     const std::string_view module_;
     std::string &document_;
     SequenceText &found_;
-    std::size_t at_ = 0;
-    std::size_t copied_ = 0;
+    std::size_t copied_ = 0; // of the text, to the document
     std::size_t members_ = 0;
     std::string_view name_; // of the member whose value comes next
     std::vector<Level> levels_;
     std::vector<std::string_view> names_; // of the members of all open objects
+    std::deque<std::string> plain_names_; // of those written with escapes
 };
 
 } // namespace

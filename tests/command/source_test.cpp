@@ -48,7 +48,7 @@ const Input chunk_inputs[] = {
  {"entry":[{}],"name":"B"} , {"name":"C"}]}})",
      "A\"]\\@1 {\"remark\":\"}]\\\\\\\"{\"}\nA\"]\\@2 {\"a\":[{\"b\":{}}]}\nB@3 {}\n"},
     {"\xEF\xBB\xBF{\"aceconv-base:acls\":{}}\n", ""},
-    {"{\"aceconv-base:acls\":{\"aceconv-base:acl\":[{\"aceconv-base:name\":\"\\u00e9\","
+    {"{\"aceconv-base:\\u0061cls\":{\"aceconv-base:acl\":[{\"aceconv-base:n\\u0061me\":\"\\u00e9\","
      "\"entry\":[{\"x\":\"\\u005d\"}]}]}}",
      "\xC3\xA9@1 {\"x\":\"\\u005d\"}\n"},
     {"{\"aceconv-base:acls\":{\"acl\":[{\"name\":\"A\",\"entry\":[{}\n{}]}]}}",
@@ -56,7 +56,7 @@ const Input chunk_inputs[] = {
     {"{\"aceconv-base:acls\":{\"acl\":[{\"name\":\"A\",\"entry\":[{}",
      "A@1 {}\n@1 /aceconv-base:acls/acl[name='A']: expected ',' or ']', found the end of the "
      "input"},
-    {"{\"grant\":\"deny\"}\n\n{\"acl\":\"X\",\"entry\":{\"remark\":\"\\\"\"}}\r\n",
+    {"{\"grant\":\"deny\"}\n\n{\"\\u0061cl\":\"X\",\"entry\":{\"remark\":\"\\\"\"}}\r\n",
      "-@1 {\"grant\":\"deny\"}\nX@3 {\"remark\":\"\\\"\"}\n"},
     {" {\n\"permit\":{}}{\"deny\":{}}", "-@1 {\n\"permit\":{}}\n-@2 {\"deny\":{}}\n"},
     {"<acls xmlns='urn:aceconv:um'>\n<acl><name>A</name>\n<entry><remark>a</remark></entry></acl>"

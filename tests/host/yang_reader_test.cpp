@@ -131,7 +131,7 @@ const Case cases[] = {
     {base, R"({"sequence-number":4294967295})", "sequence-number", u32, "4294967295"},
     {base, R"({"capture":true})", "capture", u32, "wrong_type"},
     {base, R"({"capture":true})", "capture", boolean, "1"},
-    {base, R"({"capture":false})", "capture", boolean, "0"},
+    {base, R"({"c\u0061ptur\u0065":false})", "capture", boolean, "0"},
     {base, R"({"icmp-off":[null]})", "icmp-off", boolean, "wrong_type"},
     {um, R"({"permit":{"source":{"host":"192.0.2.1"}}})", "permit/source/host", ipv4, "192 0 2 1 "},
     {um, R"({"permit":{"source":{"host":"0.0.0.0"}}})", "permit/source/host", ipv4, "0 0 0 0 "},

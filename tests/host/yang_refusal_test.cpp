@@ -24,7 +24,8 @@ const Refusal refusals[] = {
     {base, json, R"({"bogus":1})", "/bogus", "unknown node"},
     {base, json, R"({"tcp":{"bogus":1}})", "/tcp/bogus", "unknown node"},
     {base, json, R"({"aceconv-um:remark":"x"})", "/remark", "unknown node"},
-    {base, json, R"({"gr\u0061nt":"deny"})", "/gr\\u0061nt", "unknown node"},
+    {base, json, R"({"bog\u0075s":1})", "/bogus", "unknown node"},
+    {base, json, R"({"gr\u0061nt\u0000":1})", "/gr\\u0061nt\\u0000", "unknown node"},
     {base, json, R"({"grant":"deny","@grant":{"yang:insert":"first"}})", "/@grant", "annotation"},
     {base, xml,
      R"(<entry xmlns:y="urn:ietf:params:xml:ns:yang:1"><grant y:insert="first">deny)"
@@ -35,7 +36,7 @@ const Refusal refusals[] = {
     {um, json, R"({"deny":{"udf-entries":{"udf":[{"udf-name":"a/b]","x":1}]}}})",
      "/deny/udf-entries/udf[udf-name='a/b]']/x", "unknown node"},
     // Repeats.
-    {base, json, R"({"grant":"deny","grant":"deny"})", "/grant", "more than once"},
+    {base, json, R"({"gr\u0061nt":"deny","grant":"deny"})", "/grant", "more than once"},
     {base, json, R"({"tcp":{},"aceconv-base:tcp":{}})", "/tcp", "more than once"},
     {um, json, R"({"deny":{"udf-entries":{"udf":[{"udf-name":"a"}],"udf":[{"udf-name":"b"}]}}})",
      "/deny/udf-entries/udf", "more than once"},
@@ -92,6 +93,7 @@ const Refusal refusals[] = {
     {base, json, R"({"remark":"a\ud800\ue000"})", "", "ud800"},
     {base, json, R"({"remark":"a\udbff\udbff"})", "", "udbff"},
     {base, json, R"({"remark":"a\udbff\udfff"})", "/remark", "character"},
+    {base, json, R"({"remark":"a\udc00\udc00"})", "", "udc00"},
     {base, json, R"({"remark":"a\ufffe"})", "", "ufffe"},
     {base, json, "{\"remark\":\"a" + nul + "b\"}", "", "character"},
     {base, json, "{\"remark\":\"a\x1b\"}", "", "character"},
