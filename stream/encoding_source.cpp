@@ -1,33 +1,42 @@
 // Encodings that follow each other as a CBOR sequence, with or without labels.
+#include <string>
+
 #include "host/bag_library.h"
 #include "stream/errors.h"
 #include "stream/label.h"
 #include "stream/source.h"
+#include "stream/text.h"
 
 namespace aceconv {
 namespace {
 
 class EncodingSource : public Source {
   public:
-    EncodingSource(Window window, Schema schema) : window_(std::move(window)), schema_(schema) {}
+    EncodingSource(Window window, std::optional<Schema> schema)
+        : window_(std::move(window)), schema_(schema) {}
 
     bool next(Entry &entry) override {
         entry.position = {0, ordinal_ + 1};
         entry.key = {};
-        entry.schema = schema_;
+        entry.schema = schema_.value_or(Schema::base);
+        entry.schema_known = schema_.has_value();
         entry.format.reset();
         if (!take_item(entry.encoding)) {
             return false;
         }
         ++ordinal_;
         if (is_label(entry.encoding)) {
+            std::optional<DataError> fault; // of the entry, whose encoding follows
             try {
-                entry.key = parse_label(entry.encoding);
-            } catch (const DataError &e) { // whose encoding is the next?
-                throw StreamError(e.path(), e.what());
+                apply(parse_label(entry.encoding), entry);
+            } catch (const DataError &e) {
+                fault = e;
             }
             if (!take_item(entry.encoding) || is_label(entry.encoding)) {
                 throw StreamError("", "a label without an encoding behind it");
+            }
+            if (fault) {
+                throw DataError(*fault);
             }
         }
         return true;
@@ -36,6 +45,22 @@ class EncodingSource : public Source {
     [[nodiscard]] std::optional<Schema> schema() const override { return schema_; }
 
   private:
+    void apply(const Label &label, Entry &entry) const {
+        entry.key = label.key;
+        if (!label.schema) {
+            return;
+        }
+        if (schema_ && *label.schema != *schema_) {
+            const std::string said(schema_name(*label.schema));
+            const std::string wanted(schema_name(*schema_));
+            throw DataError("", "labelled as of the " + said + " schema, not the " + wanted +
+                                    " schema as asked for; what converts it is: convert --from " +
+                                    said + " --to " + wanted);
+        }
+        entry.schema = *label.schema;
+        entry.schema_known = true;
+    }
+
     /// The next item of the sequence; false at the end.
     bool take_item(Bytes &item) {
         for (;;) {
@@ -67,14 +92,14 @@ class EncodingSource : public Source {
     }
 
     Window window_;
-    Schema schema_;
+    std::optional<Schema> schema_; // the only one that labels may name
     std::uint64_t ordinal_ = 0;
     std::uint64_t offset_ = 0;
 };
 
 } // namespace
 
-std::unique_ptr<Source> make_encoding_source(Window window, Schema schema) {
+std::unique_ptr<Source> make_encoding_source(Window window, std::optional<Schema> schema) {
     return std::make_unique<EncodingSource>(std::move(window), schema);
 }
 

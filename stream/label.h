@@ -1,6 +1,8 @@
-// Labels of encodings: converters carry neither list names nor sequence
-// numbers, so in a sequence of encodings (RFC 8742) an array of two, the list's
-// name or null and the sequence number or null, may stand before each of them.
+// Labels of encodings: converters carry neither list names nor sequence numbers,
+// and a record does not say which schema wrote it. So in a sequence of encodings
+// (RFC 8742) a label may stand before each of them, an array of the list's name or
+// null, the sequence number or null, and the schema's name, "base" or "um". Labels
+// without the schema are read too.
 #pragma once
 
 #include <cstdint>
@@ -12,14 +14,20 @@
 
 namespace aceconv {
 
-/// Appends the label of `key`; nothing when there is nothing to say.
-void append_label(std::string &out, const EntryKey &key);
+struct Label {
+    EntryKey key;
+    std::optional<Schema> schema;
+};
 
-/// Whether the item can only be a label: encodings are no arrays of two.
+/// Appends the label of an encoding.
+void append_label(std::string &out, const EntryKey &key, std::optional<Schema> schema);
+
+/// Whether the complete item can only be a label: encodings are arrays of three
+/// that end in a map.
 [[nodiscard]] bool is_label(std::span<const std::uint8_t> item);
 
-/// The key that a complete label holds. Throws DataError when it is not one, or
-/// not in the form that append_label writes.
-EntryKey parse_label(std::span<const std::uint8_t> item);
+/// What a complete label says. Throws DataError when it is not one, or not in the
+/// form that append_label writes.
+Label parse_label(std::span<const std::uint8_t> item);
 
 } // namespace aceconv

@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "stream/errors.h"
 #include "stream/label.h"
@@ -24,46 +25,69 @@ std::string xml_escaped(const std::string &text) {
     return escaped ? reinterpret_cast<const char *>(escaped.get()) : "";
 }
 
-/// The pieces of a document around its entries; `%` stands for the list's name.
+/// The pieces of a document around its entries; `%` stands for the list's name,
+/// in `open` and `empty` for the schema's.
 struct Frame {
-    std::string open, close, empty;
-    std::string begin_list, end_list, between_lists, between_entries;
+    std::string_view open, close, empty;
+    std::string_view begin_list, end_list, between_lists, between_entries;
+    std::string_view (*schema_text)(Schema);
     std::string (*quoted)(const std::string &);
     bool one_bare_entry; // there is no room for more than one outside a document
 };
 
-Frame frame(Format format, Schema schema) {
-    const std::string module(module_name(schema));
-    const std::string ns(module_namespace(schema));
-    if (format == Format::json) {
-        return {"{\"" + module + ":acls\":{\"acl\":[\n",
-                "]}}\n",
-                "{\"" + module + ":acls\":{}}\n",
-                "{\"name\":%,\"entry\":[\n",
-                "\n]}",
-                ",\n",
-                ",\n",
-                json_quoted,
-                false};
-    }
-    return {"<acls xmlns=\"" + ns + "\">\n",
-            "</acls>\n",
-            "<acls xmlns=\"" + ns + "\"/>\n",
-            "<acl><name>%</name>\n",
-            "\n</acl>\n",
-            "",
-            "\n",
-            xml_escaped,
-            true};
+constexpr Frame json_frame = {"{\"%:acls\":{\"acl\":[\n",
+                              "\n]}}\n",
+                              "{\"%:acls\":{}}\n",
+                              "{\"name\":%,\"entry\":[\n",
+                              "\n]}",
+                              ",\n",
+                              ",\n",
+                              module_name,
+                              json_quoted,
+                              false};
+constexpr Frame xml_frame = {"<acls xmlns=\"%\">\n",
+                             "</acls>\n",
+                             "<acls xmlns=\"%\"/>\n",
+                             "<acl><name>%</name>\n",
+                             "\n</acl>\n",
+                             "",
+                             "\n",
+                             module_namespace,
+                             xml_escaped,
+                             true};
+
+std::string filled(std::string_view piece, std::string_view text) {
+    std::string whole(piece);
+    return whole.replace(whole.find('%'), 1, text);
 }
+
+/// The schema of an output of texts.
+class TextSchema {
+  public:
+    explicit TextSchema(Schema of_none) : schema_(of_none) {}
+    void require(Schema schema) {
+        if (std::exchange(decided_, true) && schema != schema_) {
+            throw DataError("", "an entry of the " + std::string(schema_name(schema)) +
+                                    " schema; the output is of the " +
+                                    std::string(schema_name(schema_)) + " schema");
+        }
+        schema_ = schema;
+    }
+    [[nodiscard]] Schema get() const { return schema_; }
+
+  private:
+    Schema schema_;
+    bool decided_ = false; // by an entry
+};
 
 class DocumentSink : public Sink {
   public:
-    DocumentSink(Frame frame, Output &output) : frame_(std::move(frame)), output_(output) {}
+    DocumentSink(const Frame &frame, Schema schema, Output &output)
+        : frame_(frame), schema_(schema), output_(output) {}
 
-    void write(const EntryKey &key, std::string_view entry) override {
+    void write(const EntryKey &key, Schema schema, std::string_view entry) override {
         if (!key.acl) {
-            return write_bare(entry);
+            return write_bare(schema, entry);
         }
         if (bare_ > 0) {
             throw DataError("", "a document cannot hold entries with and without an access list; "
@@ -73,15 +97,19 @@ class DocumentSink : public Sink {
             throw DataError("", "a document has no place for an entry without a sequence number; "
                                 "write ndjson instead");
         }
+        schema_.require(schema);
         if (key.acl != list_) {
             if (!lists_.insert(*key.acl).second) {
                 throw DataError("", "the entries of this access list do not stand together, as a "
                                     "document needs; write ndjson instead");
             }
-            output_.write(!list_ ? frame_.open : frame_.end_list + frame_.between_lists);
-            std::string begin = frame_.begin_list;
-            begin.replace(begin.find('%'), 1, frame_.quoted(*key.acl));
-            output_.write(begin);
+            if (list_) {
+                output_.write(frame_.end_list);
+                output_.write(frame_.between_lists);
+            } else {
+                output_.write(filled(frame_.open, frame_.schema_text(schema)));
+            }
+            output_.write(filled(frame_.begin_list, frame_.quoted(*key.acl)));
             list_ = key.acl;
         } else {
             output_.write(frame_.between_entries);
@@ -91,15 +119,15 @@ class DocumentSink : public Sink {
 
     void close() override {
         if (list_) {
-            output_.write(frame_.end_list + (frame_.between_lists.empty() ? "" : "\n") +
-                          frame_.close);
+            output_.write(frame_.end_list);
+            output_.write(frame_.close);
         } else if (bare_ == 0) {
-            output_.write(frame_.empty);
+            output_.write(filled(frame_.empty, frame_.schema_text(schema_.get())));
         }
     }
 
   private:
-    void write_bare(std::string_view entry) {
+    void write_bare(Schema schema, std::string_view entry) {
         if (list_) {
             throw DataError("", "a document cannot hold entries with and without an access list; "
                                 "write ndjson instead");
@@ -108,12 +136,14 @@ class DocumentSink : public Sink {
             throw DataError("", "XML has no place for a second entry without an access list; "
                                 "write ndjson instead");
         }
+        schema_.require(schema);
         ++bare_;
         output_.write(entry);
         output_.write("\n");
     }
 
-    Frame frame_;
+    const Frame &frame_;
+    TextSchema schema_;
     Output &output_;
     std::optional<std::string> list_;
     std::set<std::string, std::less<>> lists_;
@@ -122,8 +152,9 @@ class DocumentSink : public Sink {
 
 class LineSink : public Sink {
   public:
-    explicit LineSink(Output &output) : output_(output) {}
-    void write(const EntryKey &key, std::string_view entry) override {
+    LineSink(Schema schema, Output &output) : schema_(schema), output_(output) {}
+    void write(const EntryKey &key, Schema schema, std::string_view entry) override {
+        schema_.require(schema);
         if (key.acl != list_) {
             list_ = key.acl;
             opening_ = key.acl ? "{\"acl\":" + json_quoted(*key.acl) + ",\"entry\":" : "";
@@ -135,6 +166,7 @@ class LineSink : public Sink {
     void close() override {}
 
   private:
+    TextSchema schema_;
     Output &output_;
     std::optional<std::string> list_;
     std::string opening_; // what stands before its entries
@@ -142,16 +174,19 @@ class LineSink : public Sink {
 
 class EncodingSink : public Sink {
   public:
-    explicit EncodingSink(Output &output) : output_(output) {}
-    void write(const EntryKey &key, std::string_view entry) override {
-        label_.clear();
-        append_label(label_, key);
-        output_.write(label_);
+    EncodingSink(bool labels, Output &output) : labels_(labels), output_(output) {}
+    void write(const EntryKey &key, Schema schema, std::string_view entry) override {
+        if (labels_) {
+            label_.clear();
+            append_label(label_, key, schema);
+            output_.write(label_);
+        }
         output_.write(entry);
     }
     void close() override {}
 
   private:
+    const bool labels_;
     Output &output_;
     std::string label_;
 };
@@ -161,14 +196,16 @@ class EncodingSink : public Sink {
 std::unique_ptr<Sink> make_sink(OutputFormat format, Schema schema, Output &output) {
     switch (format) {
     case OutputFormat::json:
+        return std::make_unique<DocumentSink>(json_frame, schema, output);
     case OutputFormat::xml:
-        return std::make_unique<DocumentSink>(frame(text_format(format), schema), output);
+        return std::make_unique<DocumentSink>(xml_frame, schema, output);
     case OutputFormat::ndjson:
-        return std::make_unique<LineSink>(output);
+        return std::make_unique<LineSink>(schema, output);
     case OutputFormat::cbor:
+    case OutputFormat::bare_cbor:
         break;
     }
-    return std::make_unique<EncodingSink>(output);
+    return std::make_unique<EncodingSink>(format == OutputFormat::cbor, output);
 }
 
 bool finish(Output &output, Sink &sink, bool stopped) {

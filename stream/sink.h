@@ -9,7 +9,8 @@
 
 namespace aceconv {
 
-enum class OutputFormat { json, xml, ndjson, cbor };
+/// cbor: encodings, each behind its label; bare_cbor: encodings alone.
+enum class OutputFormat { json, xml, ndjson, cbor, bare_cbor };
 
 /// The format of the entry texts that a sink of this format takes.
 constexpr Format text_format(OutputFormat format) {
@@ -21,14 +22,15 @@ class Sink {
     virtual ~Sink() = default;
     /// Writes one entry: its text on one line, or its encoding. Throws DataError
     /// when the format has no place for it, and what Output::write throws.
-    virtual void write(const EntryKey &key, std::string_view entry) = 0;
+    virtual void write(const EntryKey &key, Schema schema, std::string_view entry) = 0;
     /// Completes the output; nothing may follow.
     virtual void close() = 0;
 };
 
 /// Documents need each entry's list name and sequence number, and the entries
 /// of a list together. Entries without a list name are written bare: in JSON
-/// one a line, in XML not more than one.
+/// one a line, in XML not more than one. Texts are all of one schema, the first
+/// one's; `schema` is that of an output without entries.
 std::unique_ptr<Sink> make_sink(OutputFormat format, Schema schema, Output &output);
 
 /// Completes the output of a run. When it was `stopped` by a fault, a file is

@@ -111,7 +111,7 @@ std::unique_ptr<Source> make_source(Window window, std::optional<InputFormat> fo
     case InputFormat::cbor:
         break;
     }
-    return make_encoding_source(std::move(window), schema.value_or(Schema::base));
+    return make_encoding_source(std::move(window), schema);
 }
 
 std::unique_ptr<Source> open_source(const std::string &path, std::optional<InputFormat> format,

@@ -36,6 +36,7 @@ struct Entry {
     EntryKey key = {};
     Position position = {};
     Schema schema = Schema::base;
+    bool schema_known = true;          // false: an encoding of which nothing says the schema
     bool in_document = false;          // stands in a named list, so it needs a sequence number
     std::optional<Format> format = {}; // of the text; none for an encoding
     std::string text = {};
@@ -57,9 +58,9 @@ class Source {
 };
 
 /// Opens `path` ("-" is standard input). Format and schema are recognised from
-/// the data when they are not given; the schema of encodings is base unless
-/// given. `meter` follows the reading. Throws IoError, StreamError, or UsageError
-/// when nothing tells.
+/// the data when they are not given; of encodings, labels say the schema. `meter`
+/// follows the reading. Throws IoError, StreamError, or UsageError when nothing
+/// tells the schema of text.
 std::unique_ptr<Source>
 open_source(const std::string &path, std::optional<InputFormat> format,
             std::optional<Schema> schema,
@@ -73,6 +74,6 @@ std::unique_ptr<Source> make_source(Window window, std::optional<InputFormat> fo
 std::unique_ptr<Source> make_json_source(Window window, std::optional<Schema> schema);
 std::unique_ptr<Source> make_object_source(Window window, bool lines, std::optional<Schema> schema);
 std::unique_ptr<Source> make_xml_source(Window window, std::optional<Schema> schema);
-std::unique_ptr<Source> make_encoding_source(Window window, Schema schema);
+std::unique_ptr<Source> make_encoding_source(Window window, std::optional<Schema> schema);
 
 } // namespace aceconv

@@ -57,6 +57,15 @@ std::string_view schema_name(Schema schema) {
     return schema == Schema::base ? "base" : "um";
 }
 
+std::optional<Schema> schema_of_name(std::string_view name) {
+    for (const Schema schema : all_schemas) {
+        if (name == schema_name(schema)) {
+            return schema;
+        }
+    }
+    return std::nullopt;
+}
+
 std::optional<QualifiedName> split_name(std::string_view name) {
     const std::size_t colon = name.find(':');
     if (colon == name.npos) {

@@ -23,8 +23,9 @@ std::string printable(std::string_view text);
 /// Why `name` cannot be the name of an access list; "" when it can.
 std::string list_name_fault(std::string_view name);
 
-/// "base" or "um".
+/// "base" or "um", and back; nothing for any other text.
 std::string_view schema_name(Schema schema);
+std::optional<Schema> schema_of_name(std::string_view name);
 
 /// `name` without the prefix "module:", and the schema when it had one that is
 /// known; nothing when the prefix is unknown.

@@ -1,6 +1,7 @@
 #include "host/bag/cbor_item.h"
 
 #include <cbor.h>
+#include <vector>
 
 #include "host/bag_library.h"
 
@@ -49,17 +50,19 @@ cbor_callbacks make_callbacks() noexcept {
 
 const cbor_callbacks item_callbacks = make_callbacks();
 
-/// Reads a number, string, array or map whose head and content are complete,
-/// which is most of any encoding; false leaves the item to libcbor.
+/// Reads a number, string, array or map whose head and content are complete, which
+/// is most of any encoding, and tags and simple values that have no meaning yet,
+/// which libcbor takes for malformed; false leaves the item to libcbor.
 bool read_plain(std::span<const std::uint8_t> bytes, Item &item) noexcept {
     static constexpr ItemKind kinds[] = {ItemKind::number, ItemKind::other, ItemKind::bytes,
-                                         ItemKind::text,   ItemKind::array, ItemKind::map};
+                                         ItemKind::text,   ItemKind::array, ItemKind::map,
+                                         ItemKind::tag,    ItemKind::other};
     if (bytes.empty()) {
         return false;
     }
     const std::size_t major = bytes[0] >> 5U;
     const unsigned info = bytes[0] & 0x1FU;
-    if (major >= std::size(kinds) || major == 1 || info > 27) {
+    if (major == 1 || info > 27 || (major == 7 && info >= 20 && info != 24)) {
         return false;
     }
     std::size_t head = 1;
@@ -73,6 +76,9 @@ bool read_plain(std::span<const std::uint8_t> bytes, Item &item) noexcept {
         for (std::size_t i = 1; i < head; ++i) {
             value = value << 8U | bytes[i];
         }
+    }
+    if (major == 7 && info == 24 && value < 32) { // false, for one, has a shorter form only
+        return false;
     }
     item = {kinds[major], value, nullptr, head};
     if (item.kind == ItemKind::bytes || item.kind == ItemKind::text) {
@@ -120,35 +126,77 @@ bool is_shortest(const Item &item) noexcept {
     return item.size == head + (is_string ? item.value : 0);
 }
 
+namespace {
+
+constexpr std::uint8_t indefinite_info = 0x1F; // the lower five bits of an item's first byte
+constexpr std::uint8_t break_byte = 0xFF;
+
+/// An item of indefinite length that is open.
+struct OpenItem {
+    std::uint64_t owed; // items still to come of the array or map around it
+    std::uint8_t head;
+    bool odd = false; // in number, its elements so far
+
+    /// Whether an element may start with this byte.
+    [[nodiscard]] bool takes(std::uint8_t first) const {
+        const bool string = head >> 5U == 2 || head >> 5U == 3;
+        return !string || (first >> 5U == head >> 5U && (first & 0x1FU) != indefinite_info);
+    }
+    [[nodiscard]] bool may_end() const { return head >> 5U != 5 || !odd; }
+};
+
+} // namespace
+
 std::optional<std::size_t> cbor_item_length(std::span<const std::uint8_t> bytes) {
     std::size_t at = 0;
-    std::uint64_t open = 1; // items still to come
-    while (open > 0) {
-        if (at < bytes.size() && bytes[at] < 24) { // most keys, many numbers
+    std::uint64_t owed = 1; // items still to come of the innermost array or map
+    std::vector<OpenItem> open;
+    while (owed > 0 || !open.empty()) {
+        if (at == bytes.size()) {
+            return std::nullopt;
+        }
+        if (owed == 0 && bytes[at] == break_byte) {
+            if (!open.back().may_end()) {
+                return std::nullopt;
+            }
+            owed = open.back().owed;
+            open.pop_back();
             ++at;
-            --open;
+            continue;
+        }
+        if (owed > 0) {
+            --owed;
+        } else if (open.back().takes(bytes[at])) {
+            open.back().odd = !open.back().odd;
+        } else {
+            return std::nullopt;
+        }
+        if (bytes[at] < 24) { // most keys, many numbers
+            ++at;
             continue;
         }
         Item item{};
-        if (read_item(bytes.subspan(at), item) != ItemStatus::ok ||
-            item.kind == ItemKind::indefinite) {
+        if (read_item(bytes.subspan(at), item) != ItemStatus::ok || bytes[at] == break_byte) {
             return std::nullopt;
         }
+        if (item.kind == ItemKind::indefinite) {
+            open.push_back({owed, bytes[at]});
+            owed = 0;
+        }
         at += item.size;
-        --open;
         const std::size_t left = bytes.size() - at;
         // Every item takes a byte at least, so neither count can overflow.
         if ((item.kind == ItemKind::array || item.kind == ItemKind::map) && item.value > left) {
             return std::nullopt;
         }
         if (item.kind == ItemKind::array) {
-            open += item.value;
+            owed += item.value;
         } else if (item.kind == ItemKind::map) {
-            open += 2 * item.value;
+            owed += 2 * item.value;
         } else if (item.kind == ItemKind::tag) {
-            open += 1;
+            owed += 1;
         }
-        if (open > left) {
+        if (owed > left) {
             return std::nullopt;
         }
     }

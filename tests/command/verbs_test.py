@@ -57,7 +57,7 @@ class Inspect(Case):
             "Priority": (["2:28"], 260, 3, "medium")})
 
     def test_names_follow_the_schema(self):
-        encoded = self.ok("encode", stdin=json.dumps(
+        encoded = self.ok("encode", "--no-labels", stdin=json.dumps(
             {"fragment-type": "first-fragment", "protocol": 512}))
         for schema, names in (("base", {"FragmentFlags": "first-fragment"}),
                               ("um", {"FragmentFlags": "dont-fragment is-fragment",
@@ -111,16 +111,43 @@ class Formats(Case):
         self.assertEqual(self.ok("encode", stdin=xml), encoded)
 
     def test_labels(self):
-        # RFC 8949: array of two, text or null, unsigned or null
-        source = document("base", ("X", numbered({"remark": "r"})))
-        self.assertTrue(self.ok("encode", stdin=source).startswith(b"\x82\x61X\x0a"))
-        self.assertTrue(self.ok("encode", stdin='{"sequence-number":300,"grant":"deny"}')
-                        .startswith(b"\x82\xf6\x19\x01\x2c"))
-        line = '{"acl":"X","entry":{"grant":"deny"}}'
-        self.assertTrue(self.ok("encode", stdin=line).startswith(b"\x82\x61X\xf6"))
-        bare = self.ok("encode", stdin='{"grant":"deny"}')
-        self.assertNotEqual(bare[0], 0x82)
+        # RFC 8949: array of three, text or null, unsigned or null, text
+        base, um = b"\x64base", b"\x62um"
+        for source, label in (
+                (document("base", ("X", numbered({"remark": "r"}))), b"\x83\x61X\x0a" + base),
+                (document("um", ("X", numbered({"remark": "r"}))), b"\x83\x61X\x0a" + um),
+                ('{"sequence-number":300,"grant":"deny"}', b"\x83\xf6\x19\x01\x2c" + base),
+                ('{"acl":"X","entry":{"permit":{}}}', b"\x83\x61X\xf6" + um),
+                ('{"permit":{}}', b"\x83\xf6\xf6" + um)):
+            bare = self.ok("encode", "--no-labels", stdin=source)
+            self.assertEqual(self.ok("encode", stdin=source), label + bare)
+            # Labels of two tell the same, but for the schema.
+            schema = "um" if label.endswith(um) else "base"
+            old = b"\x82" + label[1:].removesuffix(base).removesuffix(um)
+            self.assertEqual(self.records("--schema", schema, stdin=old + bare),
+                             self.records(stdin=label + bare))
         self.assertEqual(self.ok("decode", "--to", "ndjson", stdin=bare * 2).count(b"\n"), 2)
+
+    def test_each_encoding_has_the_schema_of_its_label(self):
+        entries = {"base": {"fragment-type": "is-fragment"}, "um": {"permit": {"protocol": 512}}}
+        encoded = {schema: self.ok("encode", stdin=document(schema, (schema, numbered(entry))))
+                   for schema, entry in entries.items()}
+        for schema, other in (("base", "um"), ("um", "base")):
+            for form in ("json", "xml", "ndjson"):
+                wanted = self.ok("decode", "--to", form, stdin=encoded[schema])
+                code, out, err = self.run_command(
+                    "decode", "--keep-going", "--to", form, stdin=encoded[schema] + encoded[other])
+                self.assertEqual((code, out), (2, wanted))
+                self.assertIn(f":#2: acl '{other}' entry 10: an entry of the {other} schema; the "
+                              f"output is of the {schema} schema", err)
+            self.assertEqual(self.ok("encode", stdin=wanted), encoded[schema])
+            code, _, err = self.run_command("decode", "--schema", other, stdin=encoded[schema])
+            self.assertEqual(code, 2)
+            self.assertRegex(err, f"labelled as of the {schema} schema, not the {other} schema.*: "
+                                  f"convert --from {schema} --to {other}")
+        names = [[f["keyword"] for f in record["fields"] if "keyword" in f]
+                 for record in self.records(stdin=encoded["base"] + encoded["um"])]
+        self.assertEqual(names, [["is-fragment"], ["permit", "ipv4"]])
 
     def test_ways_to_write_the_same_entries(self):
         one, two = {"sequence-number": 10, "grant": "deny"}, {"sequence-number": 20, **WEB}

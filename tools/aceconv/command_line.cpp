@@ -119,12 +119,14 @@ void add_options(CLI::App &verb, EncodeOptions &options) {
     add_output(verb, options.output);
     add_file(verb, "--stored", options.stored,
              "Earlier encodings of the entries, whose user-defined fields are kept (base schema)");
+    verb.add_flag("--no-labels", options.bare,
+                  "Write the encodings alone, without list, sequence number and schema");
 }
 
 void add_options(CLI::App &verb, DecodeOptions &options) {
     add_input(verb, options.input);
     add_choice(verb, "--schema", options.input.schema, schemas,
-               "The schema to write; base by default");
+               "The schema of encodings whose labels do not tell it");
     add_output(verb, options.output);
     add_choice(verb, "--to", options.format, text_formats, format_help);
 }
@@ -132,7 +134,7 @@ void add_options(CLI::App &verb, DecodeOptions &options) {
 void add_options(CLI::App &verb, InspectOptions &options) {
     add_input(verb, options.input);
     add_choice(verb, "--schema", options.input.schema, schemas,
-               "The entries' schema; of encodings, the one whose names are shown");
+               "The entries' schema, when neither the data nor labels tell it");
     add_output(verb, options.output);
     verb.add_flag("--json", options.json, "Write one JSON object for each record, one a line");
 }

@@ -124,7 +124,7 @@ int run_convert(const ConvertOptions &options) {
                  Codec &codec, Entry &entry,
                  Product &product) { convert(codec, view, entry, to, format, product); },
              [&](const Entry &entry, const Product &product) {
-                 sink->write(entry.key, product.bytes);
+                 sink->write(entry.key, to, product.bytes);
                  tally.entries_with_losses += product.changes.empty() ? 0U : 1U;
                  tally.losses += product.changes.size();
                  for (const Change &loss : product.changes) {

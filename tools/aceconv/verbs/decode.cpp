@@ -11,18 +11,20 @@ int run_decode(const DecodeOptions &options) {
     if (!run.opened()) {
         return run.conclude();
     }
-    const Schema schema = options.input.schema.value_or(Schema::base);
     const Format format = text_format(options.format);
     Output output(options.output);
-    const auto sink = make_sink(options.format, schema, output);
+    const auto sink =
+        make_sink(options.format, options.input.schema.value_or(Schema::base), output);
     run.each(
-        [schema, format](Codec &codec, const Entry &entry, Product &product) {
+        [format](Codec &codec, const Entry &entry, Product &product) {
             if (entry.format) {
                 throw StreamError("", "an entry's text; expected encodings");
             }
-            codec.decode(entry.encoding, schema, format, entry.key, product.bytes);
+            codec.decode(entry.encoding, entry.schema, format, entry.key, product.bytes);
         },
-        [&](const Entry &entry, const Product &product) { sink->write(entry.key, product.bytes); });
+        [&](const Entry &entry, const Product &product) {
+            sink->write(entry.key, entry.schema, product.bytes);
+        });
     finish(output, *sink, run.stopped());
     return run.conclude();
 }

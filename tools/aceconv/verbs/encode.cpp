@@ -17,7 +17,7 @@ namespace {
 class StoredEncodings {
   public:
     StoredEncodings(const std::string &path, const bag_descriptor &descriptor) {
-        const auto source = open_source(path, InputFormat::cbor, Schema::base);
+        const auto source = open_source(path, InputFormat::cbor, std::nullopt);
         Entry entry;
         while (source->next(entry)) {
             // The encoder would pass over one that cannot be read, and lose what it holds.
@@ -64,7 +64,8 @@ int run_encode(const EncodeOptions &options) {
         }
     }
     Output output(options.output);
-    const auto sink = make_sink(OutputFormat::cbor, Schema::base, output);
+    const auto sink = make_sink(options.bare ? OutputFormat::bare_cbor : OutputFormat::cbor,
+                                Schema::base, output);
     run.each(
         [&stored](Codec &codec, Entry &entry, Product &product) {
             if (!entry.format) {
@@ -80,7 +81,9 @@ int run_encode(const EncodeOptions &options) {
             }
             append(product.bytes, encoding);
         },
-        [&](const Entry &entry, const Product &product) { sink->write(entry.key, product.bytes); });
+        [&](const Entry &entry, const Product &product) {
+            sink->write(entry.key, entry.schema, product.bytes);
+        });
     finish(output, *sink, run.stopped());
     return run.conclude();
 }

@@ -12,12 +12,13 @@ struct EncodeOptions {
     InputOptions input;
     std::string output = "-";
     std::string stored; // a file of earlier encodings; empty: none
+    bool bare = false;  // no labels
 };
 int run_encode(const EncodeOptions &options);
 
 struct DecodeOptions {
     CommonOptions common;
-    InputOptions input; // its schema is the one to write
+    InputOptions input;
     std::string output = "-";
     OutputFormat format = OutputFormat::json;
 };
