@@ -3,6 +3,7 @@ import json
 import os
 import pathlib
 import re
+import signal
 import subprocess
 import tempfile
 import unittest
@@ -12,6 +13,10 @@ EXAMPLES = pathlib.Path(os.environ["ACECONV_SOURCE"]) / "examples"
 SUMMARY = re.compile(r"aceconv: (stopped: )?(\d+ entr(y|ies), \d+ errors?.*); [\d.]+ s, "
                      r"\d+ entries a second\n\Z")
 MODULE = {"base": "aceconv-base", "um": "aceconv-um"}
+
+# Under nohup and in background jobs these come ignored, and would be for the command.
+for sign in (signal.SIGHUP, signal.SIGINT, signal.SIGQUIT):
+    signal.signal(sign, signal.SIG_DFL)
 
 
 def document(schema, *lists):

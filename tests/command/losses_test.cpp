@@ -4,6 +4,7 @@
 #include "compare/leaves.h"
 #include "host/plugin_loader.h"
 #include "testing/generator/rule.h"
+#include "tests/print_schema.h"
 
 namespace aceconv {
 namespace {
@@ -71,9 +72,7 @@ TEST_P(Losses, OfNodesTheConverterPassesOver) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Schemas, Losses, ::testing::Values(Schema::base, Schema::um),
-                         [](const auto &parameter) {
-                             return std::string(parameter.param == Schema::um ? "um" : "base");
-                         });
+                         ::testing::PrintToStringParamName());
 
 } // namespace
 } // namespace aceconv

@@ -6,6 +6,7 @@
 #include "aceconv/plugin.h"
 #include "testing/generator/rule.h"
 #include "tests/host/yang_testing.h"
+#include "tests/print_schema.h"
 
 namespace aceconv::testing {
 namespace {
@@ -256,9 +257,7 @@ TEST_P(BackendsAgree, OnRareForms) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Schemas, BackendsAgree, ::testing::Values(Schema::base, Schema::um),
-                         [](const auto &parameter) {
-                             return std::string(parameter.param == Schema::um ? "um" : "base");
-                         });
+                         ::testing::PrintToStringParamName());
 
 } // namespace
 } // namespace aceconv::testing

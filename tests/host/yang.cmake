@@ -6,11 +6,8 @@ target_link_libraries(host_yang_test PRIVATE aceconv_flags aceconv_host aceconv_
                                              PkgConfig::yang GTest::gtest_main)
 gtest_discover_tests(host_yang_test TEST_PREFIX host.)
 
-find_program(YANGLINT yanglint)
-if(YANGLINT)
-  add_test(NAME host.modules_pass_yanglint
-           COMMAND ${YANGLINT} --verbose ${PROJECT_SOURCE_DIR}/yang/aceconv-base.yang
-                   ${PROJECT_SOURCE_DIR}/yang/aceconv-um.yang)
-  set_tests_properties(host.modules_pass_yanglint PROPERTIES
-    FAIL_REGULAR_EXPRESSION "warn;err")
-endif()
+find_program(YANGLINT yanglint REQUIRED)
+add_test(NAME host.modules_pass_yanglint
+         COMMAND ${YANGLINT} --verbose ${PROJECT_SOURCE_DIR}/yang/aceconv-base.yang
+                 ${PROJECT_SOURCE_DIR}/yang/aceconv-um.yang)
+set_tests_properties(host.modules_pass_yanglint PROPERTIES FAIL_REGULAR_EXPRESSION "warn;err")
