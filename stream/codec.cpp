@@ -3,7 +3,9 @@
 #include <cstdlib>
 
 #include "host/bag_library.h"
+#include "host/schema/data_path.h"
 #include "stream/errors.h"
+#include "stream/node_line.h"
 
 namespace aceconv {
 namespace {
@@ -42,6 +44,20 @@ std::string decoder_fault(std::uint32_t status) {
     }
 }
 
+/// Moves the entry's position on to the node at fault. Only a fault costs this look
+/// at the text.
+void point_at(const DataError &fault, Entry &entry) {
+    const std::string around = entry_path(entry.schema, entry.key);
+    std::uint64_t line = fault.line();
+    if (line == 0 && fault.path().compare(0, around.size(), around) == 0) {
+        const auto below = std::string_view(fault.path()).substr(around.size());
+        line = line_of_node(entry.text, *entry.format, below);
+    }
+    if (line != 0 && entry.position.line != 0) {
+        entry.position.line += line - 1;
+    }
+}
+
 } // namespace
 
 Codec::Codec(const CodecSetup &setup)
@@ -75,8 +91,9 @@ Encoding Codec::encode(Entry &entry, Encoding stored) {
     ccv_yang_node *node = nullptr;
     try {
         node = source.read(entry.text, entry.key);
-    } catch (const DataError &) {
+    } catch (const DataError &fault) {
         entry.key.sequence = source.sequence(); // for the message
+        point_at(fault, entry);
         throw;
     }
     entry.key.sequence = source.sequence();
@@ -93,7 +110,9 @@ Encoding Codec::encode(Entry &entry, Encoding stored) {
         throw DataError("", bag_last_error());
     }
     if (status != 0) {
-        throw source.explain(status);
+        const DataError fault = source.explain(status);
+        point_at(fault, entry);
+        throw fault;
     }
     encoded_.reset(encoded);
     read_ = node;

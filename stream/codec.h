@@ -29,7 +29,8 @@ class Codec {
 
     /// The entry's encoding, which is `entry.encoding` where it came as one; valid
     /// until the next call. Fills in the sequence number in `entry.key`. `stored`
-    /// is the entry's earlier encoding or empty. Throws DataError.
+    /// is the entry's earlier encoding or empty. Throws DataError, with
+    /// `entry.position` moved on to the line of the node at fault.
     Encoding encode(Entry &entry, Encoding stored = {});
 
     /// Appends the text of an entry, on one line. Throws DataError.

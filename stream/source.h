@@ -27,7 +27,9 @@ inline void append(std::string &bytes, Encoding encoding) {
 enum class InputFormat { json, ndjson, xml, cbor };
 
 struct Position {
-    std::uint64_t line = 0;    // of the entry's first character; 0 where there are no lines
+    // Of the entry's first character, or of the node in it that was refused; 0 where
+    // there are no lines.
+    std::uint64_t line = 0;
     std::uint64_t ordinal = 0; // counted from 1
 };
 

@@ -108,7 +108,7 @@ class LibyangReader final : public EntryReader {
                 sequence_ = number(given_.text);
             }
             throw DataError(entry_path(schema_, {where_.acl, sequence_}) + error.path(),
-                            error.what());
+                            error.what(), error.line());
         }
         return &tree_.root();
     }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "stream/errors.h"
+#include "stream/node_line.h"
 #include "stream/sequence_set.h"
 #include "stream/source.h"
 
@@ -78,6 +79,35 @@ TEST(Source, EveryPrefixOfADocumentIsRefused) {
     for (std::size_t length = 1; length < text.size(); ++length) {
         const std::string told = told_by(text.substr(0, length), length);
         EXPECT_NE(told.find(": "), told.npos) << text.substr(0, length);
+    }
+}
+
+struct Place {
+    Format format;
+    const char *text;
+    const char *path;
+    std::uint64_t line;
+};
+
+const Place places[] = {
+    {Format::xml, "<entry>\n<grant/></entry>", "", 1},
+    {Format::xml, "<entry>\n<grant/></entry>", "/remark", 1},
+    {Format::xml, "<e:entry>\n<e:tcp>\r\n<e:tcp-bits/></e:tcp></e:entry>", "/tcp/tcp-bits", 3},
+    {Format::xml, "<entry><remark>\n</remark><remark/>\n<tcp/></entry>", "/remark", 2},
+    {Format::xml, "<entry><tcp><!--\n--><x\n/></tcp><x/></entry>", "/tcp/x", 2},
+    {Format::xml, "<entry><u><n>a'</n>\n<x/></u><u>\n<n>b</n><x/></u>\n<u><x/></u></entry>",
+     "/u[n='b']/x", 3},
+    {Format::xml, "<entry><u><n>a'</n>\n<x/></u><u>\n<n>b</n><x/></u>\n<u><x/></u></entry>",
+     "/u[n=\"a'\"]/x", 2},
+    {Format::xml, "<entry><u><n>a</n></u>\n<u><n>a</n>\n</u></entry>", "/u[n='a']", 2},
+    {Format::xml, "<entry>\n<grant>\n</entry>", "/grant", 2}, // as far as it can be read
+};
+
+TEST(LineOfNode, IsThatOfTheLastNodeOfThePath) {
+    for (const Place &place : places) {
+        EXPECT_EQ(line_of_node(place.text, place.format, place.path), place.line)
+            << place.text << '\n'
+            << place.path;
     }
 }
 
