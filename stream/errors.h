@@ -13,6 +13,11 @@ class UsageError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// Data that means another thing in each schema, and nothing that tells the schema.
+class SchemaUnknown : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
 /// A file, a device or the plug-in that cannot be used.
 class IoError : public std::runtime_error {
     using std::runtime_error::runtime_error;

@@ -125,8 +125,7 @@ class ObjectSource : public Source {
             held_.push_back(std::move(held));
         }
         if (!schema_ && silent) {
-            throw UsageError("nothing in the entries tells their schema; give --schema base or "
-                             "--schema um");
+            throw SchemaUnknown("nothing in the entries tells their schema");
         }
     }
 

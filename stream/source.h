@@ -52,7 +52,8 @@ class Source {
     /// Moves on to the next entry; false at the end. `entry` may be one that was
     /// used before. Throws DataError for a fault of this one entry, after which
     /// the next call goes on behind it, and StreamError where the rest cannot be
-    /// read. `entry.position` tells where in either case.
+    /// read, and `entry.position` tells where in either case; SchemaUnknown when
+    /// nothing tells the schema of text.
     virtual bool next(Entry &entry) = 0;
 
     /// The schema of the data, once it is known.
@@ -61,8 +62,7 @@ class Source {
 
 /// Opens `path` ("-" is standard input). Format and schema are recognised from
 /// the data when they are not given; of encodings, labels say the schema. `meter`
-/// follows the reading. Throws IoError, StreamError, or UsageError when nothing
-/// tells the schema of text.
+/// follows the reading. Throws IoError and StreamError.
 std::unique_ptr<Source>
 open_source(const std::string &path, std::optional<InputFormat> format,
             std::optional<Schema> schema,

@@ -149,6 +149,32 @@ class Formats(Case):
                  for record in self.records(stdin=encoded["base"] + encoded["um"])]
         self.assertEqual(names, [["is-fragment"], ["permit", "ipv4"]])
 
+    def test_encodings_whose_meaning_depends_on_an_untold_schema(self):
+        police = {"permit": {"police": {"value": 1, "unit": "pps"}}}
+        for schema, entry, fields in (
+                ("base", {"fragment-type": "dont-fragment"}, "FragmentFlags"),
+                ("base", {"protocol": "ip", "fragment-type": 8}, "protocol, FragmentFlags"),
+                ("base", {"protocol-operator": "range", "protocol": 1, "protocol2": 512},
+                 "protocol2"),
+                ("um", {"deny": {"protocol": 512, "icmp-on": {}}}, "protocol, icmp_on"),
+                ("um", UDF, "UDF"), ("um", police, "Police"),
+                ("um", {"permit": {"police": {"priority": "low"}}}, "Priority"),
+                ("base", WEB, None), ("um", {"deny": {"protocol": "tcp", "log": {}}}, None)):
+            path = self.file("raw", self.ok("encode", "--no-labels", stdin=json.dumps(entry)))
+            for option, *args in (("--schema", "decode", path), ("--schema", "inspect", path),
+                                  ("--schema", "check", path), ("--schema-a", "diff", path, path),
+                                  ("--schema-b", "diff", "--schema-a", schema, path, path)):
+                with self.subTest(args=args, fields=fields):
+                    if fields is None:
+                        self.ok(*args)
+                        continue
+                    code, out, err = self.run_command(*args, "--keep-going")
+                    self.assertEqual((code, b"grant" in out), (2, False))
+                    self.assertIn(f"{path}:#1: the meaning of {fields} depends on the schema, which "
+                                  f"no label tells; give {option} base or {option} um\n", err)
+            self.ok("decode", "--schema", schema, path)
+            self.ok("diff", "--schema-a", schema, "--schema-b", schema, path, path)
+
     def test_ways_to_write_the_same_entries(self):
         one, two = {"sequence-number": 10, "grant": "deny"}, {"sequence-number": 20, **WEB}
         ns = 'xmlns="urn:aceconv:base"'
@@ -180,9 +206,13 @@ class Formats(Case):
     def test_schema_of_bare_entries_is_told_by_a_later_one(self):
         lines = '{"remark":"a"}\n{"sequence-number":5,"remark":"b"}\n{"permit":{}}\n'
         self.assertEqual(len(self.records(stdin=lines)), 3)
-        code, _, err = self.run_command("encode", stdin='{"remark":"a"}')
-        self.assertEqual(code, 2)
-        self.assertIn("--schema base or --schema um", err)
+        silent = self.file("silent", '{"remark":"a"}')
+        for option, *args in (("--schema", "encode", silent), ("--schema-b", "diff",
+                               "--schema-a", "um", silent, silent)):
+            code, _, err = self.run_command(*args)
+            self.assertEqual(code, 2)
+            self.assertIn(f"{silent}: nothing in the entries tells their schema; give {option} "
+                          f"base or {option} um\n", err)
         self.assertEqual(self.fields({"remark": "a"}, "um"), {"remark": "a"})
 
     def test_empty_input_has_no_entries(self):

@@ -111,7 +111,7 @@ void add_losses(CLI::App &verb, LossOptions &options) {
 }
 
 constexpr const char *format_help = "The format to write; json, a document, by default";
-constexpr const char *schema_help = "The entries' schema, when the data does not tell";
+constexpr const char *schema_help = "The entries' schema, when neither the data nor labels tell it";
 
 void add_options(CLI::App &verb, EncodeOptions &options) {
     add_input(verb, options.input);
@@ -158,7 +158,7 @@ void add_options(CLI::App &verb, DiffOptions &options) {
     verb.add_option("A", options.left.path, "The first input")->required();
     verb.add_option("B", options.right.path, "The second input; - is standard input")->required();
     add_choice(verb, "--schema-a", options.left.schema, schemas,
-               "The schema of A, when the data does not tell; of encodings, base by default");
+               "The schema of A, when neither the data nor labels tell it");
     add_choice(verb, "--schema-b", options.right.schema, schemas, "The same of B");
 }
 

@@ -25,8 +25,9 @@ struct CommonOptions {
 
 struct InputOptions {
     std::string path = "-";
-    std::optional<InputFormat> format;
-    std::optional<Schema> schema;
+    std::optional<InputFormat> format = {};
+    std::optional<Schema> schema = {};
+    const char *schema_option = "--schema"; // what sets it
 };
 
 /// Of the verbs whose result can say less than their input.

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include "compare/schema_dependence.h"
 #include "stream/errors.h"
 #include "tools/aceconv/exit_code.h"
 #include "tools/aceconv/setup.h"
@@ -18,7 +19,8 @@ bool progress_shown(const CommonOptions &common, const std::string &output) {
 } // namespace
 
 Run::Run(const CommonOptions &common, const InputOptions &input, const std::string &output)
-    : common_(common), setup_(start(common)), report_(input.path) {
+    : common_(common), schema_option_(input.schema_option), setup_(start(common)),
+      report_(input.path) {
     const auto meter = std::make_shared<InputMeter>();
     progress_.emplace(progress_shown(common, output), meter);
     try {
@@ -30,7 +32,12 @@ Run::Run(const CommonOptions &common, const InputOptions &input, const std::stri
 
 void Run::begin(Work work, unsigned jobs) {
     const bool traced = !common_.trace.empty(); // the trace stays in order
-    stream_ = std::make_unique<EntryStream>(*source_, setup_, traced ? 1 : jobs, std::move(work));
+    stream_ = std::make_unique<EntryStream>(
+        *source_, setup_, traced ? 1 : jobs,
+        [work = std::move(work)](Codec &codec, Entry &entry, Product &product) {
+            require_schema(codec.descriptor(), entry);
+            work(codec, entry, product);
+        });
 }
 
 EntryStream::Item *Run::next() {
@@ -46,6 +53,10 @@ EntryStream::Item *Run::next() {
             note_key(item->entry.key);
             progress_->update(++tally_.entries);
             return item;
+        } catch (const SchemaUnknown &unknown) {
+            const std::string option = schema_option_;
+            throw UsageError(shown_place(file(), item->entry.position, item->entry.key) +
+                             unknown.what() + "; give " + option + " base or " + option + " um");
         } catch (const StreamError &fault) {
             fail(item->entry, fault);
             over_ = true;

@@ -31,7 +31,8 @@ class Run {
     /// Sets the conversion going on up to `jobs` threads.
     void begin(Work work, unsigned jobs);
     /// The next good entry; faults are reported. Null at the end, or behind the
-    /// first fault unless it is to keep going.
+    /// first fault unless it is to keep going. Throws UsageError for an entry whose
+    /// meaning depends on a schema that is not known.
     EntryStream::Item *next();
     /// The fault counts as the entry's own.
     void fail(const Entry &entry, const DataError &fault);
@@ -53,6 +54,7 @@ class Run {
     void note_key(const EntryKey &key);
 
     const CommonOptions common_;
+    const char *const schema_option_;
     const CodecSetup setup_;
     FaultReport report_;
     std::unique_ptr<Source> source_;

@@ -34,7 +34,7 @@ int run_inspect(const InspectOptions &options);
 
 struct ConvertOptions {
     CommonOptions common;
-    InputOptions input; // its schema is the one to convert from
+    InputOptions input = {.schema_option = "--from"}; // its schema is the one to convert from
     std::optional<Schema> to;
     std::string output = "-";
     OutputFormat format = OutputFormat::json;
@@ -50,7 +50,8 @@ int run_check(const CheckOptions &options);
 
 struct DiffOptions {
     CommonOptions common;
-    InputOptions left, right;
+    InputOptions left = {.schema_option = "--schema-a"};
+    InputOptions right = {.schema_option = "--schema-b"};
 };
 int run_diff(const DiffOptions &options);
 
