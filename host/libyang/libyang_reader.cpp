@@ -2,6 +2,7 @@
 #include <limits>
 
 #include "host/error.h"
+#include "host/libyang/complaint.h"
 #include "host/libyang/libyang_tree.h"
 #include "host/schema/data_path.h"
 #include "host/schema/entry_text.h"
@@ -18,76 +19,6 @@ std::optional<std::uint32_t> number(std::string_view text) {
     const auto result = std::from_chars(text.data(), end, value);
     return result.ec == std::errc{} && result.ptr == end && value != 0 ? std::optional(value)
                                                                        : std::nullopt;
-}
-
-/// The next step of a data path with its predicates, taken off `path`.
-std::string_view take_step(std::string_view &path) {
-    std::size_t at = 1; // behind the slash
-    while (at < path.size() && path[at] != '/') {
-        if (path[at] == '\'' || path[at] == '"') {
-            at = std::min(path.find(path[at], at + 1), path.size() - 1);
-        }
-        ++at;
-    }
-    const std::string_view step = path.substr(0, at);
-    path.remove_prefix(at);
-    return step;
-}
-
-/// Without slash, module prefix and predicates.
-std::string_view step_name(std::string_view step) {
-    step = step.substr(1, std::min(step.find('['), step.size()) - 1);
-    return step.substr(step.find(':') + 1); // npos + 1 is 0
-}
-
-std::string_view between(std::string_view text, std::string_view start, std::string_view end) {
-    const std::size_t from = text.find(start);
-    if (from == std::string_view::npos) {
-        return {};
-    }
-    text.remove_prefix(from + start.size());
-    return text.substr(0, text.find(end));
-}
-
-/// At most about 200 bytes of `text`, not ending within a character.
-std::string clipped(std::string_view text) {
-    std::size_t length = 200;
-    if (text.size() <= length) {
-        return std::string(text);
-    }
-    while ((static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) {
-        --length;
-    }
-    return std::string(text.substr(0, length)) + "...";
-}
-
-/// libyang's complaint as ours: the path below the entry, what was found and what
-/// the leaf takes.
-DataError translated(const LibyangError &error, const SchemaNode &entry) {
-    // Data location "/module:acls/acl[name='-']/entry[...]/tcp/tcp-bits", line number 1.
-    // Where libyang parses into a list, the location starts with the entry.
-    std::string_view path = between(error.path, "Data location \"", "\", line");
-    while (!path.empty() && step_name(take_step(path)) != "entry") {
-    }
-    std::string below(path);
-    const SchemaNode *node = &entry;
-    while (node != nullptr && !path.empty()) {
-        node = node->find(step_name(take_step(path)));
-    }
-    const std::string_view unknown = between(error.message, "Node \"", "\" not found");
-    if (!unknown.empty()) {
-        return {below.append("/").append(unknown), "unknown node"};
-    }
-    std::string_view message = error.message;
-    message = message.substr(0, message.find(" does not conform to"));
-    if (!message.empty() && message.back() == '.') {
-        message.remove_suffix(1);
-    }
-    std::string why = clipped(message);
-    if (node != nullptr && node->kind == NodeKind::leaf) {
-        why += "; expected " + expected(*node);
-    }
-    return {below, why};
 }
 
 class LibyangReader final : public EntryReader {
@@ -140,7 +71,7 @@ class LibyangReader final : public EntryReader {
         // errors, libyang puts the nodes in order.
         TreeOwner entry = given_.first ? parse_document(LYD_PARSE_ORDERED) : nullptr;
         if (entry == nullptr && (entry = parse_document(0)) == nullptr) {
-            throw translated(take_error(context_.libyang()), context_.entry(schema_));
+            throw complaint(take_error(context_.libyang()), context_.entry(schema_));
         }
         const lyd_node *key_leaf = lyd_child(entry.get());
         tree_.assign(std::move(entry), given_.given);

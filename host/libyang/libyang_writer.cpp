@@ -5,6 +5,7 @@
 #include "host/error.h"
 #include "host/libyang/libyang_tree.h"
 #include "host/platform/backend.h"
+#include "host/schema/leaf_value.h"
 #include "host/schema/modules.h"
 
 namespace aceconv {
@@ -60,7 +61,7 @@ class LibyangOutput final : public ccv_yang_output {
         const LY_ERR result =
             lyd_new_list(current_, nullptr, list.name, 0, &created, std::string(key).c_str());
         if (result != LY_SUCCESS) {
-            return refused(list.children[0], why);
+            return refused(list.children[0], key, why);
         }
         return entered(result, created, why);
     }
@@ -76,7 +77,7 @@ class LibyangOutput final : public ccv_yang_output {
         }
         return lyd_new_term(current_, nullptr, leaf.name, text_.c_str(), 0, nullptr) ==
                    LY_SUCCESS ||
-               refused(leaf, why);
+               refused(leaf, text_, why);
     }
 
   private:
@@ -89,12 +90,9 @@ class LibyangOutput final : public ccv_yang_output {
         return true;
     }
 
-    bool refused(const SchemaNode &leaf, std::string &why) const {
-        why = take_error(context_.libyang()).message;
-        if (!why.empty() && why.back() == '.') {
-            why.pop_back();
-        }
-        why += "; expected " + expected(leaf);
+    bool refused(const SchemaNode &leaf, std::string_view text, std::string &why) const {
+        (void)take_error(context_.libyang());
+        why = not_taken(leaf, text);
         return false;
     }
 

@@ -109,9 +109,13 @@ bool takes_value(const SchemaNode &leaf, const Value &value, std::string &why) {
         break;
     }
     if (!takes) {
-        why = "\"" + std::string(value.text) + "\"; expected " + expected(leaf);
+        why = not_taken(leaf, value.text);
     }
     return takes;
+}
+
+std::string not_taken(const SchemaNode &leaf, std::string_view text) {
+    return '"' + std::string(text) + "\"; expected " + expected(leaf);
 }
 
 bool ipv4_value(std::string_view text, Value &value) {

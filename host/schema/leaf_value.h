@@ -23,6 +23,9 @@ bool number_value(const SchemaNode &leaf, std::uint64_t number, Value &value);
 /// Whether the leaf takes what an emitter was given for it; why not otherwise.
 bool takes_value(const SchemaNode &leaf, const Value &value, std::string &why);
 
+/// That the leaf takes something else than `text`.
+std::string not_taken(const SchemaNode &leaf, std::string_view text);
+
 /// Whether a string leaf takes text of allowed characters: its length and pattern.
 bool takes_text(const SchemaNode &leaf, std::string_view text);
 

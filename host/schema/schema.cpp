@@ -209,7 +209,7 @@ std::string expected(const SchemaNode &leaf) {
     case LeafType::boolean:
         return "true or false";
     case LeafType::empty:
-        return "no value";
+        return "[null] in JSON, an empty element in XML";
     case LeafType::ipv4:
         return "an IPv4 address";
     case LeafType::string:

@@ -35,7 +35,7 @@ class Parallel(Case):
         for command in (ENCODE, CONVERT):
             code, out, err = self.parallel(*command, stdin=bad)
             self.assertEqual((code, err.count("\n")), (1, 1))
-            self.assertIn('grant: Invalid enumeration value "drop"', err)
+            self.assertIn('grant: "drop"; expected one of: deny, permit', err)
             self.assertLess(len(out), len(self.ok(*command, stdin=GENERATED)))
             kept = self.parallel(*command, "--keep-going", stdin=bad)
             self.assertEqual(kept[:2], (1, self.ok(*command, stdin=GENERATED)))

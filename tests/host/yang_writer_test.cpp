@@ -163,7 +163,7 @@ const Failing failing[] = {
     {base, "", [](Output out) { ccv_yang_enum(out, "grant", acl_yang_acl_grant, 2); },
      S::no_keyword, "/grant: no name stands for 2; expected one of: deny, permit"},
     {base, "", [](Output out) { ccv_yang_enum(out, "grant", acl_yang_acl_log, 1); }, S::refused,
-     "/grant: Invalid enumeration value \"log\"; expected one of: deny, permit"},
+     "/grant: \"log\"; expected one of: deny, permit"},
     {base, "tcp", [](Output out) { ccv_yang_bits(out, "tcp-bits", acl_yang_acl_tcp_bits, 0x42); },
      S::no_keyword,
      "/tcp/tcp-bits: no name stands for 66; expected a set of: fin, syn, rst, psh, ack, urg"},
@@ -196,12 +196,12 @@ const Failing failing[] = {
     {base, "", [](Output out) { ccv_yang_presence(out); }, S::misplaced,
      ": presence of something else than a container"},
     {um, "deny police", [](Output out) { ccv_yang_string(out, "unit", "tbps"); }, S::refused,
-     "/deny/police/unit: Invalid enumeration value \"tbps\"; expected one of: pps, bps, kbps, "
+     "/deny/police/unit: \"tbps\"; expected one of: pps, bps, kbps, "
      "mbps, gbps"},
     {um, "deny udf-entries *udf", [](Output out) { udf(out, "a"), udf(out, "b"), udf(out, "a"); },
      S::repeated, "/deny/udf-entries/udf[udf-name='a']: a second entry with the same key"},
     {um, "deny udf-entries *udf", [](Output out) { udf(out, ""); }, S::refused,
-     "/deny/udf-entries/udf/udf-name: Unsatisfied length - string \"\" length is not allowed; "
+     "/deny/udf-entries/udf/udf-name: \"\"; "
      "expected a string of 1 to 16 characters of the form [ -~]*"},
     {um, "deny udf-entries *udf",
      [](Output out) {
@@ -223,28 +223,32 @@ const Failing failing[] = {
      S::misplaced, "/deny/udf-entries/udf: an entry outside its list"},
 };
 
+void expect_failure(const Failing &row, EntryWriter &writer) {
+    Output out = writer.begin({"L", 10});
+    open(out, row.around);
+    row.calls(out);
+    // Whatever follows reports it again and changes nothing.
+    if (row.status != YangStatus::ok) {
+        EXPECT_EQ(ccv_yang_uint32(out, "nonsense", 1), code(row.status));
+        EXPECT_EQ(ccv_yang_container_end(out), code(row.status));
+    }
+    std::string text = "kept";
+    EXPECT_EQ(error_of([&] { writer.finish(text); }),
+              std::string("/")
+                  .append(module_name(row.schema))
+                  .append(":acls/acl[name='L']/entry[sequence-number='10']")
+                  .append(row.error));
+    EXPECT_EQ(text, "kept");
+    writer.begin({});
+    writer.finish(text);
+    EXPECT_EQ(text, "kept{}");
+}
+
 TEST(YangEmitters, TheFirstFailureIsKeptWithItsPath) {
     for (const Failing &row : failing) {
         SCOPED_TRACE(row.error);
-        const auto writer = make_validating_writer(modules(), row.schema, Format::json);
-        Output out = writer->begin({"L", 10});
-        open(out, row.around);
-        row.calls(out);
-        // Whatever follows reports it again and changes nothing.
-        if (row.status != YangStatus::ok) {
-            EXPECT_EQ(ccv_yang_uint32(out, "nonsense", 1), code(row.status));
-            EXPECT_EQ(ccv_yang_container_end(out), code(row.status));
-        }
-        std::string text = "kept";
-        EXPECT_EQ(error_of([&] { writer->finish(text); }),
-                  std::string("/")
-                      .append(module_name(row.schema))
-                      .append(":acls/acl[name='L']/entry[sequence-number='10']")
-                      .append(row.error));
-        EXPECT_EQ(text, "kept");
-        writer->begin({});
-        writer->finish(text);
-        EXPECT_EQ(text, "kept{}");
+        expect_failure(row, *make_validating_writer(modules(), row.schema, Format::json));
+        expect_failure(row, *make_bulk_writer(modules(), row.schema));
     }
 }
 

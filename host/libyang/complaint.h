@@ -1,0 +1,12 @@
+// libyang's complaints about an entry, as ours.
+#pragma once
+
+#include "host/error.h"
+#include "host/schema/modules.h"
+
+namespace aceconv {
+
+/// The path below the entry, what stands there and what was expected.
+DataError complaint(const LibyangError &error, const SchemaNode &entry);
+
+} // namespace aceconv
