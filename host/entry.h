@@ -22,6 +22,8 @@ enum class Format { json, xml };
 
 /// The longest entry, as text or as an encoding, in bytes.
 constexpr std::size_t max_entry_bytes = std::size_t{1} << 20;
+/// The most members or elements in one entry's text.
+constexpr std::size_t max_entry_nodes = 4096;
 
 /// Where an entry stands: the name of its access list and its sequence number,
 /// as far as they are known. Converters carry neither.

@@ -3,7 +3,7 @@
 #include <cstdlib>
 
 #include "host/bag_library.h"
-#include "host/schema/data_path.h"
+#include "host/data_path.h"
 #include "stream/errors.h"
 #include "stream/node_line.h"
 

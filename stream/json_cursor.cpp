@@ -9,8 +9,6 @@
 namespace aceconv {
 namespace {
 
-constexpr std::size_t max_name_bytes = 4096; // bytes of a member's name or a list's
-
 std::uint64_t count_lines(std::string_view text) {
     std::uint64_t lines = 0;
     for (std::size_t at = text.find('\n'); at != text.npos; at = text.find('\n', at + 1)) {
@@ -66,12 +64,14 @@ std::string JsonCursor::string(std::string_view what) {
     }
     JsonScan scan;
     std::size_t end = scan.next(window_.view(), 0) + 1; // behind the quote
-    while ((end = scan.next(window_.view(), end)) == window_.view().size()) {
-        if (end > max_name_bytes || !window_.more()) {
-            break;
-        }
+    while ((end = scan.next(window_.view(), end)) == window_.view().size() &&
+           end <= max_list_name_json + 1 && window_.more()) {
     }
-    if (end > max_name_bytes || end == window_.view().size()) {
+    if (end > max_list_name_json + 1) { // the names of members are shorter still
+        throw StreamError("", "expected " + std::string(what) + ", found a string longer than " +
+                                  std::to_string(max_list_name_bytes) + " bytes");
+    }
+    if (end == window_.view().size()) {
         throw StreamError("", "a string that does not end, for " + std::string(what));
     }
     const std::string_view token = window_.view().substr(0, end + 1);

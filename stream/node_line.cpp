@@ -1,6 +1,6 @@
 #include "stream/node_line.h"
 
-#include "host/schema/data_path.h"
+#include "host/data_path.h"
 
 namespace aceconv {
 namespace {

@@ -177,7 +177,7 @@ class ObjectSource : public Source {
     }
 
     static constexpr std::size_t max_line_bytes =
-        max_entry_bytes + 8192; // with a list's name around it
+        max_entry_bytes + max_list_name_json + 64; // with a list's name around it
 
     Window window_;
     JsonCursor cursor_;

@@ -48,6 +48,10 @@ std::string list_name_fault(std::string_view name) {
     if (name.empty()) {
         return "the name of an access list is empty";
     }
+    if (name.size() > max_list_name_bytes) {
+        return "the name of an access list, '" + printable(name) + "': longer than " +
+               std::to_string(max_list_name_bytes) + " bytes";
+    }
     const char *fault = text_fault(name);
     return fault == nullptr ? ""
                             : "the name of an access list, '" + printable(name) + "': " + fault;

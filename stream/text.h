@@ -20,6 +20,12 @@ std::string escaped(std::string_view text);
 /// The same, cut when it is long: data inside a message.
 std::string printable(std::string_view text);
 
+/// The longest name of an access list, in bytes of UTF-8, in every format; so what is
+/// written in one can be read from any other.
+constexpr std::size_t max_list_name_bytes = 4096;
+/// The most bytes that it takes in JSON, where a byte may be written as an escape.
+constexpr std::size_t max_list_name_json = 6 * max_list_name_bytes;
+
 /// Why `name` cannot be the name of an access list; "" when it can.
 std::string list_name_fault(std::string_view name);
 

@@ -2,12 +2,12 @@
 #include <memory>
 #include <new>
 
-#include "host/schema/entry_text.h"
-#include "host/schema/schema.h"
 #include "stream/node_line.h"
 
 namespace aceconv {
 namespace {
+
+constexpr std::size_t max_depth = 16; // more than in either module
 
 class Collector {
   public:

@@ -12,8 +12,8 @@
 
 #include <cstring>
 
+#include "host/data_path.h"
 #include "host/platform/entry_tree.h"
-#include "host/schema/data_path.h"
 #include "host/schema/entry_text.h"
 #include "host/schema/leaf_value.h"
 #include "host/schema/modules.h"

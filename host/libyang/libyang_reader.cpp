@@ -1,10 +1,10 @@
 #include <charconv>
 #include <limits>
 
+#include "host/data_path.h"
 #include "host/error.h"
 #include "host/libyang/complaint.h"
 #include "host/libyang/libyang_tree.h"
-#include "host/schema/data_path.h"
 #include "host/schema/entry_text.h"
 #include "host/schema/modules.h"
 #include "host/utf8.h"

@@ -3,8 +3,8 @@
 #include <bit>
 #include <new>
 
+#include "host/data_path.h"
 #include "host/error.h"
-#include "host/schema/data_path.h"
 #include "host/schema/leaf_value.h"
 #include "host/utf8.h"
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/schema/data_path.h"
+#include "host/data_path.h"
 
 namespace aceconv {
 

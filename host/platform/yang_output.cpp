@@ -2,9 +2,9 @@
 #include <cstring>
 #include <new>
 
+#include "host/data_path.h"
 #include "host/error.h"
 #include "host/platform/backend.h"
-#include "host/schema/data_path.h"
 
 using aceconv::code;
 using aceconv::LeafType;

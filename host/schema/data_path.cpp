@@ -1,4 +1,4 @@
-#include "host/schema/data_path.h"
+#include "host/data_path.h"
 
 namespace aceconv {
 

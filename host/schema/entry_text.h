@@ -14,8 +14,6 @@
 
 namespace aceconv {
 
-constexpr std::size_t max_entry_nodes = 4096; // members or elements
-
 /// The sequence number that a text gives its entry.
 struct SequenceText {
     bool given = false;

@@ -4,9 +4,9 @@
 #include <mutex>
 #include <new>
 
+#include "host/data_path.h"
 #include "host/error.h"
 #include "host/schema/compiled_modules.h"
-#include "host/schema/data_path.h"
 
 namespace aceconv {
 
