@@ -101,7 +101,16 @@ JsonDocuments::State JsonDocuments::member() {
     return State::entries;
 }
 
-/// The next element of an "entry" array; false at its end.
+/// What is known of every entry of the current list.
+void JsonDocuments::describe(Entry &entry) const {
+    entry.key = {name_, std::nullopt};
+    entry.schema = *schema_;
+    entry.format = Format::json;
+    entry.in_document = true;
+}
+
+/// The next element of an "entry" array; false at its end, and for one that has
+/// been put aside.
 bool JsonDocuments::take_entry(Entry &entry) {
     if (cursor_.accept(']')) {
         first_ = false;
@@ -114,25 +123,30 @@ bool JsonDocuments::take_entry(Entry &entry) {
     first_ = false;
     cursor_.peek();
     entry.position = {cursor_.line(), ++ordinal_};
-    entry.key = {name_, std::nullopt};
-    entry.schema = *schema_;
-    entry.format = Format::json;
-    entry.in_document = true;
+    describe(entry);
     entry.text.clear();
+    std::optional<DataError> fault;
     if (!cursor_.object(entry.text, max_entry_bytes, "an entry")) {
-        throw DataError(list_path(),
-                        "an entry longer than " + std::to_string(max_entry_bytes) + " bytes");
+        fault.emplace(list_path(),
+                      "an entry longer than " + std::to_string(max_entry_bytes) + " bytes");
+    }
+    if (!name_) {
+        held_.push(entry, fault ? &*fault : nullptr);
+        return false;
+    }
+    if (fault) {
+        throw DataError(*fault);
     }
     return true;
 }
 
+/// The next entry that was put aside.
 bool JsonDocuments::release(Entry &entry) {
-    if (held_.empty()) {
+    describe(entry);
+    if (!held_.pop(entry)) {
         state_ = State::after_list;
         return false;
     }
-    entry = std::move(held_.front());
-    held_.pop_front();
     entry.key.acl = name_;
     return true;
 }
@@ -170,13 +184,9 @@ bool JsonDocuments::next(Entry &entry) {
                 state_ = member();
                 break;
             case State::entries:
-                if (!take_entry(entry)) {
-                    break;
-                }
-                if (name_) {
+                if (take_entry(entry)) {
                     return true;
                 }
-                held_.push_back(entry);
                 break;
             case State::held:
                 if (release(entry)) {

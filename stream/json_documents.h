@@ -2,15 +2,15 @@
 //
 //   {"aceconv-base:acls": {"acl": [{"name": "X", "entry": [{...}, {...}]}]}}
 //
-// without ever holding more than one of them. Only where "entry" stands before
-// its list's "name" are the list's entries held until the name is known.
+// without ever holding more than one of them. Where "entry" stands before its list's
+// "name", the list's entries are put aside until the name is known.
 #pragma once
 
-#include <deque>
 #include <set>
 
 #include "stream/json_cursor.h"
 #include "stream/source.h"
+#include "stream/spool.h"
 
 namespace aceconv {
 
@@ -30,6 +30,7 @@ class JsonDocuments : public Source {
     State member();
     bool take_entry(Entry &entry);
     bool release(Entry &entry);
+    void describe(Entry &entry) const;
     State after_list();
     State end_document();
     [[nodiscard]] std::string member_name(std::string_view what);
@@ -45,7 +46,7 @@ class JsonDocuments : public Source {
     std::optional<std::string> name_; // of the current list
     bool seen_entries_ = false;
     std::set<std::string, std::less<>> names_;
-    std::deque<Entry> held_;
+    Spool held_; // entries of a list whose name is not known yet
 };
 
 } // namespace aceconv

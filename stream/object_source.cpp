@@ -1,13 +1,12 @@
 // Entries as JSON objects, one a line or one after the other: a bare entry, or
 // {"acl": "X", "entry": {...}}.
 #include <algorithm>
-#include <deque>
-#include <exception>
 
 #include "host/json_scan.h"
 #include "stream/errors.h"
 #include "stream/json_cursor.h"
 #include "stream/source.h"
+#include "stream/spool.h"
 #include "stream/text.h"
 
 namespace aceconv {
@@ -87,42 +86,29 @@ class ObjectSource : public Source {
         if (!schema_ && held_.empty()) {
             look_ahead();
         }
-        if (held_.empty()) {
-            return take(entry);
-        }
-        Held held = std::move(held_.front());
-        held_.pop_front();
-        entry = std::move(held.entry);
         entry.schema = schema_.value_or(Schema::base);
-        if (held.fault) {
-            std::rethrow_exception(held.fault);
-        }
-        return true;
+        entry.format = Format::json;
+        return held_.empty() ? take(entry) : held_.pop(entry);
     }
 
     [[nodiscard]] std::optional<Schema> schema() const override { return schema_; }
 
   private:
-    struct Held {
-        Entry entry;
-        std::exception_ptr fault;
-    };
-
-    /// Reads as many entries as it takes until one tells the schema.
+    /// Puts aside as many entries as it takes until one tells the schema.
     void look_ahead() {
         bool silent = false; // an entry that fits both schemas
+        Entry entry;
         while (!schema_) {
-            Held held;
             try {
-                if (!take(held.entry)) {
+                if (!take(entry)) {
                     break;
                 }
-                schema_ = tell_schema(held.entry.text);
+                schema_ = tell_schema(entry.text);
                 silent = silent || !schema_;
-            } catch (const DataError &) {
-                held.fault = std::current_exception();
+                held_.push(entry);
+            } catch (const DataError &fault) {
+                held_.push(entry, &fault);
             }
-            held_.push_back(std::move(held));
         }
         if (!schema_ && silent) {
             throw SchemaUnknown("nothing in the entries tells their schema");
@@ -136,8 +122,6 @@ class ObjectSource : public Source {
         }
         entry.position = {cursor_.line(), ++ordinal_};
         entry.key = {};
-        entry.schema = schema_.value_or(Schema::base);
-        entry.format = Format::json;
         entry.text.clear();
         bool fits = false;
         try {
@@ -185,7 +169,7 @@ class ObjectSource : public Source {
     std::optional<Schema> schema_;
     std::uint64_t ordinal_ = 0;
     bool ended_ = false;
-    std::deque<Held> held_;
+    Spool held_; // entries read before the schema was known
 };
 
 } // namespace

@@ -1,10 +1,12 @@
 // Where chunks of the input end must not matter.
 #include <algorithm>
+#include <cstdlib>
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include "stream/errors.h"
 #include "stream/node_line.h"
-#include "stream/sequence_set.h"
+#include "stream/sequence_numbers.h"
 #include "stream/source.h"
 
 namespace aceconv {
@@ -111,19 +113,95 @@ TEST(LineOfNode, IsThatOfTheLastNodeOfThePath) {
     }
 }
 
-TEST(SequenceSet, FindsEveryRepetition) {
-    // Ascending, with gaps, out of order, and each of them once more.
-    const std::uint32_t numbers[] = {10, 20, 30, 40, 41, 42, 100, 35, 5, 4294967295U, 1, 99};
-    SequenceSet set;
-    for (const std::uint32_t number : numbers) {
-        EXPECT_TRUE(set.insert(number)) << number;
+/// `count` times `piece` between `head` and `tail`, made as it is read.
+Window repeated(std::string head, const std::string &piece, std::size_t count, std::string tail) {
+    return Window(
+        [=, text = std::move(head), left = count](char *buffer, std::size_t size) mutable {
+            while (text.size() < size && left > 0) {
+                text += --left > 0 ? piece : piece + tail;
+            }
+            const std::size_t given = text.copy(buffer, size);
+            text.erase(0, given);
+            return given;
+        });
+}
+
+std::size_t allocated() {
+    const auto info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
+// Entries that have to wait for what stands behind them.
+TEST(Source, HoldsNothingInMemory) {
+    const std::string remark = R"({"remark":")" + std::string(1000, 'r') + R"("})";
+    struct Case {
+        Window window;
+        std::size_t entries, faults;
+    } cases[] = {
+        {repeated(R"({"aceconv-um:acls":{"acl":[{"entry":[{})", "," + remark, 8000,
+                  R"(],"name":"A"}]}})"),
+         8001, 0},
+        {repeated("", remark + "\n", 8000, "{\"permit\":{}}\n"), 8001, 0},
+        {repeated("",
+                  R"({"acl":"A"})"
+                  "\n",
+                  20000, "{\"permit\":{}}\n"),
+         1, 20000},
+    };
+    for (Case &row : cases) {
+        const std::size_t before = allocated();
+        std::size_t most = before;
+        std::size_t entries = 0;
+        std::size_t faults = 0;
+        const auto source = make_source(std::move(row.window), std::nullopt, std::nullopt);
+        for (Entry entry;;) {
+            try {
+                if (!source->next(entry)) {
+                    break;
+                }
+                ++entries;
+                EXPECT_EQ(entry.position.ordinal, entries + faults);
+            } catch (const DataError &) {
+                ++faults;
+            }
+            most = std::max(most, allocated());
+        }
+        EXPECT_EQ(entries, row.entries);
+        EXPECT_EQ(faults, row.faults);
+        EXPECT_LT(most - before, 3U << 20);
     }
-    for (const std::uint32_t number : numbers) {
-        EXPECT_FALSE(set.insert(number)) << number;
+}
+
+TEST(Source, SaysWhereItCannotPutEntriesAside) {
+    setenv("TMPDIR", "/no/such/folder", 1);
+    const auto source =
+        make_source(repeated("", "{\"remark\":\"r\"}\n", 50000, ""), std::nullopt, std::nullopt);
+    Entry entry;
+    try {
+        source->next(entry);
+        ADD_FAILURE();
+    } catch (const IoError &error) {
+        EXPECT_STREQ(error.what(), "/no/such/folder: cannot create a temporary file: No such file "
+                                   "or directory");
     }
-    for (const std::uint32_t number : {11U, 36U, 43U, 98U, 0U}) {
-        EXPECT_TRUE(set.insert(number)) << number;
+    unsetenv("TMPDIR");
+}
+
+TEST(SequenceNumbers, FindsEveryRepetition) {
+    // Few and far, and many in one block in an order that jumps, each of them twice.
+    std::vector<std::uint32_t> numbers = {10, 20, 42, 41, 4294967295U, 65535, 65536, 0, 131072};
+    for (std::uint32_t i = 0; i < 30000; ++i) {
+        numbers.push_back(0x70000 + i * 40503 % 65536);
     }
+    SequenceNumbers used;
+    for (const bool fresh : {true, false}) {
+        for (const std::uint32_t number : numbers) {
+            ASSERT_EQ(used.insert("A", number), fresh) << number;
+            ASSERT_EQ(used.insert("B", ~number), fresh) << number;
+        }
+    }
+    EXPECT_TRUE(used.insert("A", 11));
+    EXPECT_TRUE(used.insert("A", 0x70000 + 30000 * 40503U % 65536));
 }
 
 } // namespace

@@ -69,7 +69,7 @@ EntryStream::Item *Run::next() {
 }
 
 void Run::note_key(const EntryKey &key) {
-    if (key.acl && key.sequence && !used_[*key.acl].insert(*key.sequence)) {
+    if (key.acl && key.sequence && !used_.insert(*key.acl, *key.sequence)) {
         throw DataError("", "a second entry of this sequence number");
     }
 }

@@ -2,11 +2,10 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 
-#include "stream/sequence_set.h"
+#include "stream/sequence_numbers.h"
 #include "tools/aceconv/entry_stream.h"
 #include "tools/aceconv/options.h"
 #include "tools/aceconv/progress.h"
@@ -60,7 +59,7 @@ class Run {
     std::unique_ptr<Source> source_;
     std::optional<Progress> progress_;
     std::unique_ptr<EntryStream> stream_;
-    std::map<std::string, SequenceSet, std::less<>> used_; // by list
+    SequenceNumbers used_;
     Tally tally_;
     bool over_ = false;    // no more entries are taken
     bool stopped_ = false; // at a fault, since it was not to keep going
