@@ -61,7 +61,9 @@ bool starts_with_object_line(Window &window) {
     return !line.empty() && line.front() == '{' && line.back() == '}';
 }
 
-InputFormat recognise(Window &window) {
+/// How many blanks the input starts with. Nothing but blanks is refused: lines and encodings
+/// may be none, but whoever expects a document has lost it.
+std::size_t leading_blanks(Window &window) {
     std::size_t blanks = 0;
     read_until(window, [&](std::string_view text) {
         while (blanks < text.size() && is_json_blank(text[blanks])) {
@@ -70,8 +72,14 @@ InputFormat recognise(Window &window) {
         return blanks < text.size();
     });
     if (blanks == window.view().size()) {
-        return InputFormat::ndjson; // no entries
+        throw StreamError("", "the input is empty; --from-format ndjson or cbor takes that for no "
+                              "entries");
     }
+    return blanks;
+}
+
+InputFormat recognise(Window &window) {
+    const std::size_t blanks = leading_blanks(window);
     const auto first = static_cast<unsigned char>(window.view()[blanks]);
     if (first == '<') {
         return InputFormat::xml;
@@ -102,11 +110,13 @@ std::unique_ptr<Source> make_source(Window window, std::optional<InputFormat> fo
     }
     switch (*format) {
     case InputFormat::json:
+        leading_blanks(window);
         return is_document(window) ? make_json_source(std::move(window), schema)
                                    : make_object_source(std::move(window), false, schema);
     case InputFormat::ndjson:
         return make_object_source(std::move(window), true, schema);
     case InputFormat::xml:
+        leading_blanks(window);
         return make_xml_source(std::move(window), schema);
     case InputFormat::cbor:
         break;

@@ -31,6 +31,7 @@ struct Position {
     // there are no lines.
     std::uint64_t line = 0;
     std::uint64_t ordinal = 0; // counted from 1
+    std::size_t input = 0;     // which of several inputs, counted from 0
 };
 
 /// One entry: its text, or its encoding.
@@ -68,7 +69,8 @@ open_source(const std::string &path, std::optional<InputFormat> format,
             std::optional<Schema> schema,
             std::shared_ptr<InputMeter> meter = std::make_shared<InputMeter>());
 
-/// The same over any input. What an empty input holds is no entries.
+/// The same over any input. An empty one is no entries where the format is given as
+/// ndjson or cbor, and refused otherwise.
 std::unique_ptr<Source> make_source(Window window, std::optional<InputFormat> format,
                                     std::optional<Schema> schema);
 

@@ -121,7 +121,7 @@ class Messages(Case):
                 (2, ("encode", "--trace=[", doc), "--trace"),
                 (2, ("convert", "--from", "um", "--to", "um", doc), "the same schema"),
                 (2, ("convert", doc), "--from"), (2, ("diff", doc), "B"),
-                (2, ("diff", "-", "-"), "standard input"),
+                (2, ("diff", "-", "-"), "standard input"), (2, ("check", "-", doc, "-"), "standard input"),
                 (2, ("encode", "--stored", doc, self.file("um", document("um", ("X", numbered({})))),
                      "-o", missing), None),
                 (3, ("encode", missing), missing + ": cannot read: No such file"),
@@ -199,6 +199,8 @@ class KeepGoing(Case):
             code, out, err = self.run_command(*args, "--keep-going")
             self.assertEqual((code, len([l for l in err.splitlines() if "entry 20" in l])), (2, 1))
             self.assertNotIn(b"only in", out)
+        lines = self.file("lines", self.LINES)  # all of the wrong kind
+        self.assertEqual(self.run_command("decode", "--keep-going", lines, good)[2].count("\n"), 2)
         # A fault of the frame ends the input, but not what came before it.
         cut = self.ok("encode", good)[:-1]
         code, out, _ = self.run_command("decode", "--keep-going", stdin=cut)
@@ -295,7 +297,7 @@ class Terminal(Case):
 
     def test_colour_only_on_a_terminal_and_not_under_no_color(self):
         doc = self.file("doc", DOC)
-        for args, code in (("inspect", doc), 0), (("encode", str(self.dir / "none")), 3):
+        for args, code in (("inspect", doc), 0), (("inspect", str(self.dir / "none")), 3):
             got, shown = self.on_terminal(*args)
             self.assertEqual(got, code)
             self.assertIn("\x1b[", shown)

@@ -8,7 +8,7 @@ from harness import ACECONV, Case
 
 ENCODE = ("encode", "-q", "-j", "1", "--schema", "base", "-")
 CONVERT = ("convert", "-q", "--no-losses", "-j", "1", "--from", "base", "--to", "um",
-           "--to-format", "ndjson", "-")
+           "--from-format", "ndjson", "--to-format", "ndjson", "-")
 GENERATED = subprocess.run([os.environ["ACECONV_GENERATOR"], "2000"], capture_output=True,
                            check=True).stdout
 
@@ -27,6 +27,21 @@ class Parallel(Case):
         for command in (ENCODE, CONVERT):
             alone = self.ok(*command, stdin=GENERATED)
             self.assertEqual(self.parallel(*command, stdin=GENERATED), (0, alone, ""))
+
+    def test_reports_of_the_blocks_are_that_of_one_process(self):
+        report = str(self.dir / "losses.{#}")
+        code, out, _ = self.run_command(*CONVERT, "--strict", "--report", report, stdin=GENERATED)
+        self.assertEqual(code, 1)
+        told = json.loads((self.dir / "losses.{#}").read_text())
+        parts = self.parallel(*CONVERT, "--strict", "--report", report, stdin=GENERATED)
+        self.assertEqual((parts[0] > 0, parts[1:]), (True, (out, "")))
+        found = [json.loads((self.dir / f"losses.{i + 1}").read_text())
+                 for i in range(len(list(self.dir.glob("losses.[0-9]*"))))]
+        self.assertGreater(len(found), 1)
+        for report in (told, *found):
+            for loss in report["losses"]:
+                del loss["line"]  # of the block
+        self.assertEqual(sum((part["losses"] for part in found), []), told["losses"])
 
     def test_a_bad_entry_shows_in_the_exit_code(self):
         lines = GENERATED.splitlines(keepends=True)

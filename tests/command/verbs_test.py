@@ -224,10 +224,49 @@ class Formats(Case):
                           f"base or {option} um\n", err)
         self.assertEqual(self.fields({"remark": "a"}, "um"), {"remark": "a"})
 
-    def test_empty_input_has_no_entries(self):
+    def test_no_entries(self):
+        """Lines and encodings may be none; an empty document has been lost on its way."""
+        target = self.dir / "out"
         for verb in ("encode", "decode", "inspect", "check"):
-            self.assertEqual(self.run_command(verb, "-q", stdin=b" \n")[0], 0, verb)
+            for form, data, code in ((None, b" \n", 2), (None, b"", 2), ("json", b"", 2),
+                                     ("xml", b"\n", 2), ("ndjson", b"\n\n", 0), ("cbor", b"", 0)):
+                args = (() if form is None else ("--from-format", form)) + (
+                    () if verb == "check" else ("-o", target))
+                for going in ((), ("--keep-going",)):
+                    got, _, err = self.run_command(verb, *args, *going, stdin=data)
+                    self.assertEqual((got, "the input is empty" in err), (code, code == 2), args)
+                    self.assertEqual(target.exists(), code == 0 and verb != "check", (verb, args))
+                    target.unlink(missing_ok=True)
         self.assertEqual(self.ok("encode", stdin='{"aceconv-um:acls":{}}'), b"")
+
+    def test_several_inputs(self):
+        """Of any format and schema; in the order given, with one account of them."""
+        one = self.file("one", document("base", ("X", numbered({"grant": "deny"}, WEB))))
+        line = '{"acl":"%s","entry":{"sequence-number":%d,"permit":{}}}\n'
+        two = self.file("two", line % ("X", 30) + line % ("Y", 10))
+        alone = self.ok("encode", one) + self.ok("encode", two)
+        self.assertEqual(self.ok("encode", one, two), alone)
+        self.assertTrue(self.summary.startswith("aceconv: 4 entries, 0 errors; "))
+        encoded = self.file("encoded", alone)
+        self.assertEqual(len(self.records(encoded, "-", stdin=line % ("Z", 1))), 5)
+        rows = self.records(one, two)
+        self.assertEqual([(r["file"], r["acl"], r["sequence"]) for r in rows],
+                         [(one, "X", 10), (one, "X", 20), (two, "X", 30), (two, "Y", 10)])
+        self.assertIn(f"{two}: acl 'Y' entry 10: ".encode(), self.ok("inspect", one, two))
+        # What stands in one output has each number of a list once; what is looked at need not.
+        code, _, err = self.run_command("encode", one, one)
+        self.assertEqual((code, err.count("\n")), (2, 1))
+        self.assertTrue(err.startswith(f"aceconv: {one}:1: acl 'X' entry 10: a second entry"))
+        self.assertIn(b"4 entries checked, 0 do not", self.ok("check", one, one))
+        # A fault ends an input, and with --keep-going that one alone.
+        bad, left = self.file("bad", "none"), self.dir / "left"
+        lossy = self.file("lossy", json.dumps({"acl": "L", "entry": {"sequence-number": 1, **UDF}}))
+        for going, codes in (((), (2, 0)), (("--keep-going",), (2, 3))):
+            args = ("--from", "um", "--to", "base", two, bad, lossy, "-o", left, *going)
+            code, _, err = self.run_command("convert", *args)
+            self.assertEqual((code, left.exists() and len(self.records(left))), codes, err)
+            self.assertEqual(f"aceconv: {lossy}:1: acl 'L' entry 1: loss: " in err, codes[1] == 3)
+            self.assertIn(f"aceconv: {bad}:1: ", err)
 
     def test_stored_encodings_keep_user_defined_fields(self):
         entry = {"grant": "deny"}

@@ -95,7 +95,9 @@ void add_common(CLI::App &verb, CommonOptions &options) {
 }
 
 void add_input(CLI::App &verb, InputOptions &options) {
-    verb.add_option("INPUT", options.path, "The file to read; - is standard input, the default");
+    verb.add_option("INPUT", options.paths,
+                    "The files to read, one after the other; - is standard input, the default")
+        ->type_name("");
     add_choice(verb, "--from-format,--input", options.format, input_formats,
                "The input's format, when it is not to be recognised from the data");
 }
@@ -155,8 +157,9 @@ void add_options(CLI::App &verb, CheckOptions &options) {
 }
 
 void add_options(CLI::App &verb, DiffOptions &options) {
-    verb.add_option("A", options.left.path, "The first input")->required();
-    verb.add_option("B", options.right.path, "The second input; - is standard input")->required();
+    verb.add_option("A", options.left.paths.front(), "The first input")->required();
+    verb.add_option("B", options.right.paths.front(), "The second input; - is standard input")
+        ->required();
     add_choice(verb, "--schema-a", options.left.schema, schemas,
                "The schema of A, when neither the data nor labels tell it");
     add_choice(verb, "--schema-b", options.right.schema, schemas, "The same of B");

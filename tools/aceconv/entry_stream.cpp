@@ -65,9 +65,6 @@ void EntryStream::fill(Batch &batch) {
                 ended_ = true;
                 return;
             }
-        } catch (const StreamError &) {
-            ended_ = true;
-            item.fault = std::current_exception();
         } catch (const DataError &) {
             item.fault = std::current_exception();
         } catch (...) { // told after what came before it

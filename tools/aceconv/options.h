@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "stream/codec.h"
 #include "stream/source.h"
@@ -24,7 +25,7 @@ struct CommonOptions {
 };
 
 struct InputOptions {
-    std::string path = "-";
+    std::vector<std::string> paths = {"-"}; // read one after the other
     std::optional<InputFormat> format = {};
     std::optional<Schema> schema = {};
     const char *schema_option = "--schema"; // what sets it

@@ -10,10 +10,6 @@ namespace {
 
 constexpr std::chrono::milliseconds pause_between{200}; // between two states of the line
 
-std::string counted(std::uint64_t count, const char *one, const char *more) {
-    return std::to_string(count) + " " + (count == 1 ? one : more);
-}
-
 std::string entries_and_rate(std::uint64_t entries, double seconds, const char *between) {
     char rate[64];
     std::snprintf(rate, sizeof rate, "%s%.0f entries a second", between,
@@ -22,6 +18,10 @@ std::string entries_and_rate(std::uint64_t entries, double seconds, const char *
 }
 
 } // namespace
+
+std::string counted(std::uint64_t count, const char *one, const char *more) {
+    return std::to_string(count) + " " + (count == 1 ? one : more);
+}
 
 std::string summary(const Tally &tally, double seconds) {
     std::string text = counted(tally.entries, "entry", "entries") + ", " +

@@ -20,6 +20,9 @@ struct Tally {
     std::uint64_t entries_with_losses = 0;
 };
 
+/// "1 entry" or "2 entries".
+std::string counted(std::uint64_t count, const char *one, const char *more);
+
 /// "2500 entries, 1 error, 3 losses in 2 entries; 0.12 s, 20833 entries a second"
 std::string summary(const Tally &tally, double seconds);
 

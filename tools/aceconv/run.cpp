@@ -1,6 +1,7 @@
 #include "tools/aceconv/run.h"
 
 #include <unistd.h>
+#include <utility>
 
 #include "compare/schema_dependence.h"
 #include "stream/errors.h"
@@ -18,26 +19,23 @@ bool progress_shown(const CommonOptions &common, const std::string &output) {
 
 } // namespace
 
-Run::Run(const CommonOptions &common, const InputOptions &input, const std::string &output)
-    : common_(common), schema_option_(input.schema_option), setup_(start(common)),
-      report_(input.path) {
-    const auto meter = std::make_shared<InputMeter>();
-    progress_.emplace(progress_shown(common, output), meter);
-    try {
-        source_ = open_source(input.path, input.format, input.schema, meter);
-    } catch (const StreamError &fault) {
-        fail(Entry{.position = {1, 0}}, fault);
-    }
-}
+Run::Run(const CommonOptions &common, const InputOptions &input, const std::string &output,
+         Lists lists)
+    : common_(common), input_(input), lists_(lists), setup_(start(common)), source_(input, meter_),
+      progress_(progress_shown(common, output), meter_) {}
 
 void Run::begin(Work work, unsigned jobs) {
     const bool traced = !common_.trace.empty(); // the trace stays in order
     stream_ = std::make_unique<EntryStream>(
-        *source_, setup_, traced ? 1 : jobs,
+        source_, setup_, traced ? 1 : jobs,
         [work = std::move(work)](Codec &codec, Entry &entry, Product &product) {
             require_schema(codec.descriptor(), entry);
             work(codec, entry, product);
         });
+}
+
+std::string Run::shown(const Entry &entry) const {
+    return (several() ? file(entry.position) + ": " : "") + shown_entry(entry.key, entry.position);
 }
 
 EntryStream::Item *Run::next() {
@@ -46,36 +44,47 @@ EntryStream::Item *Run::next() {
         if (item == nullptr) {
             break;
         }
+        const std::size_t input = item->entry.position.input;
+        if (input == ended_) {
+            continue;
+        }
         try {
             if (item->fault) {
                 std::rethrow_exception(item->fault);
             }
-            note_key(item->entry.key);
-            progress_->update(++tally_.entries);
+            note_key(item->entry);
+            progress_.update(++tally_.entries);
             return item;
         } catch (const SchemaUnknown &unknown) {
-            const std::string option = schema_option_;
-            throw UsageError(shown_place(file(), item->entry.position, item->entry.key) +
+            const std::string option = input_.schema_option;
+            const Entry &entry = item->entry;
+            throw UsageError(shown_place(file(entry.position), entry.position, entry.key) +
                              unknown.what() + "; give " + option + " base or " + option + " um");
         } catch (const StreamError &fault) {
             fail(item->entry, fault);
-            over_ = true;
+            ended_ = input;
+            over_ = over_ || input + 1 == input_.paths.size();
         } catch (const DataError &fault) {
-            progress_->update(++tally_.entries);
+            progress_.update(++tally_.entries);
             fail(item->entry, fault);
         }
     }
     return nullptr;
 }
 
-void Run::note_key(const EntryKey &key) {
+void Run::note_key(const Entry &entry) {
+    if (lists_ == Lists::apart &&
+        std::exchange(used_in_, entry.position.input) != entry.position.input) {
+        used_ = {};
+    }
+    const EntryKey &key = entry.key;
     if (key.acl && key.sequence && !used_.insert(*key.acl, *key.sequence)) {
         throw DataError("", "a second entry of this sequence number");
     }
 }
 
 void Run::fail(const Entry &entry, const DataError &fault) {
-    report_.add(entry.position, entry.key, fault);
+    FaultReport(file(entry.position)).add(entry.position, entry.key, fault);
     ++tally_.errors;
     stopped_ = over_ = !common_.keep_going;
 }
@@ -96,8 +105,8 @@ void Run::each(Work work, const Emit &emit) {
 }
 
 int Run::conclude() {
-    if (!common_.quiet) {
-        say((stopped_ ? "stopped: " : "") + summary(tally_, progress_->seconds()));
+    if (!common_.quiet && (tally_.entries != 0 || tally_.errors == 0)) {
+        say((stopped_ ? "stopped: " : "") + summary(tally_, progress_.seconds()));
     }
     return tally_.errors == 0 ? exit_ok : exit_trouble;
 }

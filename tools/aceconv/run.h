@@ -1,4 +1,4 @@
-// One input on its way through one conversion, with an account of it.
+// Inputs on their way through one conversion, with an account of them.
 #pragma once
 
 #include <functional>
@@ -7,25 +7,35 @@
 
 #include "stream/sequence_numbers.h"
 #include "tools/aceconv/entry_stream.h"
+#include "tools/aceconv/inputs.h"
 #include "tools/aceconv/options.h"
 #include "tools/aceconv/progress.h"
 #include "tools/aceconv/report.h"
 
 namespace aceconv::tool {
 
+/// Whether the entries of several inputs are to stand in one output, where a list has each
+/// sequence number once, or have nothing to do with each other.
+enum class Lists { joined, apart };
+
 class Run {
   public:
     /// Takes what the entry was made into to where it goes, in the input's order.
     using Emit = std::function<void(const Entry &, Product &)>;
 
-    /// Loads the plug-in and opens the input; `output` is where its product goes.
-    /// A fault in the input's first bytes is reported like any other. Throws
-    /// IoError and UsageError.
-    Run(const CommonOptions &common, const InputOptions &input, const std::string &output);
+    /// Loads the plug-in; `output` is where the product goes. Throws IoError and
+    /// UsageError.
+    Run(const CommonOptions &common, const InputOptions &input, const std::string &output,
+        Lists lists);
 
-    [[nodiscard]] bool opened() const { return source_ != nullptr; }
     [[nodiscard]] const bag_descriptor &descriptor() const { return *setup_.plugin.descriptor; }
-    [[nodiscard]] const std::string &file() const { return report_.file(); }
+    /// The name of the input that this entry stands in.
+    [[nodiscard]] std::string file(const Position &position = {}) const {
+        return shown_name(input_.paths[position.input]);
+    }
+    [[nodiscard]] bool several() const { return input_.paths.size() > 1; }
+    /// What to call an entry on standard output, with its input if there are several.
+    [[nodiscard]] std::string shown(const Entry &entry) const;
 
     /// Sets the conversion going on up to `jobs` threads.
     void begin(Work work, unsigned jobs);
@@ -39,27 +49,30 @@ class Run {
     /// All three for every entry, `jobs` as the options have it.
     void each(Work work, const Emit &emit);
 
-    /// It ended at a fault.
-    [[nodiscard]] bool stopped() const { return stopped_; }
+    /// It ended at a fault, or there was nothing but faults: the output is no result.
+    [[nodiscard]] bool stopped() const {
+        return stopped_ || (tally_.errors != 0 && tally_.entries == 0);
+    }
     [[nodiscard]] Tally &tally() { return tally_; }
-
-    [[nodiscard]] double seconds() const { return progress_->seconds(); }
 
     /// Says the summary, unless it is to be quiet; returns the exit code.
     int conclude();
 
   private:
     /// Throws when the list has had this sequence number before.
-    void note_key(const EntryKey &key);
+    void note_key(const Entry &entry);
 
     const CommonOptions common_;
-    const char *const schema_option_;
+    const InputOptions input_;
+    const Lists lists_;
     const CodecSetup setup_;
-    FaultReport report_;
-    std::unique_ptr<Source> source_;
-    std::optional<Progress> progress_;
+    const std::shared_ptr<InputMeter> meter_ = std::make_shared<InputMeter>();
+    Inputs source_;
+    Progress progress_;
     std::unique_ptr<EntryStream> stream_;
     SequenceNumbers used_;
+    std::size_t used_in_ = 0;          // the input that they stand in
+    std::optional<std::size_t> ended_; // the input of which no more entries are taken
     Tally tally_;
     bool over_ = false;    // no more entries are taken
     bool stopped_ = false; // at a fault, since it was not to keep going

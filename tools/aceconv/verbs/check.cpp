@@ -38,10 +38,7 @@ std::vector<Change> check(Codec &codec, const RecordView &view, Entry &entry) {
 } // namespace
 
 int run_check(const CheckOptions &options) {
-    Run run(options.common, options.input, "-");
-    if (!run.opened()) {
-        return run.conclude();
-    }
+    Run run(options.common, options.input, "-", Lists::apart);
     const RecordView view(run.descriptor());
     Output output("-");
     const Style style(STDOUT_FILENO);
@@ -51,13 +48,12 @@ int run_check(const CheckOptions &options) {
              [&](const Entry &entry, const Product &product) {
                  changed += product.changes.empty() ? 0U : 1U;
                  for (const Change &change : product.changes) {
-                     output.write(style.bold(shown_entry(entry.key, entry.position)) + ": " +
-                                  change_text(change) + "\n");
+                     output.write(style.bold(run.shown(entry)) + ": " + change_text(change) + "\n");
                  }
              });
     if (!options.common.quiet && !run.stopped()) {
-        output.write(std::to_string(run.tally().entries) + " entries checked, " +
-                     std::to_string(changed) + " do not come back the same\n");
+        output.write(counted(run.tally().entries, "entry", "entries") + " checked, " +
+                     counted(changed, "does", "do") + " not come back the same\n");
     }
     output.commit();
     return std::max<int>(changed != 0 ? exit_verdict : exit_ok, run.conclude());

@@ -108,10 +108,7 @@ int run_convert(const ConvertOptions &options) {
     if (options.output == "-" && options.losses.report == "-") {
         throw UsageError("the output and --report cannot both be standard output");
     }
-    Run run(options.common, options.input, options.output);
-    if (!run.opened()) {
-        return run.conclude();
-    }
+    Run run(options.common, options.input, options.output, Lists::joined);
     const RecordView view(run.descriptor());
     Output output(options.output);
     const auto sink = make_sink(options.format, to, output);
@@ -129,7 +126,7 @@ int run_convert(const ConvertOptions &options) {
                  tally.losses += product.changes.size();
                  for (const Change &loss : product.changes) {
                      if (!options.losses.unsaid) {
-                         say(shown_place(run.file(), entry.position, entry.key) +
+                         say(shown_place(run.file(entry.position), entry.position, entry.key) +
                              "loss: " + change_text(loss));
                      }
                      if (report) {

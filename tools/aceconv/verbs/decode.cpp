@@ -7,10 +7,7 @@
 namespace aceconv::tool {
 
 int run_decode(const DecodeOptions &options) {
-    Run run(options.common, options.input, options.output);
-    if (!run.opened()) {
-        return run.conclude();
-    }
+    Run run(options.common, options.input, options.output, Lists::joined);
     const Format format = text_format(options.format);
     Output output(options.output);
     const auto sink =

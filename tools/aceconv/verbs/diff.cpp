@@ -28,18 +28,17 @@ struct Encoded {
 /// One of the two inputs, read ahead only as far as the other one's order asks for.
 class Side {
   public:
-    Side(const CommonOptions &common, const InputOptions &options) : run_(common, options, "-") {
+    Side(const CommonOptions &common, const InputOptions &options)
+        : run_(common, options, "-", Lists::joined) {
         const auto encode = [](Codec &codec, Entry &entry, Product &product) {
             append(product.bytes, codec.encode(entry));
         };
-        if (run_.opened()) {
-            run_.begin(encode, (common.jobs + 1) / 2);
-        }
+        run_.begin(encode, (common.jobs + 1) / 2);
     }
 
     /// The next entry, which is then among the waiting ones; false at the end.
     bool advance(PairKey &key) {
-        EntryStream::Item *item = run_.opened() ? run_.next() : nullptr;
+        EntryStream::Item *item = run_.next();
         if (item == nullptr) {
             return false;
         }
@@ -132,7 +131,7 @@ class Comparison {
 } // namespace
 
 int run_diff(const DiffOptions &options) {
-    if (options.left.path == "-" && options.right.path == "-") {
+    if (options.left.paths == options.right.paths && options.left.paths.front() == "-") {
         throw UsageError("only one of the two inputs can be standard input");
     }
     Side left(options.common, options.left);

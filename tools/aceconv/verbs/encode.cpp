@@ -47,10 +47,7 @@ class StoredEncodings {
 } // namespace
 
 int run_encode(const EncodeOptions &options) {
-    Run run(options.common, options.input, options.output);
-    if (!run.opened()) {
-        return run.conclude();
-    }
+    Run run(options.common, options.input, options.output, Lists::joined);
     if (options.output == "-" && isatty(STDOUT_FILENO) == 1) {
         throw UsageError("encodings are not for a terminal; redirect the output or give -o FILE");
     }

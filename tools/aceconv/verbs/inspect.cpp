@@ -24,9 +24,9 @@ std::string hex(std::uint64_t mask) {
     return text;
 }
 
-std::string as_text(const Entry &entry, const Inspected &inspected, const Style &style) {
+std::string as_text(const std::string &name, const Inspected &inspected, const Style &style) {
     std::string text =
-        style.bold(shown_entry(entry.key, entry.position)) +
+        style.bold(name) +
         style.faint(": " + std::to_string(inspected.bytes) + " bytes encoded, masks " +
                     hex(inspected.mask) + " " + hex(inspected.mask2)) +
         "\n";
@@ -38,15 +38,16 @@ std::string as_text(const Entry &entry, const Inspected &inspected, const Style 
             std::snprintf(place, sizeof place, "  %-20s %4zu  ", bits_text(field.bits).c_str(),
                           field.offset);
         }
-        char name[32];
-        std::snprintf(name, sizeof name, "%-22s ", field.name.c_str());
-        text += style.faint(place) + name + value_text(field);
+        char member[32];
+        std::snprintf(member, sizeof member, "%-22s ", field.name.c_str());
+        text += style.faint(place) + member + value_text(field);
         text += field.note.empty() ? "\n" : style.red("  ! " + field.note) + "\n";
     }
     return text;
 }
 
-std::string as_json(const Entry &entry, const Inspected &inspected) {
+/// `file` is empty where there is but one input.
+std::string as_json(const std::string &file, const Entry &entry, const Inspected &inspected) {
     Json fields = Json::array();
     for (const FieldValue &field : inspected.fields) {
         Json row = {{"name", field.name}};
@@ -67,28 +68,27 @@ std::string as_json(const Entry &entry, const Inspected &inspected) {
         }
         fields.push_back(std::move(row));
     }
-    const Json shown = {{"acl", entry.key.acl ? Json(*entry.key.acl) : Json()},
-                        {"sequence", entry.key.sequence ? Json(*entry.key.sequence) : Json()},
-                        {"bytes", inspected.bytes},
-                        {"ConfigurationMask", hex(inspected.mask)},
-                        {"ConfigurationMask2", hex(inspected.mask2)},
-                        {"fields", std::move(fields)}};
+    Json shown = Json::object();
+    if (!file.empty()) {
+        shown["file"] = file;
+    }
+    shown["acl"] = entry.key.acl ? Json(*entry.key.acl) : Json();
+    shown["sequence"] = entry.key.sequence ? Json(*entry.key.sequence) : Json();
+    shown["bytes"] = inspected.bytes;
+    shown["ConfigurationMask"] = hex(inspected.mask);
+    shown["ConfigurationMask2"] = hex(inspected.mask2);
+    shown["fields"] = std::move(fields);
     return shown.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 } // namespace
 
 int run_inspect(const InspectOptions &options) {
-    Run run(options.common, options.input, options.output);
-    if (!run.opened()) {
-        return run.conclude();
-    }
+    Run run(options.common, options.input, options.output, Lists::apart);
     const RecordView view(run.descriptor());
     Output output(options.output);
     const Style style(options.output == "-" ? STDOUT_FILENO : -1);
-    if (!options.json) {
-        output.write(style.faint("  presence bits      offset  field                  value\n"));
-    }
+    bool headed = options.json;
     run.each(
         [&](Codec &codec, Entry &entry, Product &product) {
             const Encoding encoding = codec.encode(entry);
@@ -96,10 +96,17 @@ int run_inspect(const InspectOptions &options) {
             const Inspected inspected{encoding.size(), record.get().ConfigurationMask,
                                       record.get().ConfigurationMask2,
                                       view.describe(record.get(), entry.schema)};
-            product.bytes =
-                options.json ? as_json(entry, inspected) : as_text(entry, inspected, style);
+            product.bytes = options.json ? as_json(run.several() ? run.file(entry.position) : "",
+                                                   entry, inspected)
+                                         : as_text(run.shown(entry), inspected, style);
         },
-        [&](const Entry & /*entry*/, const Product &product) { output.write(product.bytes); });
+        [&](const Entry & /*entry*/, const Product &product) {
+            if (!std::exchange(headed, true)) {
+                output.write(
+                    style.faint("  presence bits      offset  field                  value\n"));
+            }
+            output.write(product.bytes);
+        });
     if (!run.stopped() || output.visible()) {
         output.commit();
     }

@@ -1,0 +1,67 @@
+#include "tools/aceconv/inputs.h"
+
+#include <algorithm>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "stream/errors.h"
+
+namespace aceconv::tool {
+namespace {
+
+std::optional<std::uint64_t> total_size(const std::vector<std::string> &paths) {
+    std::uint64_t total = 0;
+    for (const std::string &path : paths) {
+        struct stat status {};
+        const int failed = path == "-" ? fstat(STDIN_FILENO, &status) : stat(path.c_str(), &status);
+        if (failed != 0 || !S_ISREG(status.st_mode)) {
+            return std::nullopt;
+        }
+        total += static_cast<std::uint64_t>(status.st_size);
+    }
+    return total;
+}
+
+} // namespace
+
+Inputs::Inputs(const InputOptions &options, std::shared_ptr<InputMeter> meter)
+    : options_(options), meter_(std::move(meter)), size_(total_size(options.paths)) {
+    if (std::count(options_.paths.begin(), options_.paths.end(), "-") > 1) {
+        throw UsageError("only one of the inputs can be standard input");
+    }
+}
+
+bool Inputs::next(Entry &entry) {
+    for (; at_ < options_.paths.size(); ++at_, source_.reset()) {
+        entry.position = {};
+        struct Mark {
+            Position &position;
+            const std::size_t input;
+            ~Mark() { position.input = input; }
+        } const mark{entry.position, at_};
+        try {
+            if (!source_) {
+                source_ =
+                    open_source(options_.paths[at_], options_.format, options_.schema, meter_);
+                meter_->size = size_;
+            }
+            if (source_->next(entry)) {
+                return true;
+            }
+        } catch (const StreamError &) {
+            if (!source_) { // a fault of the first bytes
+                entry.position.line = 1;
+            }
+            source_.reset();
+            ++at_;
+            throw;
+        }
+    }
+    return false;
+}
+
+std::optional<Schema> Inputs::schema() const {
+    return source_ ? source_->schema() : std::nullopt;
+}
+
+} // namespace aceconv::tool

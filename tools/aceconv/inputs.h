@@ -1,0 +1,31 @@
+// The inputs of a run as one source.
+#pragma once
+
+#include <memory>
+
+#include "stream/source.h"
+#include "tools/aceconv/options.h"
+
+namespace aceconv::tool {
+
+/// The entries of one input after the other, `Position::input` telling which. Each
+/// is opened when the one before it has ended, and may be of a format and a schema
+/// of its own. What ends one of them, a StreamError, does not end the others: the
+/// next call goes on behind it.
+class Inputs : public Source {
+  public:
+    /// Throws UsageError when standard input is named twice.
+    Inputs(const InputOptions &options, std::shared_ptr<InputMeter> meter);
+
+    bool next(Entry &entry) override;
+    [[nodiscard]] std::optional<Schema> schema() const override;
+
+  private:
+    const InputOptions options_;
+    const std::shared_ptr<InputMeter> meter_;
+    std::optional<std::uint64_t> size_; // of them all, in bytes, when all are regular files
+    std::size_t at_ = 0;
+    std::unique_ptr<Source> source_; // of input `at_`, once it is open
+};
+
+} // namespace aceconv::tool
