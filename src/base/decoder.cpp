@@ -16,7 +16,10 @@ void decode_rows(ccv_yang_output *output, std::span<const Row> rows, Record &rec
             write_leaf(output, record, row.leaf);
             break;
         case RowKind::icmp_message:
-            fold_any_code(record);
+            if (is_present(record, icmp_any_code)) {
+                record.icmp_type_code |= any_code;
+                set_present(record, icmp_specific_code);
+            }
             write_leaf(output, record, row.leaf);
             break;
         case RowKind::container:

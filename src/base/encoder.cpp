@@ -31,10 +31,10 @@ void carry_over_udf(Record &record, const std::uint8_t *stored, std::uint32_t st
 /// The second and third next hop count as configured with an address or a VRF;
 /// a track name alone does not count.
 void derive_next_hop_bits(Record &record) {
-    if (is_present(record, bit(34)) || is_present(record, bit(40))) {
+    if (is_present(record, bit(34) | bit(40))) {
         set_present(record, bit(42));
     }
-    if (is_present(record, bit(35)) || is_present(record, bit(41))) {
+    if (is_present(record, bit(35) | bit(41))) {
         set_present(record, bit(43));
     }
 }

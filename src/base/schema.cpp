@@ -168,11 +168,10 @@ constexpr bool guarded(std::span<const Row> rows, std::uint64_t &used) {
             return false;
         }
         if (row.kind == RowKind::leaf || row.kind == RowKind::icmp_message) {
-            const std::uint64_t mask = std::uint64_t{1} << row.leaf.bit.index;
-            if (!guard::well_formed(row.leaf) || (used & mask) != 0) {
+            if (!guard::well_formed(row.leaf) || (used & row.leaf.bit.first) != 0) {
                 return false;
             }
-            used |= mask;
+            used |= row.leaf.bit.first;
         }
     }
     return true;

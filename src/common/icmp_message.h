@@ -6,8 +6,8 @@
 
 namespace ace {
 
-inline constexpr Bit icmp_specific_code = bit(18);
-inline constexpr Bit icmp_any_code = bit(19);
+inline constexpr Bits icmp_specific_code = bit(18);
+inline constexpr Bits icmp_any_code = bit(19);
 inline constexpr std::uint32_t any_code = 0xFFFF;
 
 /// Marks a message of this code as present.
@@ -25,17 +25,11 @@ inline void set_icmp_present(Record &record, std::uint32_t code) {
     return status;
 }
 
-inline bool has_icmp_message(const Record &record) {
-    return is_present(record, icmp_specific_code) || is_present(record, icmp_any_code);
-}
-
-/// Turns a message marked with any code into one of the code 0xFFFF, whatever
-/// code the record held; icmp_specific_code alone then says whether there is one.
-inline void fold_any_code(Record &record) {
-    if (is_present(record, icmp_any_code)) {
-        record.icmp_type_code |= any_code;
-        set_present(record, icmp_specific_code);
-    }
+/// The message, of the code 0xFFFF where any code is marked, whatever code the
+/// record holds.
+inline std::uint32_t icmp_message(const Record &record) {
+    return is_present(record, icmp_any_code) ? record.icmp_type_code | any_code
+                                             : record.icmp_type_code;
 }
 
 } // namespace ace

@@ -51,17 +51,21 @@ struct Field {
     (::ace::Field{static_cast<std::uint16_t>(offsetof(ipv4_acl_config_ace, member)),               \
                   static_cast<std::uint8_t>(sizeof(ipv4_acl_config_ace::member))})
 
-/// A presence bit: 0 to 63 of ConfigurationMask, then 64 to 127 for
-/// ConfigurationMask2.
-struct Bit {
-    std::uint8_t index;
+/// Presence bits, those of ConfigurationMask and of ConfigurationMask2; most sets
+/// are of one bit.
+struct Bits {
+    std::uint64_t first = 0;
+    std::uint64_t second = 0;
 };
 
-constexpr Bit bit(std::uint8_t number) {
-    return Bit{number};
+constexpr Bits bit(unsigned number) {
+    return {std::uint64_t{1} << number, 0};
 }
-constexpr Bit bit2(std::uint8_t number) {
-    return Bit{static_cast<std::uint8_t>(64 + number)};
+constexpr Bits bit2(unsigned number) {
+    return {0, std::uint64_t{1} << number};
+}
+constexpr Bits operator|(Bits a, Bits b) {
+    return {a.first | b.first, a.second | b.second};
 }
 
 struct Leaf {
@@ -70,19 +74,20 @@ struct Leaf {
     Write write;
     const ccv_yang_keyword *keywords;
     Field field;
-    Bit bit;
+    Bits bit;
     std::uint8_t constant = 0;
 };
 
-inline bool is_present(const Record &record, Bit bit) {
-    const std::uint64_t mask =
-        bit.index < 64 ? record.ConfigurationMask : record.ConfigurationMask2;
-    return (mask >> (bit.index % 64) & 1) != 0;
+/// Whether one of the bits is set.
+inline bool is_present(const Record &record, Bits bits) {
+    return ((record.ConfigurationMask & bits.first) | (record.ConfigurationMask2 & bits.second)) !=
+           0;
 }
 
-inline void set_present(Record &record, Bit bit) {
-    std::uint64_t &mask = bit.index < 64 ? record.ConfigurationMask : record.ConfigurationMask2;
-    mask |= std::uint64_t{1} << (bit.index % 64);
+/// Sets all of the bits.
+inline void set_present(Record &record, Bits bits) {
+    record.ConfigurationMask |= bits.first;
+    record.ConfigurationMask2 |= bits.second;
 }
 
 /// The member of type T at `field`.
@@ -98,9 +103,31 @@ const T &member(const Record &record, Field field) {
 }
 
 /// A number of 1, 2 or 4 bytes, widened without sign.
-std::uint32_t load(const Record &record, Field field);
+inline std::uint32_t load(const Record &record, Field field) {
+    switch (field.width) {
+    case 1:
+        return member<std::uint8_t>(record, field);
+    case 2:
+        return member<std::uint16_t>(record, field);
+    default:
+        return member<std::uint32_t>(record, field);
+    }
+}
+
 /// Stores the low-order bits of `value`.
-void store(Record &record, Field field, std::uint32_t value);
+inline void store(Record &record, Field field, std::uint32_t value) {
+    switch (field.width) {
+    case 1:
+        member<std::uint8_t>(record, field) = static_cast<std::uint8_t>(value);
+        break;
+    case 2:
+        member<std::uint16_t>(record, field) = static_cast<std::uint16_t>(value);
+        break;
+    default:
+        member<std::uint32_t>(record, field) = value;
+        break;
+    }
+}
 
 /// Reads `node` into the leaf's field. A string replaces and releases an
 /// earlier one, but only once it has been read.
@@ -114,8 +141,13 @@ void store(Record &record, Field field, std::uint32_t value);
     return read_value(record, node, leaf);
 }
 
-/// Writes the leaf, whatever its presence bit says.
-void write_value(ccv_yang_output *output, const Record &record, const Leaf &leaf);
+/// Writes the leaf, whatever its presence bit says, under the name `name`.
+void write_value(ccv_yang_output *output, const Record &record, const Leaf &leaf, const char *name);
+
+/// The same under the leaf's own name.
+inline void write_value(ccv_yang_output *output, const Record &record, const Leaf &leaf) {
+    write_value(output, record, leaf, leaf.name);
+}
 
 /// Writes the leaf when its presence bit is set.
 inline void write_leaf(ccv_yang_output *output, const Record &record, const Leaf &leaf) {

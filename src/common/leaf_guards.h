@@ -53,7 +53,7 @@ constexpr bool well_formed(const Leaf &leaf) {
     return (leaf.read == Read::none || read_fits(leaf.read, leaf.field.width)) &&
            (leaf.write == Write::none || write_fits(leaf.write, leaf.field.width)) &&
            keywords == (leaf.keywords != nullptr) &&
-           (leaf.read == Read::constant) == (leaf.constant != 0);
+           (leaf.read == Read::constant || leaf.constant == 0);
 }
 
 } // namespace ace::guard

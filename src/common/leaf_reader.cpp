@@ -4,20 +4,6 @@
 
 namespace ace {
 
-void store(Record &record, Field field, std::uint32_t value) {
-    switch (field.width) {
-    case 1:
-        member<std::uint8_t>(record, field) = static_cast<std::uint8_t>(value);
-        break;
-    case 2:
-        member<std::uint16_t>(record, field) = static_cast<std::uint16_t>(value);
-        break;
-    default:
-        member<std::uint32_t>(record, field) = value;
-        break;
-    }
-}
-
 namespace {
 
 std::uint32_t read_keywords(ccv_yang_node *node, const Leaf &leaf, std::uint32_t *value) {

@@ -18,11 +18,8 @@ constexpr rsize_t name_bound = std::min<rsize_t>(unbounded, RSIZE_MAX_STR);
 
 } // namespace
 
-std::uint32_t compare(const char *text, const char *literal, bool &equal) {
-    int difference = 0;
-    const errno_t status = strcmp_s(text, name_bound, literal, &difference);
-    equal = status == EOK && difference == 0;
-    return static_cast<std::uint32_t>(status);
+std::uint32_t compare(const char *text, const char *literal, int &difference) {
+    return static_cast<std::uint32_t>(strcmp_s(text, name_bound, literal, &difference));
 }
 
 std::uint32_t clear(char *destination, std::size_t size) {

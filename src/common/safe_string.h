@@ -6,15 +6,19 @@
 
 namespace ace {
 
-/// Compares exactly, case included. A non-zero status is the library's, and
-/// `equal` is then false.
-[[nodiscard]] std::uint32_t compare(const char *text, const char *literal, bool &equal);
+/// Compares exactly, case included; the texts are equal when status and
+/// `difference` are 0. `difference` is 0 before the call; a non-zero status is the
+/// library's.
+[[nodiscard]] std::uint32_t compare(const char *text, const char *literal, int &difference);
 
 /// True when a node's name is `literal`. Most names differ in their first
 /// character, which costs no call.
 [[nodiscard]] inline bool name_is(const char *name, const char *literal) {
-    bool equal = false;
-    return name[0] == literal[0] && compare(name, literal, equal) == 0 && equal;
+    if (name[0] != literal[0]) {
+        return false;
+    }
+    int difference = 0;
+    return compare(name, literal, difference) == 0 && difference == 0;
 }
 
 /// Fills `size` bytes with zero.

@@ -3,34 +3,24 @@
 
 namespace ace::um {
 
-namespace {
-
-/// The content of "source" or "destination".
-void emit_side(ccv_yang_output *output, const Record &record, const AddressSide &side) {
-    const bool has_address = is_present(record, side.address.bit);
-    const bool is_network =
-        is_present(record, side.wildcard_mask.bit) || is_present(record, side.prefix_length.bit);
-    if (has_address && is_network) {
-        write_value(output, record, side.address);
-        write_leaf(output, record, side.prefix_length);
-        write_leaf(output, record, side.wildcard_mask);
-    } else if (has_address) {
-        write_value(output, record, side.host);
+void emit_side(ccv_yang_output *output, const Record &record, Rows side) {
+    const auto present = [&](SideRow row) { return is_present(record, side[row].leaf.bit); };
+    const auto write = [&](SideRow row) { write_leaf(output, record, side[row].leaf); };
+    const bool has_address = present(side_address);
+    if (has_address && (present(side_wildcard_mask) || present(side_prefix_length))) {
+        write(side_address);
+        write(side_prefix_length);
+        write(side_wildcard_mask);
+    } else {
+        write(side_host);
     }
-    if (is_present(record, side.net_group.bit)) {
-        write_value(output, record, side.net_group);
-    } else if (!has_address) {
-        emit_presence(output, "any");
+    write(side_net_group);
+    if (!has_address && !present(side_net_group)) {
+        (void)emit_node(output, record, side[side_any]);
     }
-    write_leaf(output, record, side.port_group);
-    if (is_present(record, side.port.operator_bit)) {
-        ccv_yang_container_begin(output, "port");
-        emit_operator_group(output, record, side.port);
-        ccv_yang_container_end(output);
-    }
+    write(side_port_group);
+    (void)emit_row(output, record, side[side_port]); // cannot fail
 }
-
-} // namespace
 
 } // namespace ace::um
 

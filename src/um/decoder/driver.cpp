@@ -1,5 +1,4 @@
 #include "aceconv/plugin.h"
-#include "common/trace.h"
 #include "record/bag_frame.h"
 #include "um/decoder/emit.h"
 
@@ -7,38 +6,45 @@ namespace ace::um {
 
 namespace {
 
-/// The switches of a deny entry; a permit entry never shows them.
-void emit_icmp_switches(ccv_yang_output *output, const Record &record) {
-    for (const Leaf *leaf : {&icmp_off, &icmp_on}) {
-        if (is_present(record, leaf->bit) && load(record, leaf->field) != 0) {
-            emit_presence(output, leaf->name);
-        }
+/// What the entry matches on, and its policing.
+std::uint32_t emit_matches(ccv_yang_output *output, const Record &record) {
+    for (const Row &side : action_parts.sides) { // always written
+        (void)emit_node(output, record, side);
     }
+    return emit_rows(output, record, action_parts.matches);
+}
+
+/// Parts that cannot fail.
+void emit_part(ccv_yang_output *output, const Record &record, Rows part) {
+    (void)emit_rows(output, record, part);
 }
 
 /// The action container, closed also after a failure inside it.
-std::uint32_t emit_action(ccv_yang_output *output, const Record &record) {
-    ccv_yang_container_begin(output, record.grant == permit ? "permit" : "deny");
+std::uint32_t emit_action(ccv_yang_output *output, const Record &record, const Row &action) {
+    ccv_yang_container_begin(output, action.leaf.name);
     ccv_yang_presence(output);
-    acl_yang_protocol_common(output, record);
-    const std::uint32_t status = acl_yang_ace_common(output, record);
+    emit_operator_group(output, record, protocol);
+    const std::uint32_t status = emit_matches(output, record);
     if (status == 0) {
-        acl_yang_nexthops(output, record);
-        acl_yang_match_option_common(output, record);
-        if (record.grant == deny) {
-            emit_icmp_switches(output, record);
-        }
+        emit_part(output, record, action.rows().subspan(action_parts.after_matches));
     }
     ccv_yang_container_end(output);
     return status;
 }
 
+/// The remark follows whatever became of the action.
 std::uint32_t emit_entry(ccv_yang_output *output, const Record &record) {
     std::uint32_t status = 0;
-    if (is_present(record, grant_bit) && (record.grant == permit || record.grant == deny)) {
-        status = emit_action(output, record);
+    for (const Row &row : entry_rows) {
+        if (!is_present(record, row.leaf.bit)) {
+            continue;
+        }
+        if (row.kind == Kind::leaf) {
+            write_value(output, record, row.leaf);
+        } else if (record.grant == row.leaf.constant) {
+            status = emit_action(output, record, row);
+        }
     }
-    write_leaf(output, record, remark);
     return status;
 }
 
@@ -47,17 +53,19 @@ std::uint32_t emit_entry(ccv_yang_output *output, const Record &record) {
 } // namespace ace::um
 
 void acl_yang_protocol_common(ccv_yang_output *output, ipv4_acl_config_ace record) noexcept {
-    using namespace ace;
-    if (!is_present(record, um::protocol_operator_bit)) {
-        write_leaf(output, record, um::protocol);
-    } else if (record.proto_oper == um::operator_eq) {
-        write_leaf(output, record, um::protocol_eq);
-    } else if (record.proto_oper == um::operator_range) {
-        ccv_yang_container_begin(output, "range");
-        write_leaf(output, record, um::protocol_start);
-        write_leaf(output, record, um::protocol_end);
-        ccv_yang_container_end(output);
-    }
+    ace::um::emit_operator_group(output, record, ace::um::protocol);
+}
+
+std::uint32_t acl_yang_ace_common(ccv_yang_output *output, ipv4_acl_config_ace record) noexcept {
+    return ace::um::emit_matches(output, record);
+}
+
+void acl_yang_nexthops(ccv_yang_output *output, ipv4_acl_config_ace record) noexcept {
+    ace::um::emit_part(output, record, ace::um::action_parts.next_hops);
+}
+
+void acl_yang_match_option_common(ccv_yang_output *output, ipv4_acl_config_ace record) noexcept {
+    ace::um::emit_part(output, record, ace::um::action_parts.options);
 }
 
 std::uint32_t ccv_custom_decoder_ipv4_acl_ace_um(ccv_yang_output *output,

@@ -18,19 +18,23 @@ bool has_keyword(const ccv_yang_keyword *table, std::uint32_t value) {
 
 } // namespace
 
+void emit_icmp(ccv_yang_output *output, const Record &record) {
+    const Leaf &name = icmp_message_name;
+    const std::uint32_t message = icmp_message(record);
+    if (!is_present(record, icmp_specific_code | icmp_any_code)) {
+        return;
+    }
+    if (has_keyword(name.keywords, message)) {
+        ccv_yang_enum(output, name.name, name.keywords, message);
+        return;
+    }
+    for (const IcmpNumber &number : icmp_numbers) {
+        ccv_yang_uint32(output, number.name, message >> number.shift & 0xFFFF);
+    }
+}
+
 } // namespace ace::um
 
 void acl_yang_icmp(ccv_yang_output *output, ipv4_acl_config_ace record) noexcept {
-    ace::fold_any_code(record); // the caller's record stays as it is
-    const ace::Leaf &name = ace::um::icmp_message_name;
-    if (!ace::is_present(record, name.bit)) {
-        return;
-    }
-    const std::uint32_t message = record.icmp_type_code;
-    if (ace::um::has_keyword(name.keywords, message)) {
-        ccv_yang_enum(output, name.name, name.keywords, message);
-    } else {
-        ccv_yang_uint32(output, ace::um::icmp_message_type, message >> 16);
-        ccv_yang_uint32(output, ace::um::icmp_message_code, message & ace::any_code);
-    }
+    ace::um::emit_icmp(output, record);
 }

@@ -5,37 +5,44 @@ namespace ace::um {
 
 namespace {
 
-/// The first value under another name than "start-value".
-void emit_first_as(ccv_yang_output *output, const Record &record, const OperatorGroup &group,
-                   const char *name) {
-    Leaf leaf = group.first;
-    leaf.name = name;
-    write_value(output, record, leaf);
+const ccv_yang_keyword *find_form(const OperatorGroup &group, std::uint32_t code) {
+    for (const ccv_yang_keyword &form : group.forms) {
+        if (form.value == code) {
+            return &form;
+        }
+    }
+    return nullptr;
+}
+
+void emit_range(ccv_yang_output *output, const Record &record, const OperatorGroup &group) {
+    if (is_present(record, group.first.bit) || group.range_without_start) {
+        ccv_yang_container_begin(output, range_name);
+        write_leaf(output, record, group.first);
+        write_leaf(output, record, group.second);
+        ccv_yang_container_end(output);
+    }
 }
 
 } // namespace
 
 void emit_operator_group(ccv_yang_output *output, const Record &record,
                          const OperatorGroup &group) {
-    if (!is_present(record, group.first.bit)) {
-        return;
+    // Without an operator that is the plain form; groups that have none go by the
+    // operator's code alone.
+    const ccv_yang_keyword *form = nullptr;
+    if (!is_present(record, group.code_bit)) {
+        form = find_form(group, plain_form);
     }
-    if (group.plain_value != nullptr && !is_present(record, group.operator_bit)) {
-        emit_first_as(output, record, group, group.plain_value);
-        return;
-    }
-    const std::uint32_t code = load(record, group.operator_code);
-    if (code == operator_range) {
-        ccv_yang_container_begin(output, "range");
-        write_value(output, record, group.first);
-        write_leaf(output, record, group.second);
-        ccv_yang_container_end(output);
-        return;
-    }
-    for (const ccv_yang_keyword &row : operator_names) {
-        if (row.value == code) {
-            emit_first_as(output, record, group, row.name);
+    if (form == nullptr) {
+        const std::uint32_t code = member<std::uint8_t>(record, group.code);
+        if (code == range_form) {
+            emit_range(output, record, group);
+            return;
         }
+        form = find_form(group, code);
+    }
+    if (form != nullptr && is_present(record, group.first.bit)) {
+        write_value(output, record, group.first, form->name);
     }
 }
 

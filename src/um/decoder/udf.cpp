@@ -2,7 +2,6 @@
 
 #include "aceconv/plugin.h"
 #include "common/safe_string.h"
-#include "common/trace.h"
 #include "um/decoder/emit.h"
 
 namespace ace::um {
@@ -14,47 +13,52 @@ struct Hexadecimal {
 };
 
 /// The number as a string leaf of lower-case digits, without prefix.
-std::uint32_t emit_hexadecimal(ccv_yang_output *output, const char *name, std::uint32_t number,
-                               const TraceLine &failure) {
+std::uint32_t emit_hexadecimal(ccv_yang_output *output, const UdfLeaf &leaf, std::uint32_t number) {
     Hexadecimal digits;
     const std::uint32_t status = clear(digits.text, sizeof digits.text);
     if (status != 0) {
-        trace(failure, status);
+        trace(*leaf.failure, status);
         return status;
     }
     // Eight digits at most; the cleared text ends behind them.
     std::to_chars(digits.text, digits.text + sizeof digits.text - 1, number, 16);
-    ccv_yang_string(output, name, digits.text);
+    ccv_yang_string(output, leaf.name, digits.text);
     return 0;
 }
 
 /// A failure leaves the entry open.
 std::uint32_t emit_element(ccv_yang_output *output, const ace_udf_element &element) {
     ccv_yang_list_entry_begin(output, udf_list, 1);
-    ccv_yang_string(output, udf_name, element.UDFName);
-    std::uint32_t status =
-        emit_hexadecimal(output, udf_value, element.UDFValue, trace_line::udf_value_failure);
-    if (status == 0) {
-        status = emit_hexadecimal(output, udf_mask, element.UDFMask, trace_line::udf_mask_failure);
+    for (const UdfLeaf &leaf : udf_leaves) {
+        if (leaf.number == nullptr) {
+            ccv_yang_string(output, leaf.name, element.UDFName);
+            continue;
+        }
+        const std::uint32_t status = emit_hexadecimal(output, leaf, element.*leaf.number);
+        if (status != 0) {
+            return status;
+        }
     }
-    if (status == 0) {
-        ccv_yang_list_entry_end(output);
-    }
-    return status;
+    ccv_yang_list_entry_end(output);
+    return 0;
 }
 
 } // namespace
 
-} // namespace ace::um
-
-std::uint32_t acl_yang_udf(ccv_yang_output *output, ipv4_acl_config_ace record) noexcept {
-    ccv_yang_list_begin(output, ace::um::udf_list);
+std::uint32_t emit_udf(ccv_yang_output *output, const Record &record) {
+    ccv_yang_list_begin(output, udf_list);
     for (std::uint32_t i = 0; i < record.UDF.count; ++i) {
-        const std::uint32_t status = ace::um::emit_element(output, record.UDF.elements[i]);
+        const std::uint32_t status = emit_element(output, record.UDF.elements[i]);
         if (status != 0) {
             return status;
         }
     }
     ccv_yang_list_end(output);
     return 0;
+}
+
+} // namespace ace::um
+
+std::uint32_t acl_yang_udf(ccv_yang_output *output, ipv4_acl_config_ace record) noexcept {
+    return ace::um::emit_udf(output, record);
 }

@@ -3,8 +3,6 @@
 
 #include "aceconv/keywords.h"
 #include "aceconv/plugin.h"
-#include "common/safe_string.h"
-#include "common/trace.h"
 #include "um/encoder/parsers.h"
 
 namespace ace::um {
@@ -21,12 +19,12 @@ std::uint32_t add_word(const char *word, std::uint32_t &set) {
         if ((set & flag) != 0) {
             continue;
         }
-        bool equal = false;
-        const std::uint32_t status = compare(word, row->name, equal);
+        int difference = 0;
+        const std::uint32_t status = compare(word, row->name, difference);
         if (status != 0) {
             return status;
         }
-        if (equal) {
+        if (difference == 0) {
             set |= flag;
             return 0;
         }
@@ -89,10 +87,10 @@ std::uint32_t store_signed_text(const char *text, Record &record) {
 }
 
 /// The children of "match-all" or "match-any".
-void parse_match(Walk &walk, std::uint8_t match, Record &record) {
+void parse_match(Walk &walk, const TcpMatch &match, Record &record) {
     walk_level(walk, CCV_YANG_STEP_CONTAINER, [&] {
         if (name_is(ccv_yang_get_node_name(walk.current), tcp_bits)) {
-            record.tcpflagsopr = match;
+            record.tcpflagsopr = match.code;
             walk.status = ccv_yang_set_ipv4_tcpflag(walk.current, record);
         }
     });
@@ -130,13 +128,9 @@ std::uint32_t acl_yang_ipv4_enc_tcp_flags(ccv_yang_iter *iterator, ccv_yang_node
     Walk walk{iterator, node};
     walk_level(walk, CCV_YANG_STEP_CONTAINER, [&] {
         const char *name = ccv_yang_get_node_name(walk.current);
-        for (const ccv_yang_keyword &match : tcp_matches) {
-            if (name_is(name, match.name)) {
-                parse_match(walk, static_cast<std::uint8_t>(match.value), record);
-                return;
-            }
-        }
-        if (name_is(name, tcp_bits)) {
+        if (const TcpMatch *match = find(tcp_matches, name)) {
+            parse_match(walk, *match, record);
+        } else if (name_is(name, tcp_bits)) {
             walk.status = read_flag_set(walk.current, record);
         }
     });

@@ -2,8 +2,6 @@
 #include <cstring>
 
 #include "aceconv/plugin.h"
-#include "common/safe_string.h"
-#include "common/trace.h"
 #include "um/encoder/parsers.h"
 
 namespace ace::um {
@@ -77,14 +75,13 @@ std::uint32_t read_hexadecimal(ccv_yang_node *node, std::uint32_t &value) {
 
 void read_element(Walk &walk, ace_udf_element &element) {
     walk_level(walk, CCV_YANG_STEP_LIST_ENTRY, [&] {
-        const char *name = ccv_yang_get_node_name(walk.current);
-        if (name_is(name, udf_name)) {
-            walk.status = read_name(walk.current, element);
-        } else if (name_is(name, udf_value)) {
-            walk.status = read_hexadecimal(walk.current, element.UDFValue);
-        } else if (name_is(name, udf_mask)) {
-            walk.status = read_hexadecimal(walk.current, element.UDFMask);
+        const UdfLeaf *leaf = find(udf_leaves, ccv_yang_get_node_name(walk.current));
+        if (leaf == nullptr) {
+            return;
         }
+        walk.status = leaf->number == nullptr
+                          ? read_name(walk.current, element)
+                          : read_hexadecimal(walk.current, element.*leaf->number);
     });
 }
 
