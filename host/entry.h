@@ -6,7 +6,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -38,7 +37,7 @@ struct EntryKey {
 class Modules {
   public:
     /// Loads both modules from `directory`; throws DataError.
-    explicit Modules(const std::filesystem::path &directory);
+    explicit Modules(const std::string &directory);
     ~Modules();
     Modules(Modules &&) noexcept;
     Modules &operator=(Modules &&) noexcept;

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 #include <dlfcn.h>
+#include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -14,15 +15,15 @@ namespace {
 
 constexpr const char *bag_type = "ipv4_acl_config_ace";
 
-[[noreturn]] void refuse(const std::filesystem::path &file, const std::string &why) {
-    throw std::runtime_error("plug-in " + file.string() + ": " + why);
+[[noreturn]] void refuse(const std::string &file, const std::string &why) {
+    throw std::runtime_error("plug-in " + file + ": " + why);
 }
 
 /// The loader's text without the file name that it may start with.
-std::string loader_error(const std::filesystem::path &file) {
+std::string loader_error(const std::string &file) {
     const char *const error = dlerror();
     std::string text = error == nullptr ? "cannot be loaded" : error;
-    const std::string prefix = file.string() + ": ";
+    const std::string prefix = file + ": ";
     if (text.compare(0, prefix.size(), prefix) == 0) {
         text.erase(0, prefix.size());
     }
@@ -34,7 +35,7 @@ struct Close {
 };
 
 template <typename Target>
-void resolve(void *library, const std::filesystem::path &file, const char *name, Target &target) {
+void resolve(void *library, const std::string &file, const char *name, Target &target) {
     void *const symbol = dlsym(library, name);
     if (symbol == nullptr) {
         refuse(file, std::string("does not export ") + name);
@@ -44,7 +45,7 @@ void resolve(void *library, const std::filesystem::path &file, const char *name,
 
 } // namespace
 
-Plugin load_plugin(const std::filesystem::path &file) {
+Plugin load_plugin(const std::string &file) {
     Plugin plugin{};
     plugin.file = std::filesystem::absolute(file); // a name without "/" would be searched for
     std::unique_ptr<void, Close> opened(dlopen(plugin.file.c_str(), RTLD_NOW | RTLD_LOCAL));

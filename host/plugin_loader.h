@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
+#include <string>
 
 #include "aceconv/plugin.h"
 
@@ -13,7 +13,7 @@ using Decoder = decltype(&ccv_custom_decoder_ipv4_acl_ace);
 
 /// The loaded plug-in; stays loaded for the life of the process.
 struct Plugin {
-    std::filesystem::path file;
+    std::string file;
     const bag_descriptor *descriptor;
     Encoder encode_base;
     Decoder decode_base;
@@ -23,6 +23,6 @@ struct Plugin {
 
 /// Opens the library, resolves its converters and registers its bag type.
 /// Throws std::runtime_error naming the file and the cause.
-Plugin load_plugin(const std::filesystem::path &file);
+Plugin load_plugin(const std::string &file);
 
 } // namespace aceconv

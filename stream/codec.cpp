@@ -14,11 +14,11 @@ std::size_t slot(Schema schema, Format format) {
     return (schema == Schema::um ? 2U : 0U) + (format == Format::xml ? 1U : 0U);
 }
 
-Modules load_modules(const std::filesystem::path &directory) {
+Modules load_modules(const std::string &directory) {
     try {
         return Modules(directory);
     } catch (const DataError &e) {
-        throw IoError(directory.string() + ": cannot load the YANG modules: " + e.what());
+        throw IoError(directory + ": cannot load the YANG modules: " + e.what());
     }
 }
 

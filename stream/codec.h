@@ -2,8 +2,8 @@
 #pragma once
 
 #include <array>
-#include <filesystem>
 #include <memory>
+#include <string>
 
 #include "host/entry.h"
 #include "host/plugin_loader.h"
@@ -17,7 +17,7 @@ enum class Backend { bulk, validating };
 /// What codecs are made of.
 struct CodecSetup {
     Plugin plugin;
-    std::filesystem::path modules; // their folder
+    std::string modules; // their folder
     Backend backend;
 };
 

@@ -57,13 +57,13 @@ void write_nodes(const char *table, const SchemaNode &entry, std::ostream &out) 
     out << "const CompiledNode " << table << "[] = {\n" << rows << "};\n\n";
 }
 
-void write_text(const char *name, const std::filesystem::path &file, std::ostream &out) {
+void write_text(const char *name, const std::string &file, std::ostream &out) {
     std::ifstream in(file, std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(in), {}};
     out << "const char " << name << "[] = R\"yang(" << text << ")yang\";\n\n";
 }
 
-int run(const std::filesystem::path &directory) {
+int run(const std::string &directory) {
     const Modules modules(directory);
     std::ostream &out = std::cout;
     out << "#include \"host/schema/compiled_modules.h\"\n\nnamespace aceconv {\nnamespace {\n\n";

@@ -19,7 +19,7 @@ void quieten_libyang() {
     std::call_once(once, [] { ly_log_options(LY_LOSTORE_LAST); });
 }
 
-bool is_text_of(const std::filesystem::path &file, std::string_view text) {
+bool is_text_of(const std::string &file, std::string_view text) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE *)> in(std::fopen(file.c_str(), "rb"),
                                                               std::fclose);
     std::string found(text.size() + 1, '\0');
@@ -40,8 +40,8 @@ constexpr std::array schemas{Schema::base, Schema::um}; // um imports base
 
 } // namespace
 
-std::filesystem::path module_file(const std::filesystem::path &directory, Schema schema) {
-    return directory / (std::string(module_name(schema)) + ".yang");
+std::string module_file(const std::string &directory, Schema schema) {
+    return directory + '/' + std::string(module_name(schema)) + ".yang";
 }
 
 std::string_view module_name(Schema schema) {
@@ -73,7 +73,7 @@ const lysc_node &compiled_node(const SchemaNode &node) {
     return *node.compiled;
 }
 
-Modules::Context::Context(const std::filesystem::path &directory) {
+Modules::Context::Context(const std::string &directory) {
     for (const Schema schema : schemas) {
         if (!is_text_of(module_file(directory, schema), compiled_module(schema).text)) {
             load(&directory);
@@ -101,7 +101,7 @@ ly_ctx *Modules::Context::libyang() {
 }
 
 /// From the files in `directory`, or from the text of the tables when it is null.
-void Modules::Context::load(const std::filesystem::path *directory) {
+void Modules::Context::load(const std::string *directory) {
     quieten_libyang();
     // Parsing dates, libyang looks at the time zone, which libc keeps for all threads.
     static std::mutex one_at_a_time;
@@ -121,9 +121,9 @@ void Modules::Context::load(const std::filesystem::path *directory) {
                 throw std::bad_alloc();
             }
         } else {
-            const std::filesystem::path file = module_file(*directory, schema);
+            const std::string file = module_file(*directory, schema);
             if (lys_parse_path(context, file.c_str(), LYS_IN_YANG, nullptr) != LY_SUCCESS) {
-                throw DataError("", file.string() + ": " + take_error(context).message);
+                throw DataError("", file + ": " + take_error(context).message);
             }
         }
     }
@@ -145,8 +145,7 @@ void Modules::Context::load(const std::filesystem::path *directory) {
     libyang_ = std::move(loaded);
 }
 
-Modules::Modules(const std::filesystem::path &directory)
-    : context_(std::make_unique<Context>(directory)) {}
+Modules::Modules(const std::string &directory) : context_(std::make_unique<Context>(directory)) {}
 
 Modules::~Modules() = default;
 Modules::Modules(Modules &&) noexcept = default;

@@ -4,7 +4,6 @@
 #include <libyang/libyang.h>
 
 #include <array>
-#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -21,13 +20,13 @@ struct ContextDeleter {
 /// tables of compiled_modules.h, provided that the modules are those of the build.
 struct Modules::Context {
   public:
-    explicit Context(const std::filesystem::path &directory);
+    explicit Context(const std::string &directory);
 
     [[nodiscard]] const SchemaNode &entry(Schema schema);
     [[nodiscard]] ly_ctx *libyang();
 
   private:
-    void load(const std::filesystem::path *directory);
+    void load(const std::string *directory);
 
     std::unique_ptr<ly_ctx, ContextDeleter> libyang_;
     std::array<std::unique_ptr<SchemaNode>, 2> entries_;
@@ -36,7 +35,7 @@ struct Modules::Context {
 /// libyang's node behind `node` of an entry that Context::entry returned.
 const lysc_node &compiled_node(const SchemaNode &node);
 
-std::filesystem::path module_file(const std::filesystem::path &directory, Schema schema);
+std::string module_file(const std::string &directory, Schema schema);
 
 /// The text and data path of libyang's last complaint, taken from the context.
 struct LibyangError {

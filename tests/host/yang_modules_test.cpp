@@ -23,7 +23,7 @@ struct TemporaryDirectory {
     TemporaryDirectory(const TemporaryDirectory &) = delete;
     TemporaryDirectory &operator=(const TemporaryDirectory &) = delete;
 
-    std::filesystem::path path;
+    std::string path;
 };
 
 struct Row {
@@ -184,8 +184,7 @@ TEST(YangModules, OtherTextsThanThoseOfTheBuildAreCompiled) {
 
     const auto um = module_file(other.path, Schema::um);
     std::ofstream(um) << "module aceconv-um { }";
-    EXPECT_NE(error_of([&] { const Modules broken(other.path); }).find(um.string()),
-              std::string::npos);
+    EXPECT_NE(error_of([&] { const Modules broken(other.path); }).find(um), std::string::npos);
 }
 
 TEST(YangModules, AMissingDirectoryOrModuleIsReported) {

@@ -10,7 +10,7 @@ namespace aceconv::tool {
 int show_version(const CommonOptions &options) {
     const Plugin plugin = find_plugin(options);
     Output output("-");
-    output.write("aceconv " ACECONV_VERSION "\nplug-in " + plugin.file.string() + "\nrecord  " +
+    output.write("aceconv " ACECONV_VERSION "\nplug-in " + plugin.file + "\nrecord  " +
                  plugin.descriptor->type_name + " " + bag_fingerprint(*plugin.descriptor) +
                  "\nmodules " + find_modules(options).string() + "\n");
     output.commit();
