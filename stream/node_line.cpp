@@ -33,10 +33,11 @@ std::uint64_t find(const std::vector<TextNode> &nodes, std::string_view path) {
 } // namespace
 
 std::uint64_t line_of_node(std::string_view text, Format format, std::string_view path) {
-    if (path.empty() || format != Format::xml) {
+    if (path.empty()) {
         return 1;
     }
-    const std::uint64_t line = find(xml_nodes(text), path);
+    const std::uint64_t line =
+        find(format == Format::xml ? xml_nodes(text) : json_nodes(text), path);
     return line != 0 ? line : 1;
 }
 

@@ -21,7 +21,7 @@ std::uint64_t line_of_node(std::string_view text, Format format, std::string_vie
 /// A node as it is written in either notation.
 struct TextNode {
     std::string name;   // as paths have it
-    std::string value;  // of a leaf
+    std::string value;  // of a leaf; in JSON, if it is a string
     std::uint64_t line; // of its first character, counted from 1
     std::vector<TextNode> children;
 };
@@ -29,5 +29,6 @@ struct TextNode {
 /// The children of an entry, as far as `text` can be read and nodes nest no deeper
 /// than in either module.
 std::vector<TextNode> xml_nodes(std::string_view text);
+std::vector<TextNode> json_nodes(std::string_view text);
 
 } // namespace aceconv

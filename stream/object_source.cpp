@@ -24,37 +24,33 @@ std::optional<Schema> tell_schema(std::string_view object) {
     return schema;
 }
 
-/// The first member tells that this is an entry by itself. Not sure for odd ones.
+/// Whether this is an entry by itself, not {"acl": "X", "entry": {...}}.
 bool is_bare(std::string_view text) {
     JsonWalk walk(text);
-    return walk.next() == JsonWalk::Step::open && walk.next() == JsonWalk::Step::name &&
-           !walk.escapes() && walk.content() != "acl" && walk.content() != "entry";
+    if (walk.next() != JsonWalk::Step::open || walk.next() != JsonWalk::Step::name) {
+        return true;
+    }
+    const auto name = json_string(walk.token());
+    return name != "acl" && name != "entry";
 }
 
-/// Takes {"acl": "X", "entry": {...}} apart; leaves a bare entry alone.
-void unwrap(Entry &entry) {
-    if (is_bare(entry.text)) {
-        return;
-    }
-    Window window(entry.text);
-    JsonCursor cursor(window);
+/// Takes the members of {"acl": "X", "entry": {...}} from the cursor; returns the
+/// entry's line.
+std::uint64_t take_members(JsonCursor &cursor, Entry &entry) {
     cursor.expect('{', "an entry");
-    if (cursor.peek() != '"') {
-        return;
-    }
-    std::string member = cursor.string("a name");
-    if (member != "acl" && member != "entry") {
-        return;
-    }
     std::string text;
-    for (;;) {
+    std::uint64_t line = 0;
+    do {
+        const std::string member = cursor.string("\"acl\" or \"entry\"");
         cursor.expect(':', "':'");
         if (member == "acl" && !entry.key.acl) {
             entry.key.acl = cursor.string("the access list's name");
             if (const std::string fault = list_name_fault(*entry.key.acl); !fault.empty()) {
                 throw DataError("", fault);
             }
-        } else if (member == "entry" && text.empty()) {
+        } else if (member == "entry" && line == 0) {
+            cursor.peek();
+            line = cursor.line();
             cursor.object(text, max_entry_bytes, "an entry");
         } else {
             throw DataError("", member == "acl" || member == "entry"
@@ -62,19 +58,32 @@ void unwrap(Entry &entry) {
                                     : "unknown member \"" + printable(member) +
                                           "\"; expected \"acl\" or \"entry\"");
         }
-        if (cursor.accept('}')) {
-            break;
-        }
-        cursor.expect(',', "',' or '}'");
-        member = cursor.string("\"acl\" or \"entry\"");
-    }
+    } while (cursor.accept(','));
+    cursor.expect('}', "',' or '}'");
     if (cursor.peek() != -1) {
         cursor.unexpected("the end of the line");
     }
-    if (text.empty()) {
+    if (line == 0) {
         throw DataError("", "\"acl\" without \"entry\"");
     }
     entry.text = std::move(text);
+    return line;
+}
+
+/// Takes {"acl": "X", "entry": {...}} apart; leaves a bare entry alone. Throws
+/// DataError. The entry's line becomes that of its text, or of the fault.
+void unwrap(Entry &entry) {
+    if (is_bare(entry.text)) {
+        return;
+    }
+    Window window(entry.text);
+    JsonCursor cursor(window);
+    try {
+        entry.position.line += take_members(cursor, entry) - 1;
+    } catch (const DataError &fault) { // of this one object
+        entry.position.line += cursor.line() - 1;
+        throw DataError(fault.path(), fault.what());
+    }
 }
 
 class ObjectSource : public Source {
@@ -135,11 +144,7 @@ class ObjectSource : public Source {
             throw DataError("",
                             "an entry longer than " + std::to_string(max_line_bytes) + " bytes");
         }
-        try {
-            unwrap(entry);
-        } catch (const StreamError &e) { // of this one object
-            throw DataError(e.path(), e.what());
-        }
+        unwrap(entry);
         return true;
     }
 

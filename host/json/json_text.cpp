@@ -24,19 +24,27 @@ class JsonLook {
     bool copy() {
         const std::size_t begin = std::min(text_.find_first_not_of(json_blanks), text_.size());
         if (text_.substr(begin, 1) != "{") {
-            throw DataError("", "expected a JSON object");
+            refuse("", "expected a JSON object");
         }
         do {
             step();
         } while (!levels_.empty());
         if (text_.find_first_not_of(json_blanks, walk_.at()) != std::string_view::npos) {
-            throw DataError("", "text behind the entry's JSON object");
+            refuse("", "text behind the entry's JSON object");
         }
         document_.append(text_, copied_);
         return members_ > 0;
     }
 
   private:
+    /// With the line that the walk has come to.
+    [[noreturn]] void refuse(const std::string &path, const std::string &why) const {
+        const std::string_view before = text_.substr(0, walk_.at());
+        throw DataError(
+            path, why,
+            1 + static_cast<std::uint64_t>(std::count(before.begin(), before.end(), '\n')));
+    }
+
     struct Level {
         bool object;
         std::size_t names; // how many the levels around it hold
@@ -57,8 +65,8 @@ class JsonLook {
     void step() {
         switch (walk_.next()) {
         case JsonWalk::Step::end:
-            throw DataError("", walk_.in_string() ? "a JSON string does not end"
-                                                  : "the JSON object does not end");
+            refuse("", walk_.in_string() ? "a JSON string does not end"
+                                         : "the JSON object does not end");
         case JsonWalk::Step::open:
             levels_.push_back({walk_.token() == "{", names_.size(), name_});
             break;
@@ -80,7 +88,7 @@ class JsonLook {
 
     void close(bool object) {
         if (levels_.back().object != object) {
-            throw DataError("", "the JSON brackets do not match");
+            refuse("", "the JSON brackets do not match");
         }
         names_.resize(levels_.back().names);
         levels_.pop_back();
@@ -101,7 +109,7 @@ class JsonLook {
         const auto name = json_string(walk_.token());
         // No node's name needs an escape.
         if (!name || name->find_first_of("\"\\") != name->npos || has_control(*name)) {
-            throw DataError(path(content), "unknown node");
+            refuse(path(content), "unknown node");
         }
         const std::size_t begin = place_of(content);
         document_.append(text_, copied_, begin - copied_).append(*name);
@@ -116,11 +124,11 @@ class JsonLook {
 
     void member() {
         if (++members_ > max_entry_nodes) {
-            throw DataError("", "more than " + std::to_string(max_entry_nodes) + " members");
+            refuse("", "more than " + std::to_string(max_entry_nodes) + " members");
         }
         std::string_view name = plain_name();
         if (name.substr(0, 1) == "@") {
-            throw DataError(path(name), "unknown node: an annotation");
+            refuse(path(name), "unknown node: an annotation");
         }
         if (name.size() > module_.size() && name[module_.size()] == ':' &&
             name.substr(0, module_.size()) == module_) {
@@ -128,7 +136,7 @@ class JsonLook {
         }
         const auto first = names_.begin() + static_cast<std::ptrdiff_t>(levels_.back().names);
         if (std::find(first, names_.end(), name) != names_.end()) {
-            throw DataError(path(name), "the node is given more than once");
+            refuse(path(name), "the node is given more than once");
         }
         names_.push_back(name);
         name_ = name;

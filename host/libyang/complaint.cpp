@@ -1,6 +1,7 @@
 #include "host/libyang/complaint.h"
 
 #include <algorithm>
+#include <charconv>
 #include <iterator>
 #include <optional>
 
@@ -67,6 +68,14 @@ std::optional<std::string_view> value(std::string_view message) {
     return message.substr(start, message.rfind('"') - start);
 }
 
+/// Where the parser was; 0 when nothing tells.
+std::uint64_t line(std::string_view path) {
+    const std::string_view digits = between(path, "line number ", ".");
+    std::uint64_t line = 0;
+    (void)std::from_chars(digits.data(), digits.data() + digits.size(), line);
+    return line;
+}
+
 std::string sentence(std::string_view message) {
     if (!message.empty() && message.back() == '.') {
         message.remove_suffix(1);
@@ -107,7 +116,7 @@ DataError complaint(const LibyangError &error, const SchemaNode &entry) {
                                                            ? "expected an array of objects"
                                                            : "expected an object"};
     }
-    return {below, sentence(message)};
+    return {below, sentence(message), line(error.path)};
 }
 
 } // namespace aceconv

@@ -103,6 +103,17 @@ const Place places[] = {
      "/u[n=\"a'\"]/x", 2},
     {Format::xml, "<entry><u><n>a</n></u>\n<u><n>a</n>\n</u></entry>", "/u[n='a']", 2},
     {Format::xml, "<entry>\n<grant>\n</entry>", "/grant", 2}, // as far as it can be read
+    {Format::json, "{\n\"grant\":1}", "", 1},
+    {Format::json, "{\n\"grant\":1}", "/remark", 1},
+    {Format::json, "{\"t\":{\"x\":[\n{}]},\n\"m:t\":{\"y\":\"\n\",\n\"\\u0078\":1},\"x\":2}",
+     "/t/x", 5},
+    {Format::json, "{\"u\":[{\"n\":\"a'\",\n\"x\":1},{\"n\":\"b\",\n\"x\":1},\n{\"x\":1}]}",
+     "/u[n='b']/x", 3},
+    {Format::json, "{\"u\":[{\"n\":\"a'\",\n\"x\":1},{\"n\":\"b\",\n\"x\":1}]}", "/u[n=\"a'\"]/x",
+     2},
+    {Format::json, "{\"u\":[{\"n\":\"a\"},\n{\"n\":\"a\"\n}]}", "/u[n='a']", 2},
+    {Format::json, "{\"u\"\n:\n[]}", "/u", 1},
+    {Format::json, "]{{\"x\":[[{\n\"grant\":", "/grant", 1},
 };
 
 TEST(LineOfNode, IsThatOfTheLastNodeOfThePath) {
