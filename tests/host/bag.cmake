@@ -3,7 +3,8 @@ add_executable(bag_test
   bag_description_test.cpp
   bag_hostile_test.cpp
   debug_test.cpp
-  plugin_loader_test.cpp)
+  plugin_loader_test.cpp
+  ${PROJECT_SOURCE_DIR}/src/record/descriptor.cpp)
 if(NOT ACECONV_SANITIZE) # sanitizers bring an allocator of their own
   target_sources(bag_test PRIVATE bag_memory_test.cpp)
 endif()

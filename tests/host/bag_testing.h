@@ -1,5 +1,4 @@
-// Two descriptors and what the bag tests share. The access-list descriptor is
-// stated here once more on purpose: it is a stored format.
+// Two descriptors, the plug-in's and a small one, and what the bag tests share.
 #pragma once
 
 #include <algorithm>
@@ -13,41 +12,14 @@
 #include <string_view>
 #include <vector>
 
-#include "aceconv/ace_record.h"
+#include "aceconv/plugin.h"
 #include "host/bag_library.h"
 
 namespace bag_testing {
 
 using Bytes = std::vector<std::uint8_t>;
 
-inline constexpr std::uint64_t ace_offsets[] = {
-    0,   8,   16,  17,  18,  20,  24,  28,  32,  36,  40,  44,  48,  50,  52,  54,  56,
-    58,  60,  64,  68,  69,  70,  71,  72,  76,  80,  81,  82,  83,  84,  85,  86,  88,
-    90,  91,  92,  93,  94,  96,  100, 104, 108, 112, 120, 128, 136, 144, 152, 160, 168,
-    176, 184, 192, 200, 208, 216, 218, 220, 224, 232, 240, 242, 244, 260, 261};
-inline constexpr std::uint64_t udf_offsets[] = {0, 20, 24};
-inline constexpr std::uint64_t police_offsets[] = {0, 4, 8, 12};
-inline constexpr bag_layout ace_layouts[] = {
-    {2, 264, ace_offsets}, {12, 28, udf_offsets}, {13, 16, police_offsets}};
-inline const bag_descriptor ace = {
-    1,
-    "ipv4_acl_config_ace",
-    5,
-    1,
-    "ipv4_acl_bag_desc.dll",
-    ace_layouts,
-    "$14={ConfigurationMask}H{ConfigurationMask2}H{grant}C{proto_oper}C{protocol}I{protocol2}I"
-    "{saddr}N{smask}N{spfx_len}D{daddr}N{dmask}N{dpfx_len}D{sopr}C{sport1}I{sport2}I{dopr}C"
-    "{dport1}I{dport2}I{log}D{capture}b{dscp_op}C{dscp}C{dscp2}C{prec}C{tos_byte}C"
-    "{icmp_type_code}D{tcpflagsopr}C{tcpflags}C{tcpflags_mask}C{frags}C{igmp_type}C{plenopr}C"
-    "{plen1}I{plen2}I{ttloper}C{ttl1}C{ttl2}C{icmp_off}C{qos_group}I{nexthop}C{nexthop1}N"
-    "{nexthop2}N{nexthop3}N{vrf1}s{vrf2}s{vrf3}s{track1}s{track2}s{track3}s{net_src_obj}s"
-    "{net_dst_obj}s{port_src_obj}s{port_dst_obj}s{counter_name}s{remark}s{SequenceStr}s"
-    "{frag_offset_oper}C{frag_offset1}I{frag_offset2}I{UDF}a($12){SetTTL}I{FragmentFlags}C"
-    "{Police}$13{Priority}C{icmp_on}C;$12={UDFName}17x{UDFValue}D{UDFMask}D;$13={PoliceValue}D"
-    "{PoliceUnit}[bag_acl_rate_unit]e{PolicePeakValue}D{PolicePeakUnit}[bag_acl_rate_unit]e;",
-    "$14=HHCCIINNDNNDCIICIIDbCCCCCDCCCCCCIICCCCICNNNsssssssssssssCIIa($12)IC$13.CC;$12=17xDD;"
-    "$13=DeDe;"};
+inline const bag_descriptor &ace = ipv4_acl_config_ace_bag;
 
 /// Every kind of member, an array of elements that own strings, a sub-record
 /// that owns one.
