@@ -100,4 +100,5 @@ def main():
         sys.stdout.write(json.dumps(convert(json.loads(line), table, [])) + "\n")
 
 
-main()
+if __name__ == "__main__":
+    main()
