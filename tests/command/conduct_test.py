@@ -209,6 +209,32 @@ class KeepGoing(Case):
         self.assertEqual(code, 2)
         self.assertEqual(len(json.loads(out)["aceconv-base:acls"]["acl"][0]["entry"]), 1)
 
+    def test_bad_encodings_in_diff(self):
+        label, raw = b"\x83\x61X%c\x64base", self.ok("encode", "--no-labels", stdin='{"grant":"deny"}')
+        other = self.ok("encode", "--no-labels", stdin='{"grant":"permit"}')
+        ten, twenty, more = (label % number + raw for number in (10, 20, 21))
+        bad = label % 20 + b"\xc6" + raw
+        said = ":#2: acl 'X' entry 20: byte 0: a tag"
+        for a, b, faults, told in (
+                (ten + bad + more, ten + twenty + more, ["a" + said], "6 entries, 1 error"),
+                (ten + bad, ten + bad + more, ["a" + said, "b" + said], "5 entries, 2 errors"),
+                (ten, ten + bad, ["b" + said], "3 entries, 1 error"),
+                (ten + twenty[:-1], ten + twenty, ["a:#2: acl 'X' entry 20: the encoding at"],
+                 "3 entries, 1 error"),
+                (b"\xc6" + raw + other, raw + other, ["a:#1: byte 0: a tag"], "4 entries, 1 error")):
+            with self.subTest(faults=faults):
+                paths = self.file("a", a), self.file("b", b)
+                code, out, err = self.run_command("diff", "--keep-going", *paths)
+                only = b"acl 'X' entry 21: + only in " + paths[1].encode() + b"\n"
+                self.assertEqual((code, out), (2, only if more in b and more not in a else b""))
+                self.assertEqual(len(err.splitlines()), len(faults))
+                for line, fault in zip(sorted(err.splitlines()), faults):
+                    self.assertIn(f"{self.dir}/{fault}", line)
+                self.assertIn(f"aceconv: {told}; ", self.summary)
+                code, out, err = self.run_command("diff", *paths)
+                self.assertEqual((code, out, err.count("\n")), (2, b"", 1))
+                self.assertIn("aceconv: stopped: ", self.summary)
+
     def test_stops_at_the_first_without(self):
         code, out, err = self.run_command("encode", stdin=self.LINES)
         self.assertEqual((code, err.count("\n")), (2, 1))

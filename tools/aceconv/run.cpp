@@ -24,7 +24,8 @@ Run::Run(const CommonOptions &common, const InputOptions &input, const std::stri
     : common_(common), input_(input), lists_(lists), setup_(start(common)), source_(input, meter_),
       progress_(progress_shown(common, output), meter_) {}
 
-void Run::begin(Work work, unsigned jobs) {
+void Run::begin(Work work, unsigned jobs, OnFault on_fault) {
+    on_fault_ = std::move(on_fault);
     const bool traced = !common_.trace.empty(); // the trace stays in order
     stream_ = std::make_unique<EntryStream>(
         source_, setup_, traced ? 1 : jobs,
@@ -87,6 +88,15 @@ void Run::fail(const Entry &entry, const DataError &fault) {
     FaultReport(file(entry.position)).add(entry.position, entry.key, fault);
     ++tally_.errors;
     stopped_ = over_ = !common_.keep_going;
+    if (on_fault_) {
+        on_fault_(entry, fault);
+    }
+}
+
+void Run::merge(const Run &other) {
+    tally_.entries += other.tally_.entries;
+    tally_.errors += other.tally_.errors;
+    stopped_ = stopped_ || other.stopped_;
 }
 
 void Run::each(Work work, const Emit &emit) {

@@ -22,6 +22,8 @@ class Run {
   public:
     /// Takes what the entry was made into to where it goes, in the input's order.
     using Emit = std::function<void(const Entry &, Product &)>;
+    /// Is told of each fault that is reported.
+    using OnFault = std::function<void(const Entry &, const DataError &)>;
 
     /// Loads the plug-in; `output` is where the product goes. Throws IoError and
     /// UsageError.
@@ -38,7 +40,7 @@ class Run {
     [[nodiscard]] std::string shown(const Entry &entry) const;
 
     /// Sets the conversion going on up to `jobs` threads.
-    void begin(Work work, unsigned jobs);
+    void begin(Work work, unsigned jobs, OnFault on_fault = {});
     /// The next good entry; faults are reported. Null at the end, or behind the
     /// first fault unless it is to keep going. Throws UsageError for an entry whose
     /// meaning depends on a schema that is not known.
@@ -54,6 +56,8 @@ class Run {
         return stopped_ || (tally_.errors != 0 && tally_.entries == 0);
     }
     [[nodiscard]] Tally &tally() { return tally_; }
+    /// Makes the other run's account a part of this one's.
+    void merge(const Run &other);
 
     /// Says the summary, unless it is to be quiet; returns the exit code.
     int conclude();
@@ -70,6 +74,7 @@ class Run {
     Inputs source_;
     Progress progress_;
     std::unique_ptr<EntryStream> stream_;
+    OnFault on_fault_;
     SequenceNumbers used_;
     std::size_t used_in_ = 0;          // the input that they stand in
     std::optional<std::size_t> ended_; // the input of which no more entries are taken

@@ -1,6 +1,7 @@
 // aceconv diff: two inputs by what their entries mean.
 #include <algorithm>
 #include <map>
+#include <set>
 #include <tuple>
 #include <unistd.h>
 
@@ -31,9 +32,16 @@ class Side {
     Side(const CommonOptions &common, const InputOptions &options)
         : run_(common, options, "-", Lists::joined) {
         const auto encode = [](Codec &codec, Entry &entry, Product &product) {
+            if (!entry.format) { // bad data even if the other side has no such entry
+                static_cast<void>(DecodedRecord(codec.descriptor(), entry.encoding));
+            }
             append(product.bytes, codec.encode(entry));
         };
-        run_.begin(encode, (common.jobs + 1) / 2);
+        run_.begin(encode, (common.jobs + 1) / 2,
+                   [this](const Entry &entry, const DataError &fault) {
+                       bad_.insert(key_of(entry));
+                       whole_ = whole_ && dynamic_cast<const StreamError *>(&fault) == nullptr;
+                   });
     }
 
     /// The next entry, which is then among the waiting ones; false at the end.
@@ -43,10 +51,7 @@ class Side {
             return false;
         }
         const Entry &entry = item->entry;
-        key = {entry.key.acl, entry.key.sequence, 0};
-        if (!entry.key.acl || !entry.key.sequence) {
-            std::get<2>(key) = ++unnamed_[{entry.key.acl, entry.key.sequence}];
-        }
+        key = key_of(entry);
         waiting_[key] = {entry.key,
                          entry.position,
                          entry.schema,
@@ -54,14 +59,28 @@ class Side {
         return true;
     }
 
+    /// Whether this side has no such entry, not even a bad one.
+    [[nodiscard]] bool lacks(const PairKey &key) const { return whole_ && !bad_.contains(key); }
+
     [[nodiscard]] std::map<PairKey, Encoded> &waiting() { return waiting_; }
     [[nodiscard]] Run &run() { return run_; }
 
   private:
+    /// To be called once for each entry.
+    PairKey key_of(const Entry &entry) {
+        PairKey key = {entry.key.acl, entry.key.sequence, 0};
+        if (!entry.key.acl || !entry.key.sequence) {
+            std::get<2>(key) = ++unnamed_[{entry.key.acl, entry.key.sequence}];
+        }
+        return key;
+    }
+
     Run run_;
     std::map<std::pair<std::optional<std::string>, std::optional<std::uint32_t>>, std::uint64_t>
         unnamed_;
     std::map<PairKey, Encoded> waiting_;
+    std::set<PairKey> bad_;
+    bool whole_ = true; // nothing of the input was left unread
 };
 
 class Comparison {
@@ -81,10 +100,12 @@ class Comparison {
         right.waiting().erase(b);
     }
 
-    void rest(Side &side, const std::string &mark) {
+    void rest(Side &side, const Side &other, const std::string &mark) {
         for (const auto &[key, entry] : side.waiting()) {
-            ++different_;
-            write(entry, mark + " only in " + side.run().file());
+            if (other.lacks(key)) {
+                ++different_;
+                write(entry, mark + " only in " + side.run().file());
+            }
         }
     }
 
@@ -140,25 +161,26 @@ int run_diff(const DiffOptions &options) {
     unseen.progress = false;
     Side right(unseen, options.right);
     Comparison comparison(left.run().descriptor());
-    for (bool more = true; more;) {
+    const auto stopped = [&] {
+        return !options.common.keep_going &&
+               left.run().tally().errors + right.run().tally().errors != 0;
+    };
+    for (bool more = true; more && !stopped();) {
         more = false;
         for (Side *side : {&left, &right}) {
             PairKey key;
-            if (!side->advance(key)) {
+            if (stopped() || !side->advance(key)) {
                 continue;
             }
             more = true;
             comparison.pair(key, left, right);
         }
     }
-    Tally &tally = left.run().tally();
-    const Tally &other = right.run().tally();
-    tally.entries += other.entries;
-    tally.errors += other.errors;
-    if (tally.errors == 0 || options.common.keep_going) {
-        comparison.rest(left, comparison.style().red("-"));
-        comparison.rest(right, comparison.style().green("+"));
+    if (!stopped()) {
+        comparison.rest(left, right, comparison.style().red("-"));
+        comparison.rest(right, left, comparison.style().green("+"));
     }
+    left.run().merge(right.run());
     const int status = comparison.finish();
     return std::max(left.run().conclude(), status);
 }
