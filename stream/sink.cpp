@@ -1,6 +1,5 @@
 #include "stream/sink.h"
 
-#include <libxml/tree.h>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <set>
@@ -14,15 +13,8 @@
 namespace aceconv {
 namespace {
 
-std::string json_quoted(const std::string &text) {
+std::string json_quoted(std::string_view text) {
     return nlohmann::json(text).dump();
-}
-
-std::string xml_escaped(const std::string &text) {
-    const std::unique_ptr<xmlChar, void (*)(xmlChar *)> escaped(
-        xmlEncodeSpecialChars(nullptr, reinterpret_cast<const xmlChar *>(text.c_str())),
-        [](xmlChar *p) { xmlFree(p); });
-    return escaped ? reinterpret_cast<const char *>(escaped.get()) : "";
 }
 
 /// The pieces of a document around its entries; `%` stands for the list's name,
@@ -31,7 +23,7 @@ struct Frame {
     std::string_view open, close, empty;
     std::string_view begin_list, end_list, between_lists, between_entries;
     std::string_view (*schema_text)(Schema);
-    std::string (*quoted)(const std::string &);
+    std::string (*quoted)(std::string_view);
     bool one_bare_entry; // there is no room for more than one outside a document
 };
 

@@ -1,6 +1,9 @@
 #include "stream/text.h"
 
+#include <algorithm>
 #include <array>
+#include <iterator>
+#include <utility>
 
 #include "host/utf8.h"
 
@@ -42,6 +45,23 @@ std::string printable(std::string_view text) {
         --end;
     }
     return escaped(text.substr(0, end)) + "...";
+}
+
+std::string xml_escaped(std::string_view text) {
+    constexpr std::pair<char, const char *> references[] = {
+        {'&', "&amp;"}, {'<', "&lt;"},   {'>', "&gt;"},  {'"', "&quot;"},
+        {'\t', "&#9;"}, {'\n', "&#10;"}, {'\r', "&#13;"}};
+    std::string written;
+    for (const char c : text) {
+        const auto *reference = std::find_if(std::begin(references), std::end(references),
+                                             [&](const auto &row) { return row.first == c; });
+        if (reference == std::end(references)) {
+            written += c;
+        } else {
+            written += reference->second;
+        }
+    }
+    return written;
 }
 
 std::string list_name_fault(std::string_view name) {

@@ -20,6 +20,10 @@ std::string escaped(std::string_view text);
 /// The same, cut when it is long: data inside a message.
 std::string printable(std::string_view text);
 
+/// `text` for an element or an attribute in double quotes; what reading XML would
+/// change, ends of lines among it, as references.
+std::string xml_escaped(std::string_view text);
+
 /// The longest name of an access list, in bytes of UTF-8, in every format; so what is
 /// written in one can be read from any other.
 constexpr std::size_t max_list_name_bytes = 4096;

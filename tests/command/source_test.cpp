@@ -65,6 +65,20 @@ const Input chunk_inputs[] = {
     {"<acls xmlns='urn:aceconv:um'>\n<acl><name>A</name>\n<entry><remark>a</remark></entry></acl>"
      "</acls>",
      "A@3 <entry xmlns=\"urn:aceconv:um\"><remark>a</remark></entry>\n"},
+    // As it is written, with what is declared around it.
+    {"<a:acls xmlns:a='urn:aceconv:um' xmlns:b='\"&amp;' xmlns='urn:x'><a:acl xmlns:b='v'>\r\n"
+     "<a:entry\txmlns='u'><![CDATA[]]]]>&#13;\r\n<!---->\xC3\xA9</a:entry >\n<a:entry/>"
+     "<a:name>N&amp;<!--\n-->M</a:name><a:entry "
+     "/></a:acl><a:acl><a:name>O</a:name></a:acl></a:acls>",
+     "N&M@2 <a:entry xmlns:b=\"v\" "
+     "xmlns:a=\"urn:aceconv:um\"\txmlns='u'><![CDATA[]]]]>&#13;\r\n<!---->\xC3\xA9</a:entry >\n"
+     "N&M@4 <a:entry xmlns:b=\"v\" xmlns=\"urn:x\" xmlns:a=\"urn:aceconv:um\"/>\n"
+     "N&M@5 <a:entry xmlns:b=\"v\" xmlns=\"urn:x\" xmlns:a=\"urn:aceconv:um\" />\n"},
+    {"<b:entry xmlns:b='urn:aceconv:base'\n><b:entry/></b:entry>\n<!-- -->",
+     "-@1 <b:entry xmlns=\"\" xmlns:b='urn:aceconv:base'\n><b:entry/></b:entry>\n"},
+    {"<acls xmlns='urn:aceconv:um'><acl><name>A</name><entry/>\n<x/></acl></acls>",
+     "A@1 <entry xmlns=\"urn:aceconv:um\"/>\n@2 /aceconv-um:acls/acl[name='A']: unknown element "
+     "'x'"},
 };
 
 TEST(Source, ChunksMayEndAnywhere) {
@@ -94,7 +108,8 @@ struct Place {
 const Place places[] = {
     {Format::xml, "<entry>\n<grant/></entry>", "", 1},
     {Format::xml, "<entry>\n<grant/></entry>", "/remark", 1},
-    {Format::xml, "<e:entry>\n<e:tcp>\r\n<e:tcp-bits/></e:tcp></e:entry>", "/tcp/tcp-bits", 3},
+    {Format::xml, "<e:entry xmlns:e='u'>\n<e:tcp>\r\n<e:tcp-bits/></e:tcp></e:entry>",
+     "/tcp/tcp-bits", 3},
     {Format::xml, "<entry><remark>\n</remark><remark/>\n<tcp/></entry>", "/remark", 2},
     {Format::xml, "<entry><tcp><!--\n--><x\n/></tcp><x/></entry>", "/tcp/x", 2},
     {Format::xml, "<entry><u><n>a'</n>\n<x/></u><u>\n<n>b</n><x/></u>\n<u><x/></u></entry>",
