@@ -6,12 +6,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
 #include "stream/errors.h"
+#include "stream/files_in_use.h"
 
 namespace aceconv {
 namespace {
@@ -66,27 +66,29 @@ void install_signal_handlers() {
     }
 }
 
-Output::Output(const std::string &path) : path_(path) {
+Output::Output(const std::string &path, ReaderGone gone)
+    : path_(path == "-" ? "<stdout>" : path), gone_(gone) {
     buffer_.reserve(buffer_bytes);
-    if (path == "-") {
-        path_ = "<stdout>";
-        fd_ = STDOUT_FILENO;
-        return;
-    }
+    const Place place = path == "-" ? Place{"", STDOUT_FILENO} : find_place(path);
+    target_ = place.target;
     struct stat status {};
-    const bool there = stat(path.c_str(), &status) == 0;
-    if (there && !S_ISREG(status.st_mode)) {
-        fd_ = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+    const bool there = !place.descriptor && stat(target_.c_str(), &status) == 0;
+    if (place.descriptor) {
+        fd_ = *place.descriptor;
+        own_ = false;
+    } else if (there && !S_ISREG(status.st_mode)) {
+        fd_ = open(target_.c_str(), O_WRONLY | O_CLOEXEC);
     } else {
-        std::error_code none;
-        target_ = there ? std::filesystem::canonical(path, none).string() : path;
-        const std::filesystem::path target(target_);
-        std::string name =
-            (target.parent_path() / ("." + target.filename().string() + ".XXXXXX")).string();
+        const std::size_t name_at = target_.rfind('/') + 1; // npos + 1 is 0
+        std::string name = target_.substr(0, name_at) + "." + target_.substr(name_at) + ".XXXXXX";
         fd_ = mkostemp(name.data(), O_CLOEXEC);
         if (fd_ >= 0) {
             temporary_ = name;
             remember(temporary_.c_str());
+            if (there) {
+                static_cast<void>(fchown(fd_, status.st_uid, status.st_gid) == 0 ||
+                                  fchown(fd_, static_cast<uid_t>(-1), status.st_gid) == 0);
+            }
             (void)fchmod(fd_, there ? status.st_mode & 0777 : 0666 & ~current_umask());
         }
     }
@@ -100,12 +102,15 @@ Output::~Output() {
         unlink(temporary_.c_str());
         forget(temporary_.c_str());
     }
-    if (fd_ >= 0 && fd_ != STDOUT_FILENO) {
+    if (own_ && fd_ >= 0) {
         close(fd_);
     }
 }
 
 void Output::write(std::string_view bytes) {
+    if (closed_) {
+        return;
+    }
     buffer_ += bytes;
     empty_ = empty_ && bytes.empty();
     if (buffer_.size() >= buffer_bytes) {
@@ -120,12 +125,17 @@ void Output::flush() {
         if (written >= 0) {
             rest.remove_prefix(static_cast<std::size_t>(written));
         } else if (errno == EPIPE) {
-            throw PipeClosed();
+            closed_ = true;
+            rest = {};
         } else if (errno != EINTR) {
             throw IoError(path_ + ": cannot write: " + std::strerror(errno));
         }
     }
+    const bool ended = closed_ && !buffer_.empty() && gone_ == ReaderGone::ends;
     buffer_.clear();
+    if (ended) {
+        throw PipeClosed();
+    }
 }
 
 void Output::commit() {

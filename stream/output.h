@@ -7,17 +7,24 @@
 
 namespace aceconv {
 
+/// What the end of an output's reader means: the end of the run, or nothing, since
+/// the run goes on for its exit code.
+enum class ReaderGone { ends, is_ignored };
+
 class Output {
   public:
     /// "-" is standard output. A regular file, or one that is not there yet, is
-    /// written beside its place; a device or a pipe is written to directly.
-    explicit Output(const std::string &path);
+    /// written beside its place, and takes over the mode and, if it may, the owner of
+    /// the one that it replaces; a link to nothing creates what it leads to. A device,
+    /// a pipe, and what names a descriptor (/dev/stdout) are written to directly.
+    explicit Output(const std::string &path, ReaderGone gone = ReaderGone::ends);
     /// Leaves no trace of a file that was not committed.
     ~Output();
     Output(const Output &) = delete;
     Output &operator=(const Output &) = delete;
 
-    /// Throws IoError, and PipeClosed when the reader has gone.
+    /// Throws IoError, and PipeClosed when the reader has gone and that ends the run;
+    /// nothing is written from then on.
     void write(std::string_view bytes);
     /// Hands over everything that has been written, now.
     void flush();
@@ -31,11 +38,14 @@ class Output {
 
   private:
     std::string path_;
-    std::string target_;    // path_ with symbolic links resolved
+    std::string target_;    // path_ with symbolic links followed
     std::string temporary_; // empty when written directly
     std::string buffer_;
     int fd_ = -1;
-    bool empty_ = true; // nothing has been written
+    bool own_ = true; // the descriptor is to be closed
+    const ReaderGone gone_;
+    bool closed_ = false; // there is no reader any more
+    bool empty_ = true;   // nothing has been written
 };
 
 /// Removes unfinished files when the program is told to stop.

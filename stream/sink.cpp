@@ -200,15 +200,4 @@ std::unique_ptr<Sink> make_sink(OutputFormat format, Schema schema, Output &outp
     return std::make_unique<EncodingSink>(format == OutputFormat::cbor, output);
 }
 
-bool finish(Output &output, Sink &sink, bool stopped) {
-    if (!stopped) {
-        sink.close();
-        output.commit();
-    } else if (output.visible() && !output.empty()) {
-        sink.close();
-        output.flush();
-    }
-    return !stopped;
-}
-
 } // namespace aceconv

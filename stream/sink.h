@@ -33,8 +33,4 @@ class Sink {
 /// one's; `schema` is that of an output without entries.
 std::unique_ptr<Sink> make_sink(OutputFormat format, Schema schema, Output &output);
 
-/// Completes the output of a run. When it was `stopped` by a fault, a file is
-/// dropped, while what readers can see already is made whole; returns false then.
-bool finish(Output &output, Sink &sink, bool stopped);
-
 } // namespace aceconv

@@ -11,6 +11,7 @@ import unittest
 from harness import ACECONV, Case, document, numbered
 
 GOOD = {"grant": "deny", "remark": "r"}
+LOSSY = {"permit": {"police": {"value": 1}}}  # the base schema has no police
 DOC = document("base", ("X", numbered(GOOD)))
 BASE = '{"aceconv-base:acls":{"acl":['
 ENTRY = '{"sequence-number":10,"grant":"deny"}'
@@ -283,21 +284,63 @@ class Output(Case):
         old = self.file("old", "old content")
         for target in (old, str(self.dir / "new")):
             for args in (("encode", bad), ("inspect", bad),
-                         ("convert", "--from", "base", "--to", "um", "--report", target, bad)):
+                         ("convert", "--from", "base", "--to", "um", "--report", target + "2", bad)):
                 self.assertEqual(self.run_command(*args, "-o", target)[0], 2)
         self.assertEqual(self.left(), ["bad", "old"])
         with open(old, encoding="utf-8") as file:
             self.assertEqual(file.read(), "old content")
 
-    def test_replaces_in_place_and_keeps_links_and_modes(self):
-        doc = self.file("doc", DOC)
-        os.chmod(doc, 0o640)
+    def test_replaces_in_place_and_keeps_links_modes_and_owners(self):
+        doc, old = self.file("doc", DOC), self.file("old", "")
+        owner = (os.geteuid() and os.getuid()) or 4711
+        os.chown(old, owner, -1)
+        os.chmod(old, 0o640)
+        os.symlink("old", self.dir / "link")
+        os.symlink("link", self.dir / "links")
+        os.symlink(self.dir / "new", self.dir / "dangling")
+        for link in ("links", "dangling"):
+            self.ok("convert", "--from", "base", "--to", "um", doc, "-o", self.dir / link)
+            self.assertTrue(os.path.islink(self.dir / link))
+        self.assertEqual((os.stat(old).st_mode & 0o777, os.stat(old).st_uid), (0o640, owner))
+        self.assertEqual([len(self.records(self.dir / name)) for name in ("old", "new")], [1, 1])
+        self.assertEqual(self.left(), ["dangling", "doc", "link", "links", "new", "old"])
+
+    def test_a_file_has_one_part_in_a_run(self):
+        doc, stored = self.file("doc", DOC), self.file("stored", self.ok("encode", stdin=DOC))
         os.symlink("doc", self.dir / "link")
-        self.ok("convert", "--from", "base", "--to", "um", doc, "-o", self.dir / "link")
-        self.assertTrue(os.path.islink(self.dir / "link"))
-        self.assertEqual(os.stat(doc).st_mode & 0o777, 0o640)
-        self.assertEqual(len(self.records(doc)), 1)
-        self.assertEqual(self.left(), ["doc", "link"])
+        os.link(doc, self.dir / "hard")
+        os.symlink("new", self.dir / "dangling")
+        doc_only, report = ("convert", "--from", "base", "--to", "um", "doc"), "--report"
+        for args in ((*doc_only, "-o", "doc"), (*doc_only, "-o", "link"), (*doc_only, "-o", "./hard"),
+                     (*doc_only, report, "link"), (*doc_only, "-o", "new", report, "new"),
+                     (*doc_only, "-o", "new", report, "dangling"), (*doc_only, report, "/dev/fd/1"),
+                     (*doc_only, report, "-"), (*doc_only, "link", "-o", "../%s/doc" % self.dir.name),
+                     ("encode", "doc", "--stored", "stored", "-o", "stored"),
+                     ("inspect", "stored", "doc", "-o", "hard")):
+            code, out, err = self.run_command(*args, cwd=self.dir)
+            self.assertEqual((code, out), (2, b""), args)
+            self.assertRegex(err, " to be (written twice|read and written at once)\naceconv: see ")
+        with open(doc, "r+b") as file:
+            for verb in (("check",), ("diff", doc)):  # standard input and output of one file
+                done = subprocess.run([ACECONV, *verb, "-"], stdin=file, stdout=file, check=False,
+                                      stderr=subprocess.PIPE)
+                self.assertEqual((done.returncode, b"<stdout>" in done.stderr), (2, True))
+        self.assertEqual(self.left(), ["dangling", "doc", "hard", "link", "stored"])
+        self.ok(*doc_only, "-o", "/dev/null", report, "/dev/null", cwd=self.dir)
+        self.assertEqual(open(doc, encoding="utf-8").read(), DOC)
+
+    def test_standard_output_by_another_name(self):
+        """What the shell and its other commands have written stays."""
+        doc = self.file("doc", DOC)
+        for name in ("/dev/stdout", "/dev/fd/1", "/proc/self/fd/1"):
+            for redirection in (">> log", "> log"):
+                self.file("log", "")
+                script = 'cd "$0" && { echo before; "$@"; echo behind; } ' + redirection
+                done = subprocess.run(["sh", "-c", script, self.dir, ACECONV, "decode", "-q", "-o", name],
+                                      input=self.ok("encode", doc), check=False)
+                text = (self.dir / "log").read_text()
+                self.assertEqual((done.returncode, text[:7], text[-7:]), (0, "before\n", "behind\n"))
+                self.assertEqual(len(self.records(stdin=text[7:-7])), 1)
 
     def test_told_to_stop(self):
         for sign in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
@@ -322,6 +365,30 @@ class Output(Case):
                 process.stdout.read(10)
                 process.stdout.close()
                 self.assertEqual((process.stderr.read(), process.wait(60)), (b"", 0))
+
+    def test_a_closed_pipe_hides_no_verdict(self):
+        many = self.file("many", document("um", ("X", numbered(*[LOSSY] * 4000))))
+        base = self.file("base", document("base", ("X", numbered(*[GOOD] * 4000))))
+        bad = self.file("bad", '{"grant":"drop"}\n{"grant":"deny"}\n')
+        for code, args in ((1, ("diff", many, base)), (0, ("diff", base, base)), (0, ("check", many)),
+                           (1, ("check", self.file("lossy", '{"permit":{},"deny":{}}'))),
+                           (1, ("convert", "--strict", "--from", "um", "--to", "base", many)),
+                           (0, ("convert", "--from", "um", "--to", "base", many)),
+                           (2, ("inspect", "--keep-going", "--schema", "base", bad))):
+            with self.subTest(args):
+                with subprocess.Popen([ACECONV, *args], stdout=subprocess.PIPE,
+                                      stderr=subprocess.DEVNULL) as process:
+                    process.stdout.close()
+                    self.assertEqual(process.wait(60), code)
+        report = self.dir / "report"  # a reader of the report goes, and the output is whole
+        os.mkfifo(report)
+        out = self.dir / "out"
+        with subprocess.Popen([ACECONV, "convert", "-q", "--no-losses", "--from", "um", "--to", "base",
+                               many, "-o", out, "--report", report]) as process:
+            with open(report, "rb") as reader:
+                reader.read(10)
+            self.assertEqual(process.wait(60), 0)
+        self.assertEqual(len(self.records(out)), 4000)
 
 
 class Terminal(Case):

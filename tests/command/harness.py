@@ -53,9 +53,9 @@ class Case(unittest.TestCase):
         said = said[:len(said) - len(self.summary)]
         return done.returncode, done.stdout, said
 
-    def ok(self, *args, stdin=b""):
+    def ok(self, *args, stdin=b"", **more):
         """Standard output of a run that must succeed and say nothing."""
-        code, out, err = self.run_command(*args, stdin=stdin)
+        code, out, err = self.run_command(*args, stdin=stdin, **more)
         self.assertEqual((code, err), (0, ""), args)
         return out
 

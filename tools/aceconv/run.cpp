@@ -17,11 +17,21 @@ bool progress_shown(const CommonOptions &common, const std::string &output) {
     return common.progress || (!common.quiet && isatty(STDERR_FILENO) == 1 && !shared);
 }
 
+FilesInUse files_of(const std::vector<std::string> &inputs, const std::string &output) {
+    FilesInUse files;
+    for (const std::string &path : inputs) {
+        files.reads(path);
+    }
+    files.writes(output);
+    return files;
+}
+
 } // namespace
 
 Run::Run(const CommonOptions &common, const InputOptions &input, const std::string &output,
          Lists lists)
-    : common_(common), input_(input), lists_(lists), setup_(start(common)), source_(input, meter_),
+    : common_(common), input_(input), lists_(lists), files_(files_of(input.paths, output)),
+      setup_(start(common)), source_(input, meter_),
       progress_(progress_shown(common, output), meter_) {}
 
 void Run::begin(Work work, unsigned jobs, OnFault on_fault) {
@@ -110,12 +120,27 @@ void Run::each(Work work, const Emit &emit) {
             emit(item->entry, item->product);
         } catch (const DataError &fault) {
             fail(item->entry, fault);
+        } catch (const PipeClosed &) {
+            closed_ = over_ = true;
         }
     }
 }
 
+void Run::finish(Output &output, Sink *sink) {
+    try {
+        if (sink != nullptr && (!stopped() || (output.visible() && !output.empty()))) {
+            sink->close();
+        }
+        if (!stopped() || output.visible()) {
+            output.commit();
+        }
+    } catch (const PipeClosed &) {
+        closed_ = true;
+    }
+}
+
 int Run::conclude() {
-    if (!common_.quiet && (tally_.entries != 0 || tally_.errors == 0)) {
+    if (!common_.quiet && !closed_ && (tally_.entries != 0 || tally_.errors == 0)) {
         say((stopped_ ? "stopped: " : "") + summary(tally_, progress_.seconds()));
     }
     return tally_.errors == 0 ? exit_ok : exit_trouble;

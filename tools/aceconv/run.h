@@ -5,7 +5,9 @@
 #include <memory>
 #include <string>
 
+#include "stream/files_in_use.h"
 #include "stream/sequence_numbers.h"
+#include "stream/sink.h"
 #include "tools/aceconv/entry_stream.h"
 #include "tools/aceconv/inputs.h"
 #include "tools/aceconv/options.h"
@@ -51,10 +53,18 @@ class Run {
     /// All three for every entry, `jobs` as the options have it.
     void each(Work work, const Emit &emit);
 
-    /// It ended at a fault, or there was nothing but faults: the output is no result.
+    /// It ended at a fault, there was nothing but faults, or nobody is left to read
+    /// the output: it is no result.
     [[nodiscard]] bool stopped() const {
-        return stopped_ || (tally_.errors != 0 && tally_.entries == 0);
+        return stopped_ || closed_ || (tally_.errors != 0 && tally_.entries == 0);
     }
+    /// Completes the output of the run. When it was stopped, a file is dropped, while
+    /// what readers can see already is made whole.
+    void finish(Output &output, Sink *sink = nullptr);
+    /// Other files of the run beside its inputs and its output. Throw UsageError when
+    /// one of them is in use already.
+    void also_reads(const std::string &path) { files_.reads(path); }
+    void also_writes(const std::string &path) { files_.writes(path); }
     [[nodiscard]] Tally &tally() { return tally_; }
     /// Makes the other run's account a part of this one's.
     void merge(const Run &other);
@@ -69,6 +79,7 @@ class Run {
     const CommonOptions common_;
     const InputOptions input_;
     const Lists lists_;
+    FilesInUse files_;
     const CodecSetup setup_;
     const std::shared_ptr<InputMeter> meter_ = std::make_shared<InputMeter>();
     Inputs source_;
@@ -80,6 +91,7 @@ class Run {
     std::optional<std::size_t> ended_; // the input of which no more entries are taken
     Tally tally_;
     bool over_ = false;    // no more entries are taken
+    bool closed_ = false;  // the reader of the output has gone, and that ends it
     bool stopped_ = false; // at a fault, since it was not to keep going
 };
 

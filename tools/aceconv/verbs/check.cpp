@@ -40,7 +40,7 @@ std::vector<Change> check(Codec &codec, const RecordView &view, Entry &entry) {
 int run_check(const CheckOptions &options) {
     Run run(options.common, options.input, "-", Lists::apart);
     const RecordView view(run.descriptor());
-    Output output("-");
+    Output output("-", ReaderGone::is_ignored);
     const Style style(STDOUT_FILENO);
     std::uint64_t changed = 0;
     run.each([&view](Codec &codec, Entry &entry,
@@ -55,7 +55,7 @@ int run_check(const CheckOptions &options) {
         output.write(counted(run.tally().entries, "entry", "entries") + " checked, " +
                      counted(changed, "does", "do") + " not come back the same\n");
     }
-    output.commit();
+    run.finish(output);
     return std::max<int>(changed != 0 ? exit_verdict : exit_ok, run.conclude());
 }
 

@@ -78,7 +78,8 @@ void convert(Codec &codec, const RecordView &view, Entry &entry, Schema to, Form
 /// The losses as a JSON document, written as they come.
 class LossReport {
   public:
-    LossReport(const std::string &path, Schema from, Schema to) : output_(path) {
+    LossReport(const std::string &path, Schema from, Schema to)
+        : output_(path, ReaderGone::is_ignored) {
         output_.write("{\"from\":\"" + std::string(schema_name(from)) + "\",\"to\":\"" +
                       std::string(schema_name(to)) + "\",\"losses\":[");
     }
@@ -105,15 +106,14 @@ int run_convert(const ConvertOptions &options) {
     if (from == to) {
         throw UsageError("--from and --to name the same schema");
     }
-    if (options.output == "-" && options.losses.report == "-") {
-        throw UsageError("the output and --report cannot both be standard output");
-    }
     Run run(options.common, options.input, options.output, Lists::joined);
     const RecordView view(run.descriptor());
-    Output output(options.output);
+    Output output(options.output,
+                  options.losses.strict ? ReaderGone::is_ignored : ReaderGone::ends);
     const auto sink = make_sink(options.format, to, output);
     std::optional<LossReport> report;
     if (!options.losses.report.empty()) {
+        run.also_writes(options.losses.report);
         report.emplace(options.losses.report, from, to);
     }
     Tally &tally = run.tally();
@@ -134,7 +134,8 @@ int run_convert(const ConvertOptions &options) {
                      }
                  }
              });
-    if (finish(output, *sink, run.stopped()) && report) {
+    run.finish(output, sink.get());
+    if (report && !run.stopped()) {
         report->finish(tally.entries, tally.entries_with_losses);
     }
     const bool failed = options.losses.strict && tally.losses != 0;

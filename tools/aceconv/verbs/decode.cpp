@@ -22,7 +22,7 @@ int run_decode(const DecodeOptions &options) {
         [&](const Entry &entry, const Product &product) {
             sink->write(entry.key, entry.schema, product.bytes);
         });
-    finish(output, *sink, run.stopped());
+    run.finish(output, sink.get());
     return run.conclude();
 }
 

@@ -145,7 +145,7 @@ class Comparison {
     RecordView view_;
     const bag_descriptor &descriptor_;
     Style style_{STDOUT_FILENO};
-    Output output_{"-"};
+    Output output_{"-", ReaderGone::is_ignored};
     std::uint64_t different_ = 0;
 };
 

@@ -53,6 +53,7 @@ int run_encode(const EncodeOptions &options) {
     }
     std::optional<StoredEncodings> stored;
     if (!options.stored.empty()) {
+        run.also_reads(options.stored);
         try {
             stored.emplace(options.stored, run.descriptor());
         } catch (const DataError &e) {
@@ -81,7 +82,7 @@ int run_encode(const EncodeOptions &options) {
         [&](const Entry &entry, const Product &product) {
             sink->write(entry.key, entry.schema, product.bytes);
         });
-    finish(output, *sink, run.stopped());
+    run.finish(output, sink.get());
     return run.conclude();
 }
 

@@ -107,9 +107,7 @@ int run_inspect(const InspectOptions &options) {
             }
             output.write(product.bytes);
         });
-    if (!run.stopped() || output.visible()) {
-        output.commit();
-    }
+    run.finish(output);
     return run.conclude();
 }
 
