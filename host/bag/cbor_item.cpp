@@ -50,65 +50,36 @@ cbor_callbacks make_callbacks() noexcept {
 
 const cbor_callbacks item_callbacks = make_callbacks();
 
-/// Reads a number, string, array or map whose head and content are complete, which
-/// is most of any encoding, and tags and simple values that have no meaning yet,
-/// which libcbor takes for malformed; false leaves the item to libcbor.
-bool read_plain(std::span<const std::uint8_t> bytes, Item &item) noexcept {
-    static constexpr ItemKind kinds[] = {ItemKind::number, ItemKind::other, ItemKind::bytes,
-                                         ItemKind::text,   ItemKind::array, ItemKind::map,
-                                         ItemKind::tag,    ItemKind::other};
-    if (bytes.empty()) {
-        return false;
-    }
-    const std::size_t major = bytes[0] >> 5U;
+/// Tags and simple values that have no meaning yet, which libcbor takes for malformed.
+bool read_unassigned(std::span<const std::uint8_t> bytes, Item &item) noexcept {
+    constexpr unsigned tags = 6;
+    constexpr unsigned simple_values = 7;
+    const unsigned major = bytes[0] >> 5U;
     const unsigned info = bytes[0] & 0x1FU;
-    if (major == 1 || info > 27 || (major == 7 && info >= 20 && info != 24)) {
+    if (major < tags || info > (major == tags ? 27 : 24)) {
         return false;
     }
-    std::size_t head = 1;
-    std::uint64_t value = info;
-    if (info >= 24) {
-        head += std::size_t{1} << (info - 24U);
-        if (head > bytes.size()) {
-            return false;
-        }
-        value = 0;
-        for (std::size_t i = 1; i < head; ++i) {
-            value = value << 8U | bytes[i];
-        }
-    }
-    if (major == 7 && info == 24 && value < 32) { // false, for one, has a shorter form only
-        return false;
-    }
-    item = {kinds[major], value, nullptr, head};
-    if (item.kind == ItemKind::bytes || item.kind == ItemKind::text) {
-        if (value > bytes.size() - head) {
-            return false;
-        }
-        item.data = bytes.data() + head;
-        item.size += static_cast<std::size_t>(value);
-    }
-    return true;
+    item.kind = major == tags ? ItemKind::tag : ItemKind::other;
+    item.size = 1 + (info < 24 ? 0 : std::size_t{1} << (info - 24U));
+    return item.size <= bytes.size() &&
+           // false, for one, has a shorter form only
+           (major != simple_values || info != 24 || bytes[1] >= 32);
 }
 
 } // namespace
 
 ItemStatus read_item(std::span<const std::uint8_t> bytes, Item &item) noexcept {
-    if (read_plain(bytes, item)) {
-        return ItemStatus::ok;
-    }
     item = {ItemKind::other, 0, nullptr, 0};
     const cbor_decoder_result result =
         cbor_stream_decode(bytes.data(), bytes.size(), &item_callbacks, &item);
     item.size = result.read;
-    switch (result.status) {
-    case CBOR_DECODER_FINISHED:
+    if (result.status == CBOR_DECODER_FINISHED) {
         return ItemStatus::ok;
-    case CBOR_DECODER_NEDATA: // its `required` can have overflowed
-        return ItemStatus::cut_off;
-    default:
-        return ItemStatus::malformed;
     }
+    if (result.status == CBOR_DECODER_NEDATA) { // its `required` can have overflowed
+        return ItemStatus::cut_off;
+    }
+    return read_unassigned(bytes, item) ? ItemStatus::ok : ItemStatus::malformed;
 }
 
 bool is_shortest(const Item &item) noexcept {
