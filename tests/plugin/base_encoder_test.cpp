@@ -9,10 +9,11 @@ namespace {
 constexpr uint32_t unknown_leaf = 0x46B08400;
 
 TEST(BaseEncoder, EachLeaf) {
-    for (const Row &row : base_leaves) {
+    for (const Leaf &leaf : base_leaves) {
         Host host;
-        EXPECT_EQ(host.encode(Schema::base, row.tree), 0U) << row.tree;
-        EXPECT_EQ(host.encoded, canonical(row.record)) << row.tree;
+        const auto &[tree, record] = entry_of(leaf);
+        EXPECT_EQ(host.encode(Schema::base, tree), 0U) << tree;
+        EXPECT_EQ(host.encoded, canonical(record)) << tree;
     }
 }
 
@@ -41,6 +42,8 @@ TEST(BaseEncoder, SpecialValues) {
         {"grant=#257 igmp-message-type=300 precedence=256 fragment-type=259",
          "grant=1 igmp_type=44 tos_byte=0 FragmentFlags=3 | 0 12 17 60"},
         {"log-option=#65537", "log=65537 | 13"},
+        {"tcp{tcp-bits='ack fin' tcp-bits-mask='urg syn rst'}",
+         "tcpflags=0x11 tcpflags_mask=0x26 | 21 22"},
         {"tcp{tcp-bits=#257 tcp-bits-match-operator=258}", "tcpflags=1 tcpflagsopr=2 | 21 20"},
         {"dscp{dscp-operator=#261 dscp-min=256}", "dscp_op=5 dscp=0 | 14 15"},
         {"next-hop{}", "|"},

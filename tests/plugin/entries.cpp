@@ -1,67 +1,93 @@
 #include "entries.h"
 
+#include "aceconv/keywords.h"
+
 namespace aceconv::test {
 
-const std::vector<Row> base_leaves = {
-    {"grant=permit", "grant=1 | 0"},
-    {"protocol-operator=range", "proto_oper=5 | 53"},
-    {"protocol=ip-in-ip", "protocol=4 | 1"},
-    {"protocol2=200", "protocol2=200 | 54"},
-    {"source-network{source-address=192.0.2.1}", "saddr=192.0.2.1 | 2"},
-    {"source-network{source-wild-card-bits=0.0.0.255}", "smask=0.0.0.255 | 3"},
-    {"source-network{source-prefix-length=24}", "spfx_len=24 | 36"},
-    {"destination-network{destination-address=198.51.100.7}", "daddr=198.51.100.7 | 7"},
-    {"destination-network{destination-wild-card-bits=0.0.3.255}", "dmask=0.0.3.255 | 8"},
-    {"destination-network{destination-prefix-length=22}", "dpfx_len=22 | 37"},
-    {"source-port{source-operator=equal}", "sopr=1 | 4"},
-    {"source-port{first-source-port=www}", "sport1=80 | 5"},
-    {"source-port{second-source-port=8080}", "sport2=8080 | 6"},
-    {"destination-port{destination-operator=not-equal}", "dopr=4 | 9"},
-    {"destination-port{first-destination-port=65535}", "dport1=65535 | 10"},
-    {"destination-port{second-destination-port=bgp}", "dport2=179 | 11"},
-    {"icmp{icmp-type-code=host-unreachable}", "icmp_type_code=0x30001 | 18"},
-    {"tcp{tcp-bits-match-operator=match-any}", "tcpflagsopr=3 | 20"},
-    {"tcp{tcp-bits='ack fin'}", "tcpflags=0x11 | 21"},
-    {"tcp{tcp-bits-mask='urg syn rst'}", "tcpflags_mask=0x26 | 22"},
-    {"packet-length{packet-length-operator=less-than}", "plenopr=3 | 24"},
-    {"packet-length{packet-length-min=1500}", "plen1=1500 | 25"},
-    {"packet-length{packet-length-max=9000}", "plen2=9000 | 26"},
-    {"time-to-live{time-to-live-operator=greater-than}", "ttloper=2 | 27"},
-    {"time-to-live{time-to-live-min=254}", "ttl1=254 | 28"},
-    {"time-to-live{time-to-live-max=255}", "ttl2=255 | 29"},
-    {"fragment-offset{fragment-offset-operator=range}", "frag_offset_oper=5 | 56"},
-    {"fragment-offset{fragment-offset-1=300}", "frag_offset1=300 | 57"},
-    {"fragment-offset{fragment-offset-2=8191}", "frag_offset2=8191 | 58"},
-    {"fragment-type='dont-fragment last-fragment'", "FragmentFlags=9 | 60"},
-    {"next-hop{next-hop-type=regular-next-hop}", "nexthop=1 | 32"},
-    {"next-hop{next-hop-1{next-hop=10.0.0.1}}", "nexthop1=10.0.0.1 | 33"},
-    {"next-hop{next-hop-1{vrf-name=red}}", "vrf1='red' | 39"},
-    {"next-hop{next-hop-1{track-name=t1}}", "track1='t1' | 44"},
-    {"next-hop{next-hop-2{next-hop=10.0.0.2}}", "nexthop2=10.0.0.2 | 34 42"},
-    {"next-hop{next-hop-2{vrf-name=green}}", "vrf2='green' | 40 42"},
-    {"next-hop{next-hop-2{track-name=t2}}", "track2='t2' | 45"},
-    {"next-hop{next-hop-3{next-hop=10.0.0.3}}", "nexthop3=10.0.0.3 | 35 43"},
-    {"next-hop{next-hop-3{vrf-name=blue}}", "vrf3='blue' | 41 43"},
-    {"next-hop{next-hop-3{track-name=t3}}", "track3='t3' | 46"},
-    {"counter-name=hits", "counter_name='hits' | 51"},
-    {"igmp-message-type=v3-report", "igmp_type=34 | 12"},
-    {"dscp{dscp-operator=greater-than}", "dscp_op=2 | 14"},
-    {"dscp{dscp-min=af11}", "dscp=10 | 15"},
-    {"dscp{dscp-max=63}", "dscp2=63 | 16"},
-    {"precedence=network", "tos_byte=7 | 17"},
-    {"log-option=log-input", "log=2 | 13"},
-    {"capture=true", "capture=1 | 38"},
-    {"icmp-off", "icmp_off=1 | 30"},
-    {"qos-group=512", "qos_group=512 | 55"},
-    {"set-ttl=64", "SetTTL=64 | 59"},
-    {"fragments", "frags=1 | 23"},
-    {"remark='no bogons here'", "remark='no bogons here' | 31"},
-    {"source-prefix-group=inside", "net_src_obj='inside' | 47"},
-    {"destination-prefix-group=outside", "net_dst_obj='outside' | 48"},
-    {"source-port-group=high", "port_src_obj='high' | 49"},
-    {"destination-port-group=web", "port_dst_obj='web' | 50"},
-    {"sequence-str=ten", "SequenceStr='ten' | 52"},
-    {"sequence-number=10", "|"},
+const std::vector<Leaf> base_leaves = {
+    {"grant='@'", "grant=$ | 0", "e:grant=@", acl_yang_acl_grant, "permit", 1},
+    {"protocol-operator='@'", "proto_oper=$ | 53", "e:protocol-operator=@", acl_yang_acl_operator,
+     "range", 5},
+    {"protocol='@'", "protocol=$ | 1", "u:protocol=$", acl_yang_acl_protocol, "ip-in-ip", 4},
+    {"protocol2='@'", "protocol2=$ | 54", "u:protocol2=$", acl_yang_acl_protocol, "200", 200},
+    {"source-network{source-address=192.0.2.1}", "saddr=192.0.2.1 | 2",
+     "a:source-address=192.0.2.1"},
+    {"source-network{source-wild-card-bits=0.0.0.255}", "smask=0.0.0.255 | 3",
+     "a:source-wild-card-bits=0.0.0.255"},
+    {"source-network{source-prefix-length=24}", "spfx_len=24 | 36", "u:source-prefix-length=24"},
+    {"destination-network{destination-address=198.51.100.7}", "daddr=198.51.100.7 | 7",
+     "a:destination-address=198.51.100.7"},
+    {"destination-network{destination-wild-card-bits=0.0.3.255}", "dmask=0.0.3.255 | 8",
+     "a:destination-wild-card-bits=0.0.3.255"},
+    {"destination-network{destination-prefix-length=4000000000}", "dpfx_len=4000000000 | 37",
+     "u:destination-prefix-length=4000000000"},
+    {"source-port{source-operator='@'}", "sopr=$ | 4", "e:source-operator=@", acl_yang_acl_operator,
+     "equal", 1},
+    {"source-port{first-source-port='@'}", "sport1=$ | 5", "u:first-source-port=$",
+     acl_yang_acl_port, "www", 80},
+    {"source-port{second-source-port='@'}", "sport2=$ | 6", "u:second-source-port=$",
+     acl_yang_acl_port, "8080", 8080},
+    {"destination-port{destination-operator='@'}", "dopr=$ | 9", "e:destination-operator=@",
+     acl_yang_acl_operator, "not-equal", 4},
+    {"destination-port{first-destination-port='@'}", "dport1=$ | 10", "u:first-destination-port=$",
+     acl_yang_acl_port, "65535", 65535},
+    {"destination-port{second-destination-port='@'}", "dport2=$ | 11",
+     "u:second-destination-port=$", acl_yang_acl_port, "bgp", 179},
+    {"icmp{icmp-type-code='@'}", "icmp_type_code=$ | %", "E:icmp-type-code=@",
+     acl_yang_acl_icmp_type_code, "host-unreachable", 0x30001},
+    {"tcp{tcp-bits-match-operator='@'}", "tcpflagsopr=$ | 20", "E:tcp-bits-match-operator=@",
+     acl_yang_acl_tcp_bits_match, "match-any", 3},
+    {"tcp{tcp-bits='@'}", "tcpflags=^ | 21", "b:tcp-bits=@", acl_yang_acl_tcp_bits, "ack", 4},
+    {"tcp{tcp-bits-mask='@'}", "tcpflags_mask=^ | 22", "b:tcp-bits-mask=@", acl_yang_acl_tcp_bits,
+     "urg", 5},
+    {"packet-length{packet-length-operator='@'}", "plenopr=$ | 24", "e:packet-length-operator=@",
+     acl_yang_acl_operator, "less-than", 3},
+    {"packet-length{packet-length-min=1500}", "plen1=1500 | 25", "u:packet-length-min=1500"},
+    {"packet-length{packet-length-max=40001}", "plen2=40001 | 26", "u:packet-length-max=40001"},
+    {"time-to-live{time-to-live-operator='@'}", "ttloper=$ | 27", "e:time-to-live-operator=@",
+     acl_yang_acl_operator, "greater-than", 2},
+    {"time-to-live{time-to-live-min=254}", "ttl1=254 | 28", "u:time-to-live-min=254"},
+    {"time-to-live{time-to-live-max=255}", "ttl2=255 | 29", "u:time-to-live-max=255"},
+    {"fragment-offset{fragment-offset-operator='@'}", "frag_offset_oper=$ | 56",
+     "e:fragment-offset-operator=@", acl_yang_acl_operator, "range", 5},
+    {"fragment-offset{fragment-offset-1=300}", "frag_offset1=300 | 57", "u:fragment-offset-1=300"},
+    {"fragment-offset{fragment-offset-2=60002}", "frag_offset2=60002 | 58",
+     "u:fragment-offset-2=60002"},
+    {"fragment-type='@'", "FragmentFlags=$ | 60", "E:fragment-type=@", acl_yang_acl_fragment_flags,
+     "dont-fragment last-fragment", 9},
+    {"next-hop{next-hop-type='@'}", "nexthop=$ | 32", "e:next-hop-type=@",
+     acl_yang_acl_nexthop_type, "regular-next-hop", 1},
+    {"next-hop{next-hop-1{next-hop=10.0.0.1}}", "nexthop1=10.0.0.1 | 33", "a:next-hop=10.0.0.1"},
+    {"next-hop{next-hop-1{vrf-name=red}}", "vrf1='red' | 39", "s:vrf-name='red'"},
+    {"next-hop{next-hop-1{track-name=t1}}", "track1='t1' | 44", "s:track-name='t1'"},
+    {"next-hop{next-hop-2{next-hop=10.0.0.2}}", "nexthop2=10.0.0.2 | 34 42", "a:next-hop=10.0.0.2"},
+    {"next-hop{next-hop-2{vrf-name=green}}", "vrf2='green' | 40 42", "s:vrf-name='green'"},
+    {"next-hop{next-hop-2{track-name=t2}}", "track2='t2' | 45", "s:track-name='t2'"},
+    {"next-hop{next-hop-3{next-hop=10.0.0.3}}", "nexthop3=10.0.0.3 | 35 43", "a:next-hop=10.0.0.3"},
+    {"next-hop{next-hop-3{vrf-name=blue}}", "vrf3='blue' | 41 43", "s:vrf-name='blue'"},
+    {"next-hop{next-hop-3{track-name=t3}}", "track3='t3' | 46", "s:track-name='t3'"},
+    {"counter-name=hits", "counter_name='hits' | 51", "s:counter-name='hits'"},
+    {"igmp-message-type='@'", "igmp_type=$ | 12", "E:igmp-message-type=@", acl_yang_acl_igmp_type,
+     "v3-report", 34},
+    {"dscp{dscp-operator='@'}", "dscp_op=$ | 14", "e:dscp-operator=@", acl_yang_acl_operator,
+     "greater-than", 2},
+    {"dscp{dscp-min='@'}", "dscp=$ | 15", "u:dscp-min=$", acl_yang_acl_dscp, "af11", 10},
+    {"dscp{dscp-max='@'}", "dscp2=$ | 16", "u:dscp-max=$", acl_yang_acl_dscp, "200", 200},
+    {"precedence='@'", "tos_byte=$ | 17", "E:precedence=@", acl_yang_acl_precedence, "network", 7},
+    {"log-option='@'", "log=$ | 13", "e:log-option=@", acl_yang_acl_log, "log-input", 2},
+    {"capture=true", "capture=1 | 38", "B:capture=1"},
+    {"icmp-off", "icmp_off=1 | 30", "_:icmp-off="},
+    {"qos-group=50000", "qos_group=50000 | 55", "u:qos-group=50000"},
+    {"set-ttl=60003", "SetTTL=60003 | 59", "u:set-ttl=60003"},
+    {"fragments", "frags=1 | 23", "_:fragments="},
+    {"remark='no bogons here'", "remark='no bogons here' | 31", "s:remark='no bogons here'"},
+    {"source-prefix-group=inside", "net_src_obj='inside' | 47", "s:source-prefix-group='inside'"},
+    {"destination-prefix-group=outside", "net_dst_obj='outside' | 48",
+     "s:destination-prefix-group='outside'"},
+    {"source-port-group=high", "port_src_obj='high' | 49", "s:source-port-group='high'"},
+    {"destination-port-group=web", "port_dst_obj='web' | 50", "s:destination-port-group='web'"},
+    {"sequence-str=ten", "SequenceStr='ten' | 52", "s:sequence-str='ten'"},
+    {"sequence-number=10", "|", ""},
 };
 
 const std::vector<Row> um_leaves = {
@@ -124,13 +150,12 @@ const std::vector<Row> um_leaves = {
 namespace {
 
 // Joins members with members and bits with bits.
-Entry join(const std::vector<Row> &rows, const char *members, const char *bits) {
+Entry join(const std::vector<Entry> &rows, const char *members, const char *bits) {
     Entry entry{"", members};
     std::string all_bits = bits;
-    for (const Row &row : rows) {
-        const std::string record = row.record;
+    for (const auto &[tree, record] : rows) {
         const size_t bar = record.find('|');
-        entry.tree += std::string(row.tree) + ' ';
+        entry.tree += tree + ' ';
         entry.record += record.substr(0, bar) + ' ';
         all_bits += record.substr(bar + 1) + ' ';
     }
@@ -140,12 +165,35 @@ Entry join(const std::vector<Row> &rows, const char *members, const char *bits) 
 
 } // namespace
 
+std::string filled(const char *pattern, uint32_t value, const std::string &name) {
+    std::string text;
+    for (const char *c = pattern; *c != '\0'; ++c) {
+        text += *c == '@'   ? name
+                : *c == '$' ? std::to_string(value)
+                : *c == '^' ? std::to_string(1U << value)
+                : *c == '%' ? ((value & 0xFFFFU) == 0xFFFF ? "19" : "18")
+                            : std::string(1, *c);
+    }
+    return text;
+}
+
+Entry entry_of(const Leaf &leaf) {
+    return {filled(leaf.tree, leaf.value, leaf.name), filled(leaf.record, leaf.value, leaf.name)};
+}
+
 Entry base_entry() {
-    return join(base_leaves, "", "");
+    std::vector<Entry> rows;
+    for (const Leaf &leaf : base_leaves) {
+        rows.push_back(entry_of(leaf));
+    }
+    return join(rows, "", "");
 }
 
 Entry um_entry(const std::string &action) {
-    std::vector<Row> rows = um_leaves;
+    std::vector<Entry> rows;
+    for (const Row &row : um_leaves) {
+        rows.push_back({row.tree, row.record});
+    }
     const bool deny = action == "deny";
     if (!deny) {
         rows.resize(rows.size() - 2); // the ICMP switches belong to "deny"
