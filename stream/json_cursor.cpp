@@ -7,18 +7,6 @@
 #include "stream/text.h"
 
 namespace aceconv {
-namespace {
-
-std::uint64_t count_lines(std::string_view text) {
-    std::uint64_t lines = 0;
-    for (std::size_t at = text.find('\n'); at != text.npos; at = text.find('\n', at + 1)) {
-        ++lines;
-    }
-    return lines;
-}
-
-} // namespace
-
 int JsonCursor::peek() {
     for (;;) {
         const std::string_view view = window_.view();

@@ -1,7 +1,6 @@
-#include <algorithm>
-
 #include "host/json_scan.h"
 #include "stream/node_line.h"
+#include "stream/text.h"
 
 namespace aceconv {
 namespace {
@@ -26,9 +25,7 @@ std::vector<TextNode> json_nodes(std::string_view text) {
     JsonWalk walk(text);
     for (auto step = walk.next(); step != JsonWalk::Step::end; step = walk.next()) {
         const auto at = static_cast<std::size_t>(walk.token().data() - text.data());
-        line += static_cast<std::uint64_t>(
-            std::count(text.begin() + static_cast<std::ptrdiff_t>(counted),
-                       text.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
+        line += count_lines(text.substr(counted, at - counted));
         counted = at;
         if (step == JsonWalk::Step::close && !levels.empty()) {
             levels.pop_back();

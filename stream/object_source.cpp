@@ -12,6 +12,22 @@
 namespace aceconv {
 namespace {
 
+/// Throws for a text that is no JSON at all, or of another module.
+void check(Entry &entry) {
+    if (const auto fault = json_fault(entry.text)) {
+        const std::string_view text = entry.text;
+        entry.position.line += count_lines(text.substr(0, *fault));
+        throw DataError("", "not JSON: found " + start_of(text.substr(*fault)));
+    }
+    JsonWalk walk(entry.text);
+    (void)walk.next();
+    if (walk.next() == JsonWalk::Step::name && walk.content().find(':') != std::string_view::npos) {
+        throw DataError("", "unknown member \"" + printable(walk.content()) +
+                                "\"; expected \"aceconv-base:acls\", \"aceconv-um:acls\" or a node "
+                                "of an entry");
+    }
+}
+
 /// The schema that the entry's members tell, if one does.
 std::optional<Schema> tell_schema(std::string_view object) {
     std::optional<Schema> schema;
@@ -92,35 +108,48 @@ class ObjectSource : public Source {
         : window_(std::move(window)), cursor_(window_), lines_(lines), schema_(schema) {}
 
     bool next(Entry &entry) override {
+        entry.format = Format::json;
         if (!schema_ && held_.empty()) {
-            look_ahead();
+            look_ahead(entry);
+        }
+        if (!schema_ && silent_) {
+            entry.position = {};
+            throw SchemaUnknown("nothing in the entries tells their schema");
         }
         entry.schema = schema_.value_or(Schema::base);
-        entry.format = Format::json;
         return held_.empty() ? take(entry) : held_.pop(entry);
     }
 
     [[nodiscard]] std::optional<Schema> schema() const override { return schema_; }
 
   private:
-    /// Puts aside as many entries as it takes until one tells the schema.
-    void look_ahead() {
-        bool silent = false; // an entry that fits both schemas
-        Entry entry;
+    /// Puts aside as many entries as it takes until one tells the schema. Where none
+    /// does, but one of them is bad, throws the fault.
+    void look_ahead(Entry &entry) {
+        std::optional<DataError> first;
+        Position place;
         while (!schema_) {
             try {
                 if (!take(entry)) {
                     break;
                 }
                 schema_ = tell_schema(entry.text);
-                silent = silent || !schema_;
+                if (!schema_) {
+                    check(entry);
+                    silent_ = true;
+                }
                 held_.push(entry);
             } catch (const DataError &fault) {
                 held_.push(entry, &fault);
+                if (!first) {
+                    first = fault;
+                    place = entry.position;
+                }
             }
         }
-        if (!schema_ && silent) {
-            throw SchemaUnknown("nothing in the entries tells their schema");
+        if (!schema_ && silent_ && first) {
+            entry.position = place;
+            throw DataError(*first);
         }
     }
 
@@ -143,6 +172,9 @@ class ObjectSource : public Source {
         if (!fits) {
             throw DataError("",
                             "an entry longer than " + std::to_string(max_line_bytes) + " bytes");
+        }
+        if (entry.text.front() != '{') {
+            throw DataError("", "expected a JSON object, found " + start_of(entry.text));
         }
         unwrap(entry);
         return true;
@@ -174,7 +206,8 @@ class ObjectSource : public Source {
     std::optional<Schema> schema_;
     std::uint64_t ordinal_ = 0;
     bool ended_ = false;
-    Spool held_; // entries read before the schema was known
+    bool silent_ = false; // an entry fits both schemas
+    Spool held_;          // entries read before the schema was known
 };
 
 } // namespace

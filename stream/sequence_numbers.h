@@ -17,11 +17,6 @@ class SequenceNumbers {
   public:
     /// False when `list` has had `number` already.
     bool insert(const std::string &list, std::uint32_t number);
-    void clear() {
-        lists_.clear();
-        blocks_.clear();
-        last_ = nullptr;
-    }
 
   private:
     /// The lower halves of the numbers in ascending order, or 4,096 words with a bit

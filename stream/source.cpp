@@ -93,8 +93,8 @@ InputFormat recognise(Window &window) {
     if (blanks == 0 && first >= 0x80 && first < 0xE0) {
         return InputFormat::cbor;
     }
-    throw StreamError("", "expected JSON, XML or encodings, found '" +
-                              printable(window.view().substr(blanks, 1)) + "'");
+    throw StreamError("", "expected a JSON object, XML or encodings, found " +
+                              start_of(window.view().substr(blanks)));
 }
 
 } // namespace

@@ -64,6 +64,30 @@ std::string xml_escaped(std::string_view text) {
     return written;
 }
 
+std::uint64_t count_lines(std::string_view text) {
+    std::uint64_t lines = 0;
+    for (std::size_t at = text.find('\n'); at != text.npos; at = text.find('\n', at + 1)) {
+        ++lines;
+    }
+    return lines;
+}
+
+std::string start_of(std::string_view text) {
+    constexpr std::size_t shown = 20; // bytes
+    const std::size_t end = text.find_first_of("\r\n");
+    if (text.empty() || end == 0) {
+        return text.empty() ? "the end" : "the end of the line";
+    }
+    if (end <= shown) {
+        return "'" + printable(text.substr(0, end)) + "'";
+    }
+    std::size_t length = std::min(shown, text.size());
+    while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) {
+        ++length;
+    }
+    return "'" + printable(text.substr(0, length)) + (length < text.size() ? "...'" : "'");
+}
+
 std::string list_name_fault(std::string_view name) {
     if (name.empty()) {
         return "the name of an access list is empty";

@@ -1,6 +1,7 @@
 // Small pieces of text handling that several files share.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -23,6 +24,13 @@ std::string printable(std::string_view text);
 /// `text` for an element or an attribute in double quotes; what reading XML would
 /// change, ends of lines among it, as references.
 std::string xml_escaped(std::string_view text);
+
+/// What stands at the start of a text, for messages: a few of its first characters in
+/// quotes, or that it ends.
+std::string start_of(std::string_view text);
+
+/// How many line feeds `text` holds.
+std::uint64_t count_lines(std::string_view text);
 
 /// The longest name of an access list, in bytes of UTF-8, in every format; so what is
 /// written in one can be read from any other.

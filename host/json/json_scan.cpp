@@ -22,4 +22,15 @@ std::optional<std::string> json_string(std::string_view quoted) {
     return value.is_string() ? std::optional(value.get<std::string>()) : std::nullopt;
 }
 
+std::optional<std::size_t> json_fault(std::string_view text) {
+    using nlohmann::json;
+    const auto keep_nothing = [](int, json::parse_event_t, json &) { return false; };
+    try {
+        (void)json::parse(text.begin(), text.end(), keep_nothing).is_discarded();
+    } catch (const json::parse_error &error) {
+        return error.byte > 0 ? error.byte - 1 : 0;
+    }
+    return std::nullopt;
+}
+
 } // namespace aceconv

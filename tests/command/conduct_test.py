@@ -19,7 +19,12 @@ XMLNS = 'xmlns="urn:aceconv:base"'
 
 # input, and what must be said behind "aceconv: <stdin>:"
 BAD_INPUT = [
-    ("[1]", r"1: expected JSON, XML or encodings, found '\['"),
+    ("[1]", r"1: expected a JSON object, XML or encodings, found '\[1\]'"),
+    ("hello, world, it is me\n", r"1: expected a JSON object, XML or encodings, found 'hello, world, it is \.\.\.'"),
+    ('{"remark":"r"}\n"x"\n', r"2: expected a JSON object, found '\"x\"'"),
+    ('{"remark":"r"}\n{"remark":"r" hello}\n', r"2: not JSON: found 'hello}'"),
+    ('{"remark":"r"\n', r"1: the input ends inside an entry"),
+    ('{"x:acl":{}}', r'1: unknown member "x:acl"; expected "aceconv-base:acls", "aceconv-um:acls" or a node'),
     ('{"other:acls":{}}', r'1: unknown member "other:acls"; expected "aceconv-base:acls" or'),
     ('{"aceconv-base:acls":{"acl":[],"x":1}}', r"1: expected '}', the end of \"acls\", found ','"),
     ('{"aceconv-base:acls":{"list":[]}}', r'1: /aceconv-base:acls: unknown member "list"'),
