@@ -1,5 +1,11 @@
-add_executable(host_yang_test nearest_test.cpp yang_modules_test.cpp yang_reader_test.cpp yang_refusal_test.cpp
-                              yang_writer_test.cpp)
+add_executable(host_yang_test
+  nearest_test.cpp
+  yang_modules_test.cpp
+  yang_reader_test.cpp
+  yang_refusal_test.cpp
+  yang_writer_test.cpp
+  ../plugin/entries.cpp # what the leaves of the base schema take
+  ../plugin/record_text.cpp)
 target_compile_definitions(host_yang_test PRIVATE
   ACECONV_YANG_DIRECTORY="${PROJECT_SOURCE_DIR}/yang")
 target_link_libraries(host_yang_test PRIVATE aceconv_flags aceconv_host aceconv_keywords

@@ -1,6 +1,7 @@
 // The two YANG modules against the keyword tables and the record's widths.
 #include "yang_testing.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -10,6 +11,8 @@
 
 #include "aceconv/keywords.h"
 #include "host/schema/modules.h"
+#include "tests/plugin/entries.h"
+#include "tests/plugin/record_text.h"
 
 namespace aceconv::testing {
 namespace {
@@ -27,34 +30,35 @@ struct TemporaryDirectory {
 };
 
 struct Row {
-    const char *ending; // of the leaf's path; the longest one that fits counts
+    std::string ending; // of the leaf's path; the longest one that fits counts
     const ccv_yang_keyword *table;
     std::uint64_t largest; // plain number that the leaf takes as well; 0 for none
 };
 
-// Which table the converters use for which leaf, and the width of its field.
-const Row base_rows[] = {
-    {"/grant", acl_yang_acl_grant, 0},
-    {"-operator", acl_yang_acl_operator, 0},
-    {"/protocol", acl_yang_acl_protocol, 0xFFFF},
-    {"/protocol2", acl_yang_acl_protocol, 0xFFFF},
-    {"t-source-port", acl_yang_acl_port, 0xFFFF},
-    {"d-source-port", acl_yang_acl_port, 0xFFFF},
-    {"t-destination-port", acl_yang_acl_port, 0xFFFF},
-    {"d-destination-port", acl_yang_acl_port, 0xFFFF},
-    {"/icmp/icmp-type-code", acl_yang_acl_icmp_type_code, 0xFFFFFFFF},
-    {"/tcp/tcp-bits-match-operator", acl_yang_acl_tcp_bits_match, 0xFF},
-    {"/tcp/tcp-bits", acl_yang_acl_tcp_bits, 0},
-    {"/tcp/tcp-bits-mask", acl_yang_acl_tcp_bits, 0},
-    {"/fragment-type", acl_yang_acl_fragment_flags, 0xFF},
-    {"/next-hop/next-hop-type", acl_yang_acl_nexthop_type, 0},
-    {"/igmp-message-type", acl_yang_acl_igmp_type, 0xFF},
-    {"/dscp-min", acl_yang_acl_dscp, 0xFF},
-    {"/dscp-max", acl_yang_acl_dscp, 0xFF},
-    {"/precedence", acl_yang_acl_precedence, 0xFF},
-    {"/log-option", acl_yang_acl_log, 0},
-};
-const Row um_rows[] = {
+// Which table the converters use for which leaf, and the width of its field: of
+// the base schema as the tests of the plug-in state it.
+std::vector<Row> base_rows() {
+    std::vector<Row> rows;
+    for (const test::Leaf &leaf : test::base_leaves) {
+        if (leaf.table == nullptr) {
+            continue;
+        }
+        std::string path = std::string("/") + leaf.tree;
+        path.erase(path.find('='));
+        std::replace(path.begin(), path.end(), '{', '/');
+        const std::string record = leaf.record;
+        const bool number = leaf.emission[0] == 'E' || leaf.emission[0] == 'u';
+        for (const test::Member &member : test::members()) {
+            if (record.substr(0, record.find('=')) == member.name) {
+                rows.push_back(
+                    {path, leaf.table, number ? UINT64_MAX >> (64 - 8 * member.width) : 0});
+            }
+        }
+    }
+    return rows;
+}
+
+const std::vector<Row> um_rows = {
     {"/protocol", acl_yang_acl_protocol_um, 0xFFFF},
     {"t/eq", acl_yang_acl_protocol_um, 0xFFFF}, // of permit
     {"y/eq", acl_yang_acl_protocol_um, 0xFFFF}, // of deny
@@ -83,10 +87,9 @@ const Row um_rows[] = {
     {"/police/priority", acl_yang_acl_priority_um, 0},
 };
 
-template <std::size_t N>
 class Comparison {
   public:
-    explicit Comparison(const Row (&rows)[N]) : rows_(rows) {}
+    explicit Comparison(std::vector<Row> rows) : rows_(std::move(rows)) {}
 
     void visit(const SchemaNode &node, const std::string &path) {
         for (const SchemaNode &child : node.children) {
@@ -109,11 +112,9 @@ class Comparison {
         const Row *row = nullptr;
         std::size_t best = 0;
         for (const Row &candidate : rows_) {
-            const std::string ending = candidate.ending;
-            if (path.size() >= ending.size() && ending.size() > best &&
-                path.compare(path.size() - ending.size(), ending.size(), ending) == 0) {
+            if (candidate.ending.size() > best && path.ends_with(candidate.ending)) {
                 row = &candidate;
-                best = ending.size();
+                best = candidate.ending.size();
             }
         }
         ASSERT_NE(row, nullptr) << "a leaf of names without a keyword table";
@@ -131,12 +132,12 @@ class Comparison {
         EXPECT_EQ(leaf.largest, row->largest);
     }
 
-    const Row (&rows_)[N];
+    const std::vector<Row> rows_;
     std::map<const Row *, bool> uses_;
 };
 
 TEST(YangModules, AgreeWithTheKeywordTables) {
-    Comparison base(base_rows);
+    Comparison base(base_rows());
     base.visit(modules().context().entry(Schema::base), "");
     base.expect_all_used();
     Comparison um(um_rows);
