@@ -269,17 +269,49 @@ class Formats(Case):
             self.assertIn(f"aceconv: {bad}:1: ", err)
 
     def test_stored_encodings_keep_user_defined_fields(self):
-        entry = {"grant": "deny"}
-        labelled = self.file("labelled", self.ok("encode", stdin=document("um", (
-            "X", [{"sequence-number": 20, **UDF}]))))
-        bare = self.file("bare", self.ok("encode", stdin=json.dumps(UDF)))
-        source = document("base", ("X", numbered(entry, entry)))
-        for stored, text, wanted in ((labelled, source, [False, True]), (bare, source, [True, False]),
-                                     (bare, json.dumps(entry), [True])):
-            encoded = self.ok("encode", "--stored", stored, stdin=text)
-            has_udf = ["UDF" in [f["name"] for f in r["fields"]]
-                       for r in self.records(stdin=encoded)]
-            self.assertEqual(has_udf, wanted)
+        deny, lines = {"grant": "deny"}, '{"grant":"deny"}\n' * 2
+        def stored(name, *numbers):
+            return self.ok("encode", stdin=document("um", (
+                name, [{"sequence-number": number, **UDF} for number in numbers])))
+        def base(name):
+            return document("base", (name, numbered(deny, deny)))
+        plain = self.ok("encode", stdin=base("X"))
+        raw = self.ok("encode", "--no-labels", stdin=json.dumps(UDF))
+        field = r"loss: UDF\b.*: offset-a 0x1f/0xff -> absent; "
+        unmet = field + "no entry of this list and sequence number"
+        # stored encodings, entries, which of them have the fields, what is lost
+        for kept, text, wanted, lost in (
+                (stored("X", 20), base("X"), [False, True], []),
+                (plain, base("Y"), [False, False], []),
+                (stored("X", 10, 30), base("X"), [True, False], ["#2: acl 'X' entry 30: " + unmet]),
+                (stored("X", 10, 20), base("Y"), [False, False],
+                 ["#1: acl 'X' entry 10: " + unmet, "#2: acl 'X' entry 20: " + unmet]),
+                (raw + raw, lines, [True, True], []),
+                (raw * 3, lines, [True, True], ["#3: " + field + "no entry was encoded in its place"]),
+                (raw, base("X"), [False, False], ["#1: .*, while the entries have"]),
+                (raw + stored("X", 20), base("X"), [False, True],
+                 ["#1: .*, while other stored encodings have"]),
+                (raw + plain, lines, [False, False], ["#1: .*, while other stored encodings have"])):
+            with self.subTest(lost=lost, wanted=wanted):
+                path = self.file("stored", kept)
+                code, encoded, err = self.run_command("encode", "--strict", "--stored", path,
+                                                      stdin=text)
+                self.assertEqual((code, len(err.splitlines())), (1 if lost else 0, len(lost)))
+                for line, said in zip(err.splitlines(), lost):
+                    self.assertRegex(line, f"aceconv: {path}:{said}")
+                self.assertEqual(wanted, ["UDF" in [f["name"] for f in r["fields"]]
+                                          for r in self.records(stdin=encoded)])
+        for kept, text, said in (
+                (stored("X", 10) * 2, base("X"), "stored:#2: acl 'X' entry 10: a second encoding"),
+                (plain + b"\x83\x61X\x05\x62um\x05", base("X"), "stored:#3: acl 'X' entry 5: byte 0"),
+                (raw, lines + '{"sequence-number":5}', "<stdin>:3: entry 5: entries with and without"),
+                (raw, '{"sequence-number":5,"grant":"deny"}\n' + lines, "<stdin>:2: entries with and"),
+                (self.ok("encode", stdin='{"sequence-number":5,' + json.dumps(UDF)[1:]),
+                 '{"sequence-number":5,"grant":"deny"}\n' * 2, "<stdin>:2: entry 5: a second entry")):
+            code, _, err = self.run_command("encode", "--stored", self.file("stored", kept),
+                                            stdin=text)
+            self.assertEqual((code, err.count("\n")), (2, 1))
+            self.assertIn(said, err)
 
 
 # entry of the source schema -> {field or leaf: (before, after)}

@@ -123,6 +123,7 @@ void add_options(CLI::App &verb, EncodeOptions &options) {
              "Earlier encodings of the entries, whose user-defined fields are kept (base schema)");
     verb.add_flag("--no-labels", options.bare,
                   "Write the encodings alone, without list, sequence number and schema");
+    add_losses(verb, options.losses);
 }
 
 void add_options(CLI::App &verb, DecodeOptions &options) {

@@ -1,8 +1,11 @@
 // aceconv encode: entries to encodings.
-#include <map>
+#include <algorithm>
 #include <unistd.h>
+#include <utility>
 
-#include "compare/decoded_record.h"
+#include "compare/changes.h"
+#include "compare/record_view.h"
+#include "compare/stored_records.h"
 #include "stream/errors.h"
 #include "stream/sink.h"
 #include "tools/aceconv/exit_code.h"
@@ -12,37 +15,42 @@
 namespace aceconv::tool {
 namespace {
 
-/// The entries' earlier encodings: by list name and sequence number where they
-/// have labels, else by position.
-class StoredEncodings {
-  public:
-    StoredEncodings(const std::string &path, const bag_descriptor &descriptor) {
+/// Reads the file of stored encodings; false when it has a fault, which is told.
+bool read_stored(const std::string &path, StoredRecords &stored) {
+    Entry entry;
+    try {
         const auto source = open_source(path, InputFormat::cbor, std::nullopt);
-        Entry entry;
         while (source->next(entry)) {
-            // The encoder would pass over one that cannot be read, and lose what it holds.
-            static_cast<void>(DecodedRecord(descriptor, entry.encoding));
-            const bool labelled = entry.key.acl || entry.key.sequence;
-            auto &place = labelled ? by_key_[{entry.key.acl, entry.key.sequence}]
-                                   : by_position_[entry.position.ordinal];
-            place = std::move(entry.encoding);
+            stored.add(entry);
+        }
+        return true;
+    } catch (const DataError &fault) {
+        FaultReport(path).add(entry.position, entry.key, fault);
+        return false;
+    }
+}
+
+/// The losses of stored encodings that have met no entry.
+void say_left(const StoredRecords &stored, const EncodeOptions &options, Run &run) {
+    const RecordView view(run.descriptor());
+    for (const StoredRecords::Left &left : stored.left()) {
+        const DecodedRecord record(run.descriptor(), left.stored.encoding);
+        Change loss;
+        loss.field = "UDF";
+        loss.reason = left.why;
+        for (const FieldValue &value : view.describe(record.get(), left.stored.schema)) {
+            if (value.name == loss.field) {
+                loss.before = value_text(value);
+            }
+        }
+        ++run.tally().losses;
+        ++run.tally().entries_with_losses;
+        if (!options.losses.unsaid) {
+            say(shown_place(shown_name(options.stored), left.stored.position, left.stored.key) +
+                "loss: " + change_text(loss));
         }
     }
-
-    /// The one of this entry, or null. Its sequence number may not be known yet.
-    [[nodiscard]] const Bytes *find(const EntryKey &key, std::uint64_t ordinal) const {
-        const auto named = by_key_.find({key.acl, key.sequence});
-        if (named != by_key_.end()) {
-            return &named->second;
-        }
-        const auto placed = by_position_.find(ordinal);
-        return placed != by_position_.end() ? &placed->second : nullptr;
-    }
-
-  private:
-    std::map<std::pair<std::optional<std::string>, std::optional<std::uint32_t>>, Bytes> by_key_;
-    std::map<std::uint64_t, Bytes> by_position_;
-};
+}
 
 } // namespace
 
@@ -51,39 +59,47 @@ int run_encode(const EncodeOptions &options) {
     if (options.output == "-" && isatty(STDOUT_FILENO) == 1) {
         throw UsageError("encodings are not for a terminal; redirect the output or give -o FILE");
     }
-    std::optional<StoredEncodings> stored;
-    if (!options.stored.empty()) {
+    const auto &inputs = options.input.paths;
+    if (options.stored == "-" && std::find(inputs.begin(), inputs.end(), "-") != inputs.end()) {
+        throw UsageError("only one of INPUT and --stored can be standard input");
+    }
+    StoredRecords stored(run.descriptor());
+    const bool any_stored = !options.stored.empty();
+    if (any_stored) {
         run.also_reads(options.stored);
-        try {
-            stored.emplace(options.stored, run.descriptor());
-        } catch (const DataError &e) {
-            FaultReport(options.stored).add({}, {}, e);
+        if (!read_stored(options.stored, stored)) {
             return exit_trouble;
         }
     }
-    Output output(options.output);
+    Output output(options.output,
+                  options.losses.strict ? ReaderGone::is_ignored : ReaderGone::ends);
     const auto sink = make_sink(options.bare ? OutputFormat::bare_cbor : OutputFormat::cbor,
                                 Schema::base, output);
     run.each(
-        [&stored](Codec &codec, Entry &entry, Product &product) {
+        [&stored = std::as_const(stored), any_stored](Codec &codec, Entry &entry,
+                                                      Product &product) {
             if (!entry.format) {
                 throw StreamError("", "an encoding already; expected entries in JSON or XML");
             }
-            if (stored && entry.schema == Schema::um) {
+            if (any_stored && entry.schema == Schema::um) {
                 throw UsageError("--stored has no effect on entries of the UM schema");
             }
-            Encoding encoding = codec.encode(entry);
-            if (const Bytes *earlier =
-                    stored ? stored->find(entry.key, entry.position.ordinal) : nullptr) {
-                encoding = codec.encode(entry, *earlier);
+            Encoding encoding = codec.encode(entry); // completes the entry's key
+            if (const Encoding earlier = stored.find(entry); !earlier.empty()) {
+                encoding = codec.encode(entry, earlier);
             }
             append(product.bytes, encoding);
         },
         [&](const Entry &entry, const Product &product) {
+            stored.meet(entry);
             sink->write(entry.key, entry.schema, product.bytes);
         });
     run.finish(output, sink.get());
-    return run.conclude();
+    if (!run.stopped()) {
+        say_left(stored, options, run);
+    }
+    const bool lost = options.losses.strict && run.tally().losses != 0;
+    return std::max<int>(run.conclude(), lost ? exit_verdict : exit_ok);
 }
 
 } // namespace aceconv::tool

@@ -13,6 +13,7 @@ struct EncodeOptions {
     std::string output = "-";
     std::string stored; // a file of earlier encodings; empty: none
     bool bare = false;  // no labels
+    LossOptions losses;
 };
 int run_encode(const EncodeOptions &options);
 
