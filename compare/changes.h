@@ -3,29 +3,24 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "stream/source.h"
 
 namespace aceconv {
-
-struct Difference; // of two records, see record_view.h
 
 struct Change {
     std::string field;                 // of the record; empty for what no record carries
     std::string leaf;                  // path below the entry; empty where the schema has none
     std::optional<std::string> before; // the value as text; none where it was absent
     std::optional<std::string> after;
-    std::string reason; // or empty
+    std::string reason;  // empty only between two entries that are what they should be
+    bool widens = false; // the entry matches more than before
 };
-
-/// The differences of two records; `schema` is the one whose leaves are named.
-std::vector<Change> field_changes(const std::vector<Difference> &differences, Schema schema);
 
 /// "dport1 (destination-port/first-destination-port): 80 (www) -> 443"
 std::string change_text(const Change &change);
 
-/// The same as a JSON object's text, with the entry's place.
-std::string change_json(const Change &change, const Entry &entry);
+/// The same as a JSON object's text, with the entry's place; `file` may be empty.
+std::string change_json(const Change &change, const Entry &entry, const std::string &file);
 
 } // namespace aceconv

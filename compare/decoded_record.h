@@ -3,10 +3,12 @@
 
 #include "aceconv/ace_record.h"
 #include "host/bag_library.h"
-#include "host/entry.h"
 #include "stream/source.h"
 
 namespace aceconv {
+
+/// The encoding of a record. Throws DataError.
+Bytes encode_record(const bag_descriptor &descriptor, const ipv4_acl_config_ace &record);
 
 class DecodedRecord {
   public:
@@ -18,22 +20,11 @@ class DecodedRecord {
 
     [[nodiscard]] const ipv4_acl_config_ace &get() const { return record_; }
     [[nodiscard]] ipv4_acl_config_ace &get() { return record_; }
-    [[nodiscard]] Bytes encode() const;
+    [[nodiscard]] Bytes encode() const { return encode_record(descriptor_, record_); }
 
   private:
     const bag_descriptor &descriptor_;
     ipv4_acl_config_ace record_{};
 };
-
-/// Whether the record has FragmentFlags, the one field whose numbers depend on the schema.
-[[nodiscard]] bool has_fragment_type(const ipv4_acl_config_ace &record);
-
-/// Renumbers FragmentFlags from one schema's numbering to the other's. A value
-/// without counterpart is removed, and true returned.
-[[nodiscard]] bool translate_fragment_type(ipv4_acl_config_ace &record, Schema from, Schema to);
-
-/// Clears bits 42 and 43 where they only repeat what bits 34, 35, 40 and 41
-/// say: the base encoder derives them, and no other converter reads them.
-void clear_derived_bits(ipv4_acl_config_ace &record);
 
 } // namespace aceconv

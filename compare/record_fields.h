@@ -1,5 +1,5 @@
-// What the record's members are called and how their values read: the one
-// table that inspect, convert, check and diff share.
+// What the record's members are called, how their values read and what part of
+// an entry they are: the one table that inspect, convert, check and diff share.
 #pragma once
 
 #include <span>
@@ -15,6 +15,43 @@ namespace aceconv {
 constexpr int second_mask = 64;
 constexpr int mask_bits = 128;
 
+/// Whether the bit marks no member, but the second or third next hop as configured.
+constexpr bool is_next_hop_bit(int bit) {
+    return bit == 42 || bit == 43;
+}
+
+/// Members that have a meaning together.
+enum class Group : std::uint8_t {
+    none,
+    action,
+    protocol,
+    source_address,
+    destination_address,
+    source_port,
+    destination_port,
+    dscp,
+    tcp,
+    packet_length,
+    ttl,
+    fragment_offset,
+    next_hop,
+};
+
+/// What a member is within its group.
+enum class Part : std::uint8_t {
+    whole, // it has no group, or is all of it
+    operation,
+    first,  // the compared value, or the first one of a range
+    second, // the last one of a range
+    address,
+    address_mask, // or prefix length
+    flags,
+    flag_mask,
+    hop_type,
+    first_hop, // its address, VRF or tracked object
+    other_hop,
+};
+
 struct RecordField {
     const char *name; // as in the bag description; nested ones with a dot
     int first_bit;    // -1: none
@@ -24,6 +61,16 @@ struct RecordField {
     bool flags;            // the keywords name bits
     const char *base_leaf; // path below the entry; null where the schema has none
     const char *um_leaf;   // path below "permit" or "deny"
+    bool matches;          // packets are compared with it
+    Group group = Group::none;
+    Part part = Part::whole;
+
+    [[nodiscard]] const char *leaf(Schema schema) const {
+        return schema == Schema::base ? base_leaf : um_leaf;
+    }
+    [[nodiscard]] const ccv_yang_keyword *keywords(Schema schema) const {
+        return schema == Schema::base ? base_keywords : um_keywords;
+    }
 };
 
 std::span<const RecordField> record_fields();

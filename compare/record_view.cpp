@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <arpa/inet.h>
 #include <bitset>
+#include <cinttypes>
 #include <cstdio>
 #include <cstring>
 
@@ -11,14 +12,6 @@
 
 namespace aceconv {
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-std::string hex(std::uint32_t number) {
-    char text[16];
-    std::snprintf(text, sizeof text, "0x%x", number);
-    return text;
-}
 
 template <class Number>
 Number load(const void *at) {
@@ -45,45 +38,70 @@ std::string address_text(const std::uint8_t *at) {
     return inet_ntop(AF_INET, at, text, sizeof text);
 }
 
-Json udf_value(const ace_udf_array &array) {
-    Json elements = Json::array();
-    for (std::uint32_t i = 0; array.elements != nullptr && i < array.count; ++i) {
-        const ace_udf_element &element = array.elements[i];
-        elements.push_back({{"name", printable({element.UDFName, strnlen(element.UDFName, 17)})},
-                            {"value", hex(element.UDFValue)},
-                            {"mask", hex(element.UDFMask)}});
+/// The type of a member that the bag description writes so.
+FieldType type_of(const std::string &described) {
+    if (described.front() == 'a') {
+        return FieldType::user_fields;
     }
-    return elements;
+    switch (described.back()) {
+    case 's':
+        return FieldType::text;
+    case 'N':
+        return FieldType::address;
+    case 'b':
+        return FieldType::boolean;
+    default:
+        return FieldType::number;
+    }
 }
 
-/// The value of a member, and whether it is anything but zero.
+/// Reads the value of a member; whether it is anything but zero.
 bool read_value(const ipv4_acl_config_ace &record, const BagMember &member, Schema schema,
                 FieldValue &shown) {
     const auto *at = reinterpret_cast<const std::uint8_t *>(&record) + member.offset;
-    const char type = member.type.back();
-    if (member.type.front() == 'a') {
+    shown.type = type_of(member.type);
+    if (shown.type == FieldType::user_fields) {
         const auto array = load<ace_udf_array>(at);
-        shown.value = udf_value(array);
+        if (array.elements != nullptr) {
+            shown.user_fields.assign(array.elements, array.elements + array.count);
+        }
         return array.count != 0;
     }
-    if (type == 's') {
-        const auto *text = load<const char *>(at);
-        shown.value = text == nullptr ? Json() : Json(text);
-        if (text == nullptr) {
+    if (shown.type == FieldType::text) {
+        if (const auto *text = load<const char *>(at); text != nullptr) {
+            shown.text = text;
+        } else {
             shown.note = "marked present, but null";
         }
-        return text != nullptr;
+        return shown.text.has_value();
     }
-    const std::uint64_t number = load_number(at, member.width);
-    if (type == 'N') {
-        shown.value = address_text(at);
-    } else if (type == 'b' && number <= 1) {
-        shown.value = number == 1;
-    } else {
-        shown.value = number;
+    shown.number = load_number(at, member.width);
+    if (shown.type == FieldType::address) {
+        shown.text = address_text(at);
     }
-    shown.keyword = keyword_name(*shown.field, schema, number);
-    return number != 0;
+    shown.keyword = keyword_name(*shown.field, schema, shown.number);
+    return shown.number != 0;
+}
+
+std::string number_text(const FieldValue &value) {
+    if (value.type == FieldType::boolean && value.number <= 1) {
+        return value.number == 1 ? "true" : "false";
+    }
+    return std::to_string(value.number);
+}
+
+std::string user_fields_text(const std::vector<ace_udf_element> &elements) {
+    std::string text;
+    for (const ace_udf_element &element : elements) {
+        text += (text.empty() ? "" : ", ") + user_field_name(element) + " " +
+                hexadecimal(element.UDFValue) + "/" + hexadecimal(element.UDFMask);
+    }
+    return text.empty() ? "empty" : text;
+}
+
+bool same_user_field(const ace_udf_element &a, const ace_udf_element &b) {
+    return std::memcmp(a.UDFName, b.UDFName, sizeof a.UDFName) == 0 && a.UDFValue == b.UDFValue &&
+           a.UDFMask == b.UDFMask;
 }
 
 } // namespace
@@ -135,7 +153,7 @@ std::vector<FieldValue> RecordView::describe(const ipv4_acl_config_ace &record,
             FieldValue value{};
             value.name = "bit " + bit_name(static_cast<int>(bit));
             value.bits = {static_cast<int>(bit)};
-            value.note = bit == 42 || bit == 43
+            value.note = is_next_hop_bit(static_cast<int>(bit))
                              ? "next hop " + std::to_string(bit - 40) + " is configured"
                              : "marks no field";
             shown.push_back(std::move(value));
@@ -144,52 +162,70 @@ std::vector<FieldValue> RecordView::describe(const ipv4_acl_config_ace &record,
     return shown;
 }
 
-std::vector<Difference> RecordView::compare(const DecodedRecord &before, const DecodedRecord &after,
-                                            Schema schema) const {
-    if (before.encode() == after.encode()) { // there is one encoding for each content
-        return {};
-    }
-    std::vector<FieldValue> left = describe(before.get(), schema);
-    std::vector<FieldValue> right = describe(after.get(), schema);
+bool same_value(const FieldValue &a, const FieldValue &b) {
+    return a.number == b.number && a.text == b.text &&
+           std::equal(a.user_fields.begin(), a.user_fields.end(), b.user_fields.begin(),
+                      b.user_fields.end(), same_user_field);
+}
+
+const FieldValue *find_value(const std::vector<FieldValue> &values, std::string_view name) {
+    const auto found = std::find_if(values.begin(), values.end(),
+                                    [&](const FieldValue &value) { return value.name == name; });
+    return found == values.end() ? nullptr : &*found;
+}
+
+std::vector<Difference> compare(const std::vector<FieldValue> &before,
+                                const std::vector<FieldValue> &after) {
     std::vector<Difference> differences;
-    for (FieldValue &value : left) {
-        const auto twin = std::find_if(right.begin(), right.end(), [&](const FieldValue &other) {
-            return other.name == value.name;
-        });
-        if (twin == right.end()) {
-            differences.push_back({std::move(value), std::nullopt});
-            continue;
+    for (const FieldValue &value : before) {
+        const FieldValue *twin = find_value(after, value.name);
+        if (twin == nullptr || twin->bits != value.bits || !same_value(*twin, value)) {
+            differences.push_back({&value, twin});
         }
-        if (twin->bits != value.bits || twin->value != value.value) {
-            differences.push_back({std::move(value), std::move(*twin)});
-        }
-        right.erase(twin);
     }
-    for (FieldValue &value : right) {
-        differences.push_back({std::nullopt, std::move(value)});
+    for (const FieldValue &value : after) {
+        if (find_value(before, value.name) == nullptr) {
+            differences.push_back({nullptr, &value});
+        }
     }
     return differences;
 }
 
-std::string value_text(const FieldValue &value) {
-    if (value.width == 0) {
-        return "set";
-    }
+std::string hexadecimal(std::uint64_t number) {
+    char text[20];
+    std::snprintf(text, sizeof text, "0x%" PRIx64, number);
+    return text;
+}
+
+std::string user_field_name(const ace_udf_element &element) {
+    std::string_view name(element.UDFName, sizeof element.UDFName);
+    name = name.substr(0, name.find_last_not_of('\0') + 1);
     std::string text;
-    if (value.value.is_array()) {
-        for (const auto &element : value.value) {
-            text += (text.empty() ? "" : ", ") + element["name"].get<std::string>() + " " +
-                    element["value"].get<std::string>() + "/" + element["mask"].get<std::string>();
+    for (const char byte : name) {
+        char shown[8] = {byte};
+        if (byte == '\\') {
+            shown[1] = byte;
+        } else if (byte < ' ' || byte > '~') {
+            std::snprintf(shown, sizeof shown, "\\x%02x", static_cast<unsigned char>(byte));
         }
-        return text.empty() ? "empty" : text;
+        text += shown;
     }
-    // Addresses are text too, but need no quotes.
-    const bool address = value.width == 4 && value.value.is_string();
-    if (value.value.is_string()) {
-        text = address ? value.value.get<std::string>()
-                       : "\"" + printable(value.value.get<std::string>()) + "\"";
-    } else {
-        text = value.value.dump();
+    return text;
+}
+
+std::string value_text(const FieldValue &value) {
+    std::string text;
+    switch (value.type) {
+    case FieldType::bit:
+        return "set";
+    case FieldType::user_fields:
+        return user_fields_text(value.user_fields);
+    case FieldType::text:
+        return value.text ? "\"" + printable(*value.text) + "\"" : "null";
+    case FieldType::address:
+        return *value.text;
+    default:
+        text = number_text(value);
     }
     return value.keyword.empty() ? text : text + " (" + value.keyword + ")";
 }

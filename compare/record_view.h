@@ -1,7 +1,6 @@
 // A record as an engineer reads it, and two records side by side.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,29 +11,55 @@
 
 namespace aceconv {
 
+enum class FieldType : std::uint8_t {
+    bit, // one that marks no member
+    number,
+    boolean, // a number above 1 counts as one
+    address,
+    text,
+    user_fields,
+};
+
 struct FieldValue {
     std::string name;         // of the member; "bit 42" for a bit that marks no member
     const RecordField *field; // null for such a bit
     std::vector<int> bits;    // presence bits that are set
     std::size_t offset = 0;   // bytes
     std::size_t width = 0;    // bytes; 0 for such a bit
-    nlohmann::ordered_json value;
+    FieldType type = FieldType::bit;
+    std::uint64_t number = 0;        // an address as it lies in the record
+    std::optional<std::string> text; // an address as a dotted quad
+    std::vector<ace_udf_element> user_fields;
     std::string keyword; // the value's name, or ""
     std::string note;    // what is unusual about it, or ""
 };
 
+/// Whether both hold the same, whatever marks them and whatever it is called.
+bool same_value(const FieldValue &a, const FieldValue &b);
+
 /// "80 (www)"; text in quotes.
 std::string value_text(const FieldValue &value);
+/// The name of a user-defined field; two that differ are shown differently.
+std::string user_field_name(const ace_udf_element &element);
+/// "0x1f"
+std::string hexadecimal(std::uint64_t number);
 /// Presence bits as "5" or "2:0-2,8-10,16-18"; "-" for none.
 std::string bits_text(const std::vector<int> &bits);
 
-/// A field that two records do not share; the side that lacks it is empty.
-struct Difference {
-    std::optional<FieldValue> before;
-    std::optional<FieldValue> after;
+/// The value of this name, or null.
+const FieldValue *find_value(const std::vector<FieldValue> &values, std::string_view name);
 
-    [[nodiscard]] const FieldValue &any() const { return before ? *before : *after; }
+/// A field that two records do not share; the side that lacks it is null.
+struct Difference {
+    const FieldValue *before;
+    const FieldValue *after;
+
+    [[nodiscard]] const FieldValue &any() const { return before != nullptr ? *before : *after; }
 };
+
+/// Field by field: what is marked, and with which value.
+std::vector<Difference> compare(const std::vector<FieldValue> &before,
+                                const std::vector<FieldValue> &after);
 
 class RecordView {
   public:
@@ -45,11 +70,6 @@ class RecordView {
     /// without a member, in the record's order.
     [[nodiscard]] std::vector<FieldValue> describe(const ipv4_acl_config_ace &record,
                                                    Schema schema) const;
-
-    /// Field by field: what is marked, and with which value. Costs little where
-    /// there is no difference.
-    [[nodiscard]] std::vector<Difference> compare(const DecodedRecord &before,
-                                                  const DecodedRecord &after, Schema schema) const;
 
   private:
     std::vector<BagMember> members_;

@@ -82,9 +82,15 @@ class EntryWriter {
     /// what it was given (a value without a keyword, an invalid string, a null
     /// string) or containers were left open.
     virtual void finish(std::string &text) = 0;
+
+    /// Keeps what is written as nodes too, from the next begin on.
+    virtual void keep_nodes() = 0;
+    /// Those of the entry last finished, as a reader would make them of its text
+    /// but for the sequence number, which may be missing. Valid until the next begin.
+    virtual ccv_yang_node &nodes() = 0;
 };
 
-/// Takes what a decoder emits as nodes instead of text, to be compared.
+/// Takes what a decoder emits as nodes instead of text.
 class EntryMirror {
   public:
     virtual ~EntryMirror() = default;
@@ -92,15 +98,9 @@ class EntryMirror {
     /// Like EntryWriter's.
     virtual ccv_yang_output *begin(const EntryKey &where) = 0;
     /// Throws what EntryWriter::finish throws. The node stays valid until the next begin.
-    virtual const ccv_yang_node &finish() = 0;
+    virtual ccv_yang_node &finish() = 0;
 };
 std::unique_ptr<EntryMirror> make_mirror(Modules &modules, Schema schema);
-
-/// Whether every node of `original` stands in `entry` too, leaves with the same
-/// value (a name and its number are the same), list entries in the same places;
-/// the sequence number does not count. False may also mean another way of
-/// writing the same.
-bool says_all_of(const ccv_yang_node &entry, const ccv_yang_node &original);
 
 /// The validating backend, on libyang.
 std::unique_ptr<EntryReader> make_validating_reader(Modules &modules, Schema schema, Format format);

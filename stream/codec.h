@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstdlib>
 #include <memory>
 #include <string>
 
@@ -33,20 +34,38 @@ class Codec {
     /// `entry.position` moved on to the line of the node at fault.
     Encoding encode(Entry &entry, Encoding stored = {});
 
-    /// Appends the text of an entry, on one line. Throws DataError.
+    /// Appends the text of an entry, on one line. Throws DataError, also for a text
+    /// that is too long to be read again.
     void decode(Encoding encoding, Schema schema, Format format, const EntryKey &key,
                 std::string &text);
 
-    /// Whether decoding `encoding` gives back every node of the entry last encoded
-    /// from text, with the same values. False may also mean another way of writing
-    /// the same. Throws DataError.
-    bool gives_back(Encoding encoding, Schema schema, const EntryKey &key);
+    /// The same, and what was written as nodes, valid until the next call of either.
+    ccv_yang_node &decode_with_nodes(Encoding encoding, Schema schema, Format format,
+                                     const EntryKey &key, std::string &text);
+    /// The nodes alone, valid until the next call. Throws DataError.
+    ccv_yang_node &decode_nodes(Encoding encoding, Schema schema, const EntryKey &key);
+
+    /// The nodes of the entry last encoded from text, valid until the next; null when
+    /// that was an encoding.
+    [[nodiscard]] ccv_yang_node *nodes() const { return read_; }
+    /// The encoding of an entry's nodes, valid until the next call. Throws DataError.
+    Encoding encode_nodes(ccv_yang_node &entry, Schema schema);
 
     [[nodiscard]] const bag_descriptor &descriptor() const { return *plugin_.descriptor; }
 
   private:
+    struct OwnedEncoding {
+        std::unique_ptr<std::uint8_t, void (*)(void *)> bytes{nullptr, std::free};
+        std::uint32_t length = 0;
+        [[nodiscard]] Encoding get() const { return {bytes.get(), length}; }
+    };
+
     EntryReader &reader(Schema schema, Format format);
     EntryWriter &writer(Schema schema, Format format);
+    std::uint32_t run_encoder(ccv_yang_node *entry, Schema schema, Encoding stored,
+                              OwnedEncoding &encoded) const;
+    void write(EntryWriter &target, Encoding encoding, Schema schema, const EntryKey &key,
+               std::string &text) const;
     void run_decoder(ccv_yang_output *output, Encoding encoding, Schema schema) const;
 
     [[nodiscard]] bool bulk(Format format) const {
@@ -57,8 +76,9 @@ class Codec {
     Modules modules_;
     const Backend backend_;
     std::array<std::unique_ptr<EntryMirror>, 2> mirrors_;
-    std::unique_ptr<std::uint8_t, void (*)(void *)> encoded_;
-    const ccv_yang_node *read_ = nullptr; // the entry last encoded from text
+    OwnedEncoding encoded_;
+    OwnedEncoding nodes_encoded_;
+    ccv_yang_node *read_ = nullptr; // the entry last encoded from text
     std::array<std::unique_ptr<EntryReader>, 4> readers_;
     std::array<std::unique_ptr<EntryWriter>, 4> writers_;
 };

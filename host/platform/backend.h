@@ -21,6 +21,8 @@
 
 namespace aceconv {
 
+class EmittedTree;
+
 enum class ValueKind : std::uint8_t { none, text, name, number, bits, boolean, empty, ipv4 };
 
 /// The value of a leaf. `text` holds text, one name, names of bits separated by
@@ -72,7 +74,7 @@ struct ccv_yang_node {
 /// calls that follow it do nothing but return its status.
 struct ccv_yang_output {
   public:
-    virtual ~ccv_yang_output() = default;
+    virtual ~ccv_yang_output();
     ccv_yang_output(const ccv_yang_output &) = delete;
     ccv_yang_output &operator=(const ccv_yang_output &) = delete;
 
@@ -89,11 +91,15 @@ struct ccv_yang_output {
     /// The leaf `name` at the current position, for messages; null if unknown.
     [[nodiscard]] const aceconv::SchemaNode *peek(const char *name) const;
 
+    /// Keeps what the backend is told to write as nodes too, from the next entry on.
+    void keep_nodes();
+    /// Those of the last entry, as a reader would make them of what was written.
+    [[nodiscard]] ccv_yang_node &nodes();
+
   protected:
     /// Empty containers that no presence call has marked are left out in the base
     /// schema, where they say nothing.
-    ccv_yang_output(aceconv::Schema schema, const aceconv::SchemaNode &entry)
-        : schema_(schema), entry_(entry), drop_empty_(schema == aceconv::Schema::base) {}
+    ccv_yang_output(aceconv::Schema schema, const aceconv::SchemaNode &entry);
 
     /// Ready for another entry.
     void restart(const aceconv::EntryKey &where);
@@ -134,6 +140,7 @@ struct ccv_yang_output {
     std::array<Level, aceconv::max_depth> levels_;      // up to the innermost
     std::size_t depth_ = 0;                             // of the innermost
     std::vector<std::unordered_set<std::string>> keys_; // of the open lists
+    std::unique_ptr<aceconv::EmittedTree> nodes_;       // null when they are not kept
     aceconv::EntryKey where_;
     aceconv::YangStatus failure_ = aceconv::YangStatus::ok;
     std::string failure_path_;

@@ -4,7 +4,7 @@
 
 #include "host/data_path.h"
 #include "host/error.h"
-#include "host/platform/backend.h"
+#include "host/platform/emitted_tree.h"
 
 using aceconv::code;
 using aceconv::LeafType;
@@ -48,7 +48,25 @@ const SchemaNode *find_child(const SchemaNode &parent, const char *name, std::si
 
 } // namespace
 
+ccv_yang_output::ccv_yang_output(aceconv::Schema schema, const SchemaNode &entry)
+    : schema_(schema), entry_(entry), drop_empty_(schema == aceconv::Schema::base) {}
+
+ccv_yang_output::~ccv_yang_output() = default;
+
+void ccv_yang_output::keep_nodes() {
+    if (!nodes_) {
+        nodes_ = std::make_unique<aceconv::EmittedTree>();
+    }
+}
+
+ccv_yang_node &ccv_yang_output::nodes() {
+    return nodes_->root();
+}
+
 void ccv_yang_output::restart(const aceconv::EntryKey &where) {
+    if (nodes_) {
+        nodes_->start(entry_);
+    }
     keys_.clear();
     depth_ = 0;
     innermost() = {.schema = &entry_, .form = NodeForm::entry, .opened = true};
@@ -147,7 +165,8 @@ bool ccv_yang_output::open_pending(std::size_t last) {
                  std::string("an entry starts with its key, ") + level.schema->children[0].name);
             return false;
         }
-        if (!open(*level.schema, failure_why_)) {
+        if (!open(*level.schema, failure_why_) ||
+            (nodes_ && !nodes_->open(*level.schema, failure_why_))) {
             fail(YangStatus::refused, nullptr, std::move(failure_why_));
             return false;
         }
@@ -188,6 +207,9 @@ std::uint32_t ccv_yang_output::end(NodeForm form) {
         } else {
             if (innermost().opened) {
                 close();
+                if (nodes_) {
+                    nodes_->close();
+                }
             }
             --depth_;
             if (form == NodeForm::list) {
@@ -238,7 +260,8 @@ std::uint32_t ccv_yang_output::entry_key(const SchemaNode &leaf, std::string_vie
         return fail(YangStatus::repeated, nullptr, "a second entry with the same key");
     }
     if (open_pending(depth_ - 1)) { // what is around the list
-        if (!open_entry(*entry.schema, key, failure_why_)) {
+        if (!open_entry(*entry.schema, key, failure_why_) ||
+            (nodes_ && !nodes_->open_entry(*entry.schema, key, failure_why_))) {
             fail(YangStatus::refused, leaf.name, std::move(failure_why_));
         }
         entry.opened = true;
@@ -265,7 +288,8 @@ std::uint32_t ccv_yang_output::leaf(const char *name, const Value &value) {
     if (!open_pending(depth_)) {
         return code(failure_);
     }
-    if (!put(*found, value, failure_why_)) {
+    if (!put(*found, value, failure_why_) ||
+        (nodes_ && !nodes_->put(*found, value, failure_why_))) {
         fail(YangStatus::refused, name, std::move(failure_why_));
     }
     return code(failure_);

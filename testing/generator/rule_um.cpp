@@ -38,8 +38,9 @@ void um_protocol(Writer &w, const Match &protocol) {
         w.keyword_or_number("end-protocol", acl_yang_acl_protocol_um, protocol.last);
         w.close();
     } else {
+        constexpr std::uint32_t every_protocol = 512; // 0 in the base schema
         w.keyword_or_number(protocol.op == 1 ? "eq" : "protocol", acl_yang_acl_protocol_um,
-                            protocol.first);
+                            protocol.first == 0 ? every_protocol : protocol.first);
     }
 }
 

@@ -132,6 +132,7 @@ void add_options(CLI::App &verb, DecodeOptions &options) {
                "The schema of encodings whose labels do not tell it");
     add_output(verb, options.output);
     add_choice(verb, "--to", options.format, text_formats, format_help);
+    add_losses(verb, options.losses);
 }
 
 void add_options(CLI::App &verb, InspectOptions &options) {
@@ -140,6 +141,7 @@ void add_options(CLI::App &verb, InspectOptions &options) {
                "The entries' schema, when neither the data nor labels tell it");
     add_output(verb, options.output);
     verb.add_flag("--json", options.json, "Write one JSON object for each record, one a line");
+    add_losses(verb, options.losses);
 }
 
 void add_options(CLI::App &verb, ConvertOptions &options) {
@@ -155,6 +157,7 @@ void add_options(CLI::App &verb, ConvertOptions &options) {
 void add_options(CLI::App &verb, CheckOptions &options) {
     add_input(verb, options.input);
     add_choice(verb, "--schema", options.input.schema, schemas, schema_help);
+    add_losses(verb, options.losses);
 }
 
 void add_options(CLI::App &verb, DiffOptions &options) {

@@ -24,8 +24,13 @@ std::string counted(std::uint64_t count, const char *one, const char *more) {
 }
 
 std::string summary(const Tally &tally, double seconds) {
-    std::string text = counted(tally.entries, "entry", "entries") + ", " +
-                       counted(tally.errors, "error", "errors");
+    std::string text;
+    if (tally.entries_widened != 0) {
+        text = counted(tally.entries_widened, "entry matches", "entries match") +
+               " more than before; ";
+    }
+    text += counted(tally.entries, "entry", "entries") + ", " +
+            counted(tally.errors, "error", "errors");
     if (tally.losses != 0) {
         text += ", " + counted(tally.losses, "loss", "losses") + " in " +
                 counted(tally.entries_with_losses, "entry", "entries");

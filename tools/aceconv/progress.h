@@ -18,12 +18,14 @@ struct Tally {
     std::uint64_t errors = 0;
     std::uint64_t losses = 0;
     std::uint64_t entries_with_losses = 0;
+    std::uint64_t entries_widened = 0; // match more than before
 };
 
 /// "1 entry" or "2 entries".
 std::string counted(std::uint64_t count, const char *one, const char *more);
 
-/// "2500 entries, 1 error, 3 losses in 2 entries; 0.12 s, 20833 entries a second"
+/// "2 entries match more than before; 2500 entries, 1 error, 3 losses in 2 entries;
+/// 0.12 s, 20833 entries a second"
 std::string summary(const Tally &tally, double seconds);
 
 class Progress {

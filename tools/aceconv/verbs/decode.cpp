@@ -1,29 +1,35 @@
 // aceconv decode: encodings to entries.
+#include <algorithm>
+
 #include "stream/errors.h"
 #include "stream/sink.h"
-#include "tools/aceconv/run.h"
+#include "tools/aceconv/losses.h"
 #include "tools/aceconv/verbs/verbs.h"
 
 namespace aceconv::tool {
 
 int run_decode(const DecodeOptions &options) {
     Run run(options.common, options.input, options.output, Lists::joined);
-    const Format format = text_format(options.format);
-    Output output(options.output);
+    const RecordView view(run.descriptor());
+    Output output(options.output, reader_gone(options.losses));
     const auto sink =
         make_sink(options.format, options.input.schema.value_or(Schema::base), output);
+    LossAccount account(options.losses, "\"verb\":\"decode\"", run);
     run.each(
-        [format](Codec &codec, const Entry &entry, Product &product) {
+        [&view, format = text_format(options.format),
+         wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {
             if (entry.format) {
                 throw StreamError("", "an entry's text; expected encodings");
             }
-            codec.decode(entry.encoding, entry.schema, format, entry.key, product.bytes);
+            convert(codec, view, entry, entry.schema, format, product.bytes,
+                    wanted ? &product.changes : nullptr);
         },
         [&](const Entry &entry, const Product &product) {
             sink->write(entry.key, entry.schema, product.bytes);
+            account.add(entry, product.changes);
         });
     run.finish(output, sink.get());
-    return run.conclude();
+    return std::max(account.finish(), run.conclude());
 }
 
 } // namespace aceconv::tool

@@ -5,8 +5,7 @@
 #include <tuple>
 #include <unistd.h>
 
-#include "compare/changes.h"
-#include "compare/record_view.h"
+#include "compare/losses.h"
 #include "stream/errors.h"
 #include "tools/aceconv/exit_code.h"
 #include "tools/aceconv/run.h"
@@ -118,22 +117,10 @@ class Comparison {
 
   private:
     void compare(const Encoded &a, const Encoded &b) {
-        DecodedRecord before(descriptor_, a.encoding);
-        DecodedRecord after(descriptor_, b.encoding);
-        clear_derived_bits(before.get());
-        clear_derived_bits(after.get());
-        std::vector<FieldValue> original; // for a fragment type that A's schema cannot say
-        if (translate_fragment_type(after.get(), b.schema, a.schema)) {
-            original = view_.describe(DecodedRecord(descriptor_, b.encoding).get(), b.schema);
-        }
-        auto differences = view_.compare(before, after, a.schema);
-        for (FieldValue &value : original) {
-            if (value.name == "FragmentFlags") {
-                differences.push_back({std::nullopt, std::move(value)});
-            }
-        }
-        different_ += differences.empty() ? 0U : 1U;
-        for (const Change &change : field_changes(differences, a.schema)) {
+        const auto changes =
+            differences(view_, descriptor_, a.encoding, a.schema, b.encoding, b.schema);
+        different_ += changes.empty() ? 0U : 1U;
+        for (const Change &change : changes) {
             write(a, change_text(change));
         }
     }

@@ -3,13 +3,11 @@
 #include <unistd.h>
 #include <utility>
 
-#include "compare/changes.h"
-#include "compare/record_view.h"
 #include "compare/stored_records.h"
 #include "stream/errors.h"
 #include "stream/sink.h"
 #include "tools/aceconv/exit_code.h"
-#include "tools/aceconv/run.h"
+#include "tools/aceconv/losses.h"
 #include "tools/aceconv/verbs/verbs.h"
 
 namespace aceconv::tool {
@@ -27,28 +25,6 @@ bool read_stored(const std::string &path, StoredRecords &stored) {
     } catch (const DataError &fault) {
         FaultReport(path).add(entry.position, entry.key, fault);
         return false;
-    }
-}
-
-/// The losses of stored encodings that have met no entry.
-void say_left(const StoredRecords &stored, const EncodeOptions &options, Run &run) {
-    const RecordView view(run.descriptor());
-    for (const StoredRecords::Left &left : stored.left()) {
-        const DecodedRecord record(run.descriptor(), left.stored.encoding);
-        Change loss;
-        loss.field = "UDF";
-        loss.reason = left.why;
-        for (const FieldValue &value : view.describe(record.get(), left.stored.schema)) {
-            if (value.name == loss.field) {
-                loss.before = value_text(value);
-            }
-        }
-        ++run.tally().losses;
-        ++run.tally().entries_with_losses;
-        if (!options.losses.unsaid) {
-            say(shown_place(shown_name(options.stored), left.stored.position, left.stored.key) +
-                "loss: " + change_text(loss));
-        }
     }
 }
 
@@ -71,13 +47,14 @@ int run_encode(const EncodeOptions &options) {
             return exit_trouble;
         }
     }
-    Output output(options.output,
-                  options.losses.strict ? ReaderGone::is_ignored : ReaderGone::ends);
+    const RecordView view(run.descriptor());
+    Output output(options.output, reader_gone(options.losses));
     const auto sink = make_sink(options.bare ? OutputFormat::bare_cbor : OutputFormat::cbor,
                                 Schema::base, output);
+    LossAccount account(options.losses, "\"verb\":\"encode\"", run);
     run.each(
-        [&stored = std::as_const(stored), any_stored](Codec &codec, Entry &entry,
-                                                      Product &product) {
+        [&view, &stored = std::as_const(stored), any_stored,
+         wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {
             if (!entry.format) {
                 throw StreamError("", "an encoding already; expected entries in JSON or XML");
             }
@@ -89,17 +66,23 @@ int run_encode(const EncodeOptions &options) {
                 encoding = codec.encode(entry, earlier);
             }
             append(product.bytes, encoding);
+            if (wanted) {
+                product.changes = losses_of_encoding(codec, view, entry, encoding);
+            }
         },
         [&](const Entry &entry, const Product &product) {
             stored.meet(entry);
             sink->write(entry.key, entry.schema, product.bytes);
+            account.add(entry, product.changes);
         });
     run.finish(output, sink.get());
     if (!run.stopped()) {
-        say_left(stored, options, run);
+        for (const StoredRecords::Left &left : stored.left()) {
+            account.add(shown_name(options.stored), left.stored,
+                        losses_of_stored(view, run.descriptor(), left.stored.encoding, left.why));
+        }
     }
-    const bool lost = options.losses.strict && run.tally().losses != 0;
-    return std::max<int>(run.conclude(), lost ? exit_verdict : exit_ok);
+    return std::max(account.finish(), run.conclude());
 }
 
 } // namespace aceconv::tool

@@ -1,9 +1,11 @@
 // aceconv inspect: records as an engineer reads them.
+#include <algorithm>
 #include <cstdio>
+#include <nlohmann/json.hpp>
 #include <unistd.h>
 
-#include "compare/record_view.h"
-#include "stream/errors.h"
+#include "stream/text.h"
+#include "tools/aceconv/losses.h"
 #include "tools/aceconv/run.h"
 #include "tools/aceconv/verbs/verbs.h"
 
@@ -46,6 +48,23 @@ std::string as_text(const std::string &name, const Inspected &inspected, const S
     return text;
 }
 
+Json json_value(const FieldValue &field) {
+    if (field.type == FieldType::user_fields) {
+        Json elements = Json::array();
+        for (const ace_udf_element &element : field.user_fields) {
+            elements.push_back({{"name", user_field_name(element)},
+                                {"value", hexadecimal(element.UDFValue)},
+                                {"mask", hexadecimal(element.UDFMask)}});
+        }
+        return elements;
+    }
+    if (field.type == FieldType::text || field.type == FieldType::address) {
+        return field.text ? Json(*field.text) : Json();
+    }
+    return field.type == FieldType::boolean && field.number <= 1 ? Json(field.number == 1)
+                                                                 : Json(field.number);
+}
+
 /// `file` is empty where there is but one input.
 std::string as_json(const std::string &file, const Entry &entry, const Inspected &inspected) {
     Json fields = Json::array();
@@ -58,7 +77,7 @@ std::string as_json(const std::string &file, const Entry &entry, const Inspected
         if (field.width != 0) {
             row["offset"] = field.offset;
             row["width"] = field.width;
-            row["value"] = field.value;
+            row["value"] = json_value(field);
         }
         if (!field.keyword.empty()) {
             row["keyword"] = field.keyword;
@@ -81,16 +100,32 @@ std::string as_json(const std::string &file, const Entry &entry, const Inspected
     return shown.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
+/// What the entry's schema cannot say of its record. One that it cannot write at all
+/// is shown all the same.
+Losses losses_of(Codec &codec, const RecordView &view, const Entry &entry, Encoding encoding) {
+    try {
+        return losses_there_and_back(codec, view, entry, encoding);
+    } catch (const DataError &fault) {
+        Change loss;
+        loss.leaf = "entry";
+        loss.before = "present";
+        loss.reason = "the " + std::string(schema_name(entry.schema)) +
+                      " schema cannot write it: " + fault.what();
+        return {loss};
+    }
+}
+
 } // namespace
 
 int run_inspect(const InspectOptions &options) {
     Run run(options.common, options.input, options.output, Lists::apart);
     const RecordView view(run.descriptor());
-    Output output(options.output);
+    Output output(options.output, reader_gone(options.losses));
     const Style style(options.output == "-" ? STDOUT_FILENO : -1);
     bool headed = options.json;
+    LossAccount account(options.losses, "\"verb\":\"inspect\"", run);
     run.each(
-        [&](Codec &codec, Entry &entry, Product &product) {
+        [&, wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {
             const Encoding encoding = codec.encode(entry);
             const DecodedRecord record(codec.descriptor(), encoding);
             const Inspected inspected{encoding.size(), record.get().ConfigurationMask,
@@ -99,16 +134,20 @@ int run_inspect(const InspectOptions &options) {
             product.bytes = options.json ? as_json(run.several() ? run.file(entry.position) : "",
                                                    entry, inspected)
                                          : as_text(run.shown(entry), inspected, style);
+            if (wanted) {
+                product.changes = losses_of(codec, view, entry, encoding);
+            }
         },
-        [&](const Entry & /*entry*/, const Product &product) {
+        [&](const Entry &entry, const Product &product) {
             if (!std::exchange(headed, true)) {
                 output.write(
                     style.faint("  presence bits      offset  field                  value\n"));
             }
             output.write(product.bytes);
+            account.add(entry, product.changes);
         });
     run.finish(output);
-    return run.conclude();
+    return std::max(account.finish(), run.conclude());
 }
 
 } // namespace aceconv::tool

@@ -22,6 +22,7 @@ struct DecodeOptions {
     InputOptions input;
     std::string output = "-";
     OutputFormat format = OutputFormat::json;
+    LossOptions losses;
 };
 int run_decode(const DecodeOptions &options);
 
@@ -30,6 +31,7 @@ struct InspectOptions {
     InputOptions input;
     std::string output = "-";
     bool json = false;
+    LossOptions losses;
 };
 int run_inspect(const InspectOptions &options);
 
@@ -46,6 +48,7 @@ int run_convert(const ConvertOptions &options);
 struct CheckOptions {
     CommonOptions common;
     InputOptions input;
+    LossOptions losses;
 };
 int run_check(const CheckOptions &options);
 

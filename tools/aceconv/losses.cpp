@@ -1,0 +1,99 @@
+#include "tools/aceconv/losses.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "tools/aceconv/exit_code.h"
+#include "tools/aceconv/report.h"
+
+namespace aceconv::tool {
+
+/// The losses as a JSON document, written as they come.
+class LossAccount::Report {
+  public:
+    Report(const std::string &path, const std::string &about)
+        : output_(path, ReaderGone::is_ignored) {
+        output_.write("{" + about + (about.empty() ? "" : ",") + "\"losses\":[");
+    }
+    void add(const Change &loss, const Entry &entry, const std::string &file) {
+        output_.write(std::exchange(first_, false) ? "\n" : ",\n");
+        output_.write(change_json(loss, entry, file));
+    }
+    void finish(const Tally &tally) {
+        output_.write("\n],\"entries\":" + std::to_string(tally.entries) +
+                      ",\"entries-with-losses\":" + std::to_string(tally.entries_with_losses) +
+                      ",\"entries-that-match-more\":" + std::to_string(tally.entries_widened) +
+                      "}\n");
+        output_.commit();
+    }
+
+  private:
+    Output output_;
+    bool first_ = true;
+};
+
+bool losses_wanted(const LossOptions &options) {
+    return !options.unsaid || options.strict || !options.report.empty();
+}
+
+ReaderGone reader_gone(const LossOptions &options) {
+    return options.strict ? ReaderGone::is_ignored : ReaderGone::ends;
+}
+
+LossAccount::LossAccount(const LossOptions &options, const std::string &about, Run &run)
+    : options_(options), run_(run) {
+    if (!options.report.empty()) {
+        run.also_writes(options.report);
+        report_ = std::make_unique<Report>(options.report, about);
+    }
+}
+
+LossAccount::~LossAccount() = default;
+
+void LossAccount::add(const Entry &entry, const Losses &losses) {
+    count(entry, losses);
+    say_losses(run_.file(entry.position), entry, losses);
+}
+
+void LossAccount::add(const std::string &file, const Entry &entry, const Losses &losses) {
+    note(file, entry, losses);
+    say_losses(file, entry, losses);
+}
+
+void LossAccount::count(const Entry &entry, const Losses &losses) {
+    note(run_.several() ? run_.file(entry.position) : "", entry, losses);
+}
+
+/// `file` is empty where it need not be named.
+void LossAccount::note(const std::string &file, const Entry &entry, const Losses &losses) {
+    const bool widens =
+        std::any_of(losses.begin(), losses.end(), [](const Change &loss) { return loss.widens; });
+    Tally &tally = run_.tally();
+    tally.losses += losses.size();
+    tally.entries_with_losses += losses.empty() ? 0U : 1U;
+    tally.entries_widened += widens ? 1U : 0U;
+    if (report_) {
+        for (const Change &loss : losses) {
+            report_->add(loss, entry, file);
+        }
+    }
+}
+
+void LossAccount::say_losses(const std::string &file, const Entry &entry,
+                             const Losses &losses) const {
+    if (options_.unsaid) {
+        return;
+    }
+    for (const Change &loss : losses) {
+        say(shown_place(file, entry.position, entry.key) + "loss: " + change_text(loss));
+    }
+}
+
+int LossAccount::finish() {
+    if (report_ && !run_.stopped()) {
+        report_->finish(run_.tally());
+    }
+    return options_.strict && run_.tally().losses != 0 ? exit_verdict : exit_ok;
+}
+
+} // namespace aceconv::tool

@@ -1,0 +1,48 @@
+// What a run says of losses: a line for each on standard error, counts in the
+// summary, the report, and the exit code under --strict. The same for every verb.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "compare/losses.h"
+#include "stream/output.h"
+#include "tools/aceconv/run.h"
+
+namespace aceconv::tool {
+
+/// Whether anyone asks for losses; where no one does they need not be found.
+bool losses_wanted(const LossOptions &options);
+
+/// What the end of the output's reader means: the exit code may still tell of losses.
+ReaderGone reader_gone(const LossOptions &options);
+
+class LossAccount {
+  public:
+    /// `about` are the report's first members, as JSON: "from":"base","to":"um".
+    /// Throws UsageError when the run has another use for the report's file, IoError.
+    LossAccount(const LossOptions &options, const std::string &about, Run &run);
+    ~LossAccount();
+
+    /// Counts the entry's losses, says them and puts them in the report.
+    void add(const Entry &entry, const Losses &losses);
+    /// The same of an entry of another file than the run's inputs.
+    void add(const std::string &file, const Entry &entry, const Losses &losses);
+    /// Like the first, but says nothing: for a verb whose output they are.
+    void count(const Entry &entry, const Losses &losses);
+
+    /// Completes the report, unless the run has stopped; exit_verdict when losses are
+    /// to be told so.
+    int finish();
+
+  private:
+    class Report;
+    void note(const std::string &file, const Entry &entry, const Losses &losses);
+    void say_losses(const std::string &file, const Entry &entry, const Losses &losses) const;
+
+    const LossOptions options_;
+    Run &run_;
+    std::unique_ptr<Report> report_; // null when none is asked for
+};
+
+} // namespace aceconv::tool
