@@ -137,6 +137,9 @@ inline JsonWalk::Step JsonWalk::next() {
 /// What a string stands for, given with its quotes; nothing when it is not valid.
 std::optional<std::string> json_string(std::string_view quoted);
 
+/// UTF-8 as a JSON string with its quotes.
+std::string json_quoted(std::string_view text);
+
 /// The place of the first byte that keeps `text` from being a JSON value; none when
 /// it is one.
 std::optional<std::size_t> json_fault(std::string_view text);

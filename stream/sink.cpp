@@ -1,21 +1,17 @@
 #include "stream/sink.h"
 
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <set>
 #include <string>
 #include <utility>
 
+#include "host/json_scan.h"
 #include "stream/errors.h"
 #include "stream/label.h"
 #include "stream/text.h"
 
 namespace aceconv {
 namespace {
-
-std::string json_quoted(std::string_view text) {
-    return nlohmann::json(text).dump();
-}
 
 /// The pieces of a document around its entries; `%` stands for the list's name,
 /// in `open` and `empty` for the schema's.

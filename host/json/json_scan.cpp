@@ -33,4 +33,8 @@ std::optional<std::size_t> json_fault(std::string_view text) {
     return std::nullopt;
 }
 
+std::string json_quoted(std::string_view text) {
+    return nlohmann::json(text).dump();
+}
+
 } // namespace aceconv
