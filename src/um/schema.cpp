@@ -75,7 +75,9 @@ constexpr OperatorGroup fragment_offset = {
 
 // ---- Matches ----------------------------------------------------------------
 
-constexpr std::array<Row, side_row_count> source = {{
+namespace {
+
+constexpr Row source_rows[] = {
     address("address",       FIELD(saddr),        bit(2)),
     address("wildcard-mask", FIELD(smask),        bit(3)),
     number ("prefix-length", FIELD(spfx_len),     bit(36)),
@@ -84,9 +86,9 @@ constexpr std::array<Row, side_row_count> source = {{
     text   ("net-group",     FIELD(net_src_obj),  bit(47)),
     group  ("port",          source_port,         source_port.code_bit),
     text   ("port-group",    FIELD(port_src_obj), bit(49)),
-}};
+};
 
-constexpr std::array<Row, side_row_count> destination = {{
+constexpr Row destination_rows[] = {
     address("address",       FIELD(daddr),        bit(7)),
     address("wildcard-mask", FIELD(dmask),        bit(8)),
     number ("prefix-length", FIELD(dpfx_len),     bit(37)),
@@ -95,7 +97,12 @@ constexpr std::array<Row, side_row_count> destination = {{
     text   ("net-group",     FIELD(net_dst_obj),  bit(48)),
     group  ("port",          destination_port,    destination_port.code_bit),
     text   ("port-group",    FIELD(port_dst_obj), bit(50)),
-}};
+};
+
+} // namespace
+
+constexpr Rows source = source_rows;
+constexpr Rows destination = destination_rows;
 
 constexpr Row tcp_flags = reported(
     node(Kind::tcp_flags, "tcp-flags", tcp_operator_bit | tcp_flags_bit),
@@ -241,14 +248,14 @@ static_assert([] {
 }());
 
 // Both sides have the same nodes, and the parts of an action are all there.
+static_assert(std::size(source_rows) == std::size(destination_rows));
 static_assert([] {
-    for (std::size_t i = 0; i < side_row_count; ++i) {
+    for (std::size_t i = 0; i < source.size(); ++i) {
         if (!guard::same_text(source[i].leaf.name, destination[i].leaf.name)) {
             return false;
         }
     }
-    return guard::same_text(source[side_host].leaf.name, "host") &&
-           action_parts.after_matches ==
+    return action_parts.after_matches ==
                protocol.forms.size() + action_parts.sides.size() + action_parts.matches.size() &&
            !action_parts.next_hops.empty() && !action_parts.options.empty();
 }());

@@ -99,19 +99,8 @@ struct ActionParts {
 };
 extern const ActionParts action_parts;
 
-/// The children of both sides by their place; they are written in another order.
-enum SideRow : std::uint8_t {
-    side_address,
-    side_wildcard_mask,
-    side_prefix_length,
-    side_any,
-    side_host, // the address again, for one without mask and length
-    side_net_group,
-    side_port,
-    side_port_group,
-    side_row_count,
-};
-extern const std::array<Row, side_row_count> source, destination;
+/// The children of "source" and of "destination"; they are written in another order.
+extern const Rows source, destination;
 
 extern const Row tcp_flags, police;
 

@@ -3,23 +3,39 @@
 
 namespace ace::um {
 
+namespace {
+
+/// The nodes of a side by their place in its table.
+enum Node : std::uint8_t {
+    address,
+    wildcard_mask,
+    prefix_length,
+    any,
+    host, // the address again, for one without mask and length
+    net_group,
+    port,
+    port_group,
+};
+
+} // namespace
+
 void emit_side(ccv_yang_output *output, const Record &record, Rows side) {
-    const auto present = [&](SideRow row) { return is_present(record, side[row].leaf.bit); };
-    const auto write = [&](SideRow row) { write_leaf(output, record, side[row].leaf); };
-    const bool has_address = present(side_address);
-    if (has_address && (present(side_wildcard_mask) || present(side_prefix_length))) {
-        write(side_address);
-        write(side_prefix_length);
-        write(side_wildcard_mask);
+    const auto present = [&](Node node) { return is_present(record, side[node].leaf.bit); };
+    const auto write = [&](Node node) { write_leaf(output, record, side[node].leaf); };
+    const bool has_address = present(address);
+    if (has_address && (present(wildcard_mask) || present(prefix_length))) {
+        write(address);
+        write(prefix_length);
+        write(wildcard_mask);
     } else {
-        write(side_host);
+        write(host);
     }
-    write(side_net_group);
-    if (!has_address && !present(side_net_group)) {
-        (void)emit_node(output, record, side[side_any]);
+    write(net_group);
+    if (!has_address && !present(net_group)) {
+        (void)emit_node(output, record, side[any]);
     }
-    write(side_port_group);
-    (void)emit_row(output, record, side[side_port]); // cannot fail
+    write(port_group);
+    (void)emit_row(output, record, side[port]); // cannot fail
 }
 
 } // namespace ace::um
