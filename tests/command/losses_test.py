@@ -85,6 +85,31 @@ class Losses(Case):
                 self.run_command(*call, "--no-losses", "--report", report, stdin=source)
                 self.assertEqual(json.loads(report.read_text())["entries-with-losses"], 1)
 
+    def test_diff_tells_what_its_records_do_not_show(self):
+        plain = self.file("plain", '{"permit":{"log-input":{}}}')
+        replaced = self.file("replaced", '{"permit":{"log":{},"log-input":{}}}')
+        for left, right in ((plain, replaced), (replaced, plain)):
+            code, out, err = self.run_command("diff", left, right)
+            self.assertEqual((code, out), (0, b""))
+            self.assertRegex(err, f"^aceconv: {replaced}:1: loss: permit/log: [^\n]*\n$")
+            self.assertEqual(self.run_command("diff", "--strict", left, right)[0], 1)
+
+    def test_names_that_print_alike_are_not_the_same(self):
+        udf = '{"permit":{"udf-entries":{"udf":[{"udf-name":"a1b","udf-value":"1"}]}}}'
+        encoded = self.ok("encode", stdin=udf)
+        self.assertEqual(encoded.count(b"a1b"), 1)
+        kinds = {name: self.file(f"f{i}", encoded.replace(b"a1b", name))
+                 for i, name in enumerate((b"a1b", b"a\0b", b"a\tb", b"a\\b"))}
+        shown = {b"a1b": "a1b", b"a\0b": "a\\x00b", b"a\tb": "a\\x09b", b"a\\b": "a\\\\b"}
+        for a, left in kinds.items():
+            for b, right in kinds.items():
+                code, out, _ = self.run_command("diff", left, right)
+                self.assertEqual(code, int(a != b), (a, b))
+                if a != b:
+                    self.assertIn(f": {shown[a]} 0x1/0x0 -> {shown[b]} 0x1/0x0", out.decode())
+        code, _, err = self.run_command("decode", kinds[b"a\0b"])
+        self.assertIn("a\\x00b 0x1/0x0 -> a 0x1/0x0; a name ends at its first NUL; matches", err)
+
 
 if __name__ == "__main__":
     unittest.main()

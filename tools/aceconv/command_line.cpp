@@ -167,6 +167,7 @@ void add_options(CLI::App &verb, DiffOptions &options) {
     add_choice(verb, "--schema-a", options.left.schema, schemas,
                "The schema of A, when neither the data nor labels tell it");
     add_choice(verb, "--schema-b", options.right.schema, schemas, "The same of B");
+    add_losses(verb, options.losses);
 }
 
 /// What the command line asks for.

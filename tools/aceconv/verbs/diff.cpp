@@ -5,10 +5,9 @@
 #include <tuple>
 #include <unistd.h>
 
-#include "compare/losses.h"
 #include "stream/errors.h"
 #include "tools/aceconv/exit_code.h"
-#include "tools/aceconv/run.h"
+#include "tools/aceconv/losses.h"
 #include "tools/aceconv/verbs/verbs.h"
 
 namespace aceconv::tool {
@@ -28,13 +27,18 @@ struct Encoded {
 /// One of the two inputs, read ahead only as far as the other one's order asks for.
 class Side {
   public:
-    Side(const CommonOptions &common, const InputOptions &options)
+    Side(const CommonOptions &common, const InputOptions &options, bool losses_wanted)
         : run_(common, options, "-", Lists::joined) {
-        const auto encode = [](Codec &codec, Entry &entry, Product &product) {
+        const auto encode = [view = RecordView(run_.descriptor()),
+                             losses_wanted](Codec &codec, Entry &entry, Product &product) {
             if (!entry.format) { // bad data even if the other side has no such entry
                 static_cast<void>(DecodedRecord(codec.descriptor(), entry.encoding));
             }
-            append(product.bytes, codec.encode(entry));
+            const Encoding encoding = codec.encode(entry);
+            append(product.bytes, encoding);
+            if (losses_wanted) { // what the comparison cannot see
+                product.changes = losses_of_encoding(codec, view, entry, encoding);
+            }
         };
         run_.begin(encode, (common.jobs + 1) / 2,
                    [this](const Entry &entry, const DataError &fault) {
@@ -44,13 +48,14 @@ class Side {
     }
 
     /// The next entry, which is then among the waiting ones; false at the end.
-    bool advance(PairKey &key) {
+    bool advance(PairKey &key, LossAccount &account) {
         EntryStream::Item *item = run_.next();
         if (item == nullptr) {
             return false;
         }
         const Entry &entry = item->entry;
         key = key_of(entry);
+        account.add(run_.file(), entry, item->product.changes);
         waiting_[key] = {entry.key,
                          entry.position,
                          entry.schema,
@@ -142,11 +147,16 @@ int run_diff(const DiffOptions &options) {
     if (options.left.paths == options.right.paths && options.left.paths.front() == "-") {
         throw UsageError("only one of the two inputs can be standard input");
     }
-    Side left(options.common, options.left);
+    const bool wanted = losses_wanted(options.losses);
+    Side left(options.common, options.left, wanted);
     CommonOptions unseen = options.common; // the other one keeps its pace
     unseen.quiet = true;
     unseen.progress = false;
-    Side right(unseen, options.right);
+    Side right(unseen, options.right, wanted);
+    if (!options.losses.report.empty()) {
+        right.run().also_writes(options.losses.report);
+    }
+    LossAccount account(options.losses, "\"verb\":\"diff\"", left.run());
     Comparison comparison(left.run().descriptor());
     const auto stopped = [&] {
         return !options.common.keep_going &&
@@ -156,7 +166,7 @@ int run_diff(const DiffOptions &options) {
         more = false;
         for (Side *side : {&left, &right}) {
             PairKey key;
-            if (stopped() || !side->advance(key)) {
+            if (stopped() || !side->advance(key, account)) {
                 continue;
             }
             more = true;
@@ -169,7 +179,7 @@ int run_diff(const DiffOptions &options) {
     }
     left.run().merge(right.run());
     const int status = comparison.finish();
-    return std::max(left.run().conclude(), status);
+    return std::max({account.finish(), left.run().conclude(), status});
 }
 
 } // namespace aceconv::tool

@@ -56,6 +56,7 @@ struct DiffOptions {
     CommonOptions common;
     InputOptions left = {.schema_option = "--schema-a"};
     InputOptions right = {.schema_option = "--schema-b"};
+    LossOptions losses; // on the way to the records that are compared
 };
 int run_diff(const DiffOptions &options);
 
