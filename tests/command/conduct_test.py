@@ -142,7 +142,7 @@ class Messages(Case):
                 (2, ("encode", remark), "--schema base or --schema um"),
                 (2, ("encode", "--trace=[", doc), "--trace"),
                 (2, ("convert", "--from", "um", "--to", "um", doc), "the same schema"),
-                (2, ("convert", doc), "--from"), (2, ("diff", doc), "B"),
+                (2, ("convert", doc), "--to"), (2, ("diff", doc), "B"),
                 (2, ("diff", "-", "-"), "standard input"), (2, ("check", "-", doc, "-"), "standard input"),
                 (2, ("encode", "--stored", "-"), "standard input"),
                 (2, ("encode", "--stored", doc, self.file("um", document("um", ("X", numbered({})))),

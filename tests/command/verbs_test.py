@@ -172,7 +172,9 @@ class Formats(Case):
             path = self.file("raw", self.ok("encode", "--no-labels", stdin=json.dumps(entry)))
             for option, *args in (("--schema", "decode", path), ("--schema", "inspect", path),
                                   ("--schema", "check", path), ("--schema-a", "diff", path, path),
-                                  ("--schema-b", "diff", "--schema-a", schema, path, path)):
+                                  ("--schema-b", "diff", "--schema-a", schema, path, path),
+                                  ("--from", "convert", "--to", "um", "--no-losses", path),
+                                  ("--from", "convert", "--to", "base", "--no-losses", path)):
                 with self.subTest(args=args, fields=fields):
                     if fields is None:
                         self.ok(*args)
@@ -360,9 +362,24 @@ class Convert(Case):
         code, out, err = self.run_command(*args, "--to-format", "xml", "--no-losses", stdin=lossy)
         self.assertEqual((code, err), (1, ""))
         self.assertEqual(ElementTree.fromstring(out).tag, "{urn:aceconv:base}entry")
-        encoded = self.ok("encode", stdin=lossless)
-        self.assertEqual(json.loads(self.ok("convert", "--from", "um", "--to", "base",
-                                            stdin=encoded))["log-option"], "log")
+
+    def test_the_data_tells_what_to_convert_from(self):
+        entries = {"base": {"grant": "deny", "log-option": "log"}, "um": {"deny": {"log": {}}}}
+        texts = {schema: document(schema, (schema, numbered(entry)))
+                 for schema, entry in entries.items()}
+        encoded = {schema: self.ok("encode", stdin=text) for schema, text in texts.items()}
+        for source, target in (("base", "um"), ("um", "base")):
+            wanted = self.ok("convert", "--from", source, "--to", target, stdin=texts[source])
+            for text in (texts[source], encoded[source]):
+                self.assertEqual(self.ok("convert", "--to", target, stdin=text), wanted)
+            code, out, err = self.run_command("convert", "--keep-going", "--to", target,
+                                              stdin=encoded[target] + encoded[source])
+            self.assertEqual((code, out), (2, wanted))
+            self.assertIn(f":#1: acl '{target}' entry 10: of the {target} schema already", err)
+            code, _, err = self.run_command("convert", "--from", source, "--to", target,
+                                            stdin=encoded[target])
+            self.assertEqual(code, 2)
+            self.assertIn(f"labelled as of the {target} schema, not the {source}", err)
 
 
 class CheckAndDiff(Case):

@@ -146,8 +146,8 @@ void add_options(CLI::App &verb, InspectOptions &options) {
 
 void add_options(CLI::App &verb, ConvertOptions &options) {
     add_input(verb, options.input);
-    add_choice(verb, "--from", options.input.schema, schemas, "The schema to convert from")
-        ->required();
+    add_choice(verb, "--from", options.input.schema, schemas,
+               "The schema to convert from, when neither the data nor labels tell it");
     add_choice(verb, "--to", options.to, schemas, "The schema to convert to")->required();
     add_output(verb, options.output);
     add_choice(verb, "--to-format", options.format, text_formats, format_help);

@@ -8,9 +8,21 @@
 #include "tools/aceconv/verbs/verbs.h"
 
 namespace aceconv::tool {
+namespace {
+
+/// The first members of the report; each entry's own schema is the one to convert
+/// from where no option names one.
+std::string about(std::optional<Schema> from, Schema to) {
+    const auto member = [](const char *name, Schema schema) {
+        return "\"" + std::string(name) + "\":\"" + std::string(schema_name(schema)) + "\"";
+    };
+    return (from ? member("from", *from) + "," : "") + member("to", to);
+}
+
+} // namespace
 
 int run_convert(const ConvertOptions &options) {
-    const Schema from = *options.input.schema;
+    const std::optional<Schema> from = options.input.schema;
     const Schema to = *options.to;
     if (from == to) {
         throw UsageError("--from and --to name the same schema");
@@ -19,13 +31,16 @@ int run_convert(const ConvertOptions &options) {
     const RecordView view(run.descriptor());
     Output output(options.output, reader_gone(options.losses));
     const auto sink = make_sink(options.format, to, output);
-    LossAccount account(options.losses,
-                        "\"from\":\"" + std::string(schema_name(from)) + "\",\"to\":\"" +
-                            std::string(schema_name(to)) + "\"",
-                        run);
+    LossAccount account(options.losses, about(from, to), run);
     run.each(
         [&view, to, format = text_format(options.format),
          wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {
+            if (!entry.schema_known) { // the record means the same in both
+                entry.schema = to == Schema::base ? Schema::um : Schema::base;
+            }
+            if (entry.schema == to) {
+                throw DataError("", "of the " + std::string(schema_name(to)) + " schema already");
+            }
             convert(codec, view, entry, to, format, product.bytes,
                     wanted ? &product.changes : nullptr);
         },

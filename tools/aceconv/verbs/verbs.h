@@ -37,7 +37,7 @@ int run_inspect(const InspectOptions &options);
 
 struct ConvertOptions {
     CommonOptions common;
-    InputOptions input = {.schema_option = "--from"}; // its schema is the one to convert from
+    InputOptions input = {.schema_option = "--from"};
     std::optional<Schema> to;
     std::string output = "-";
     OutputFormat format = OutputFormat::json;
