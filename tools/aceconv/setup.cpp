@@ -4,37 +4,26 @@
 #include <stdexcept>
 
 #include "host/debug_control.h"
+#include "host/installation.h"
 #include "stream/errors.h"
 
 namespace aceconv::tool {
-namespace {
-
-/// The folder above the one that the program is in.
-std::filesystem::path prefix() {
-    std::error_code none;
-    return std::filesystem::read_symlink("/proc/self/exe", none).parent_path().parent_path();
-}
-
-} // namespace
 
 Plugin find_plugin(const CommonOptions &options) {
     try {
-        return load_plugin(options.plugin.empty() ? prefix() / "lib" / "libipv4_acl_ace.so"
-                                                  : std::filesystem::path(options.plugin));
+        return load_plugin(options.plugin.empty() ? installed_plugin() : options.plugin);
     } catch (const std::runtime_error &e) {
-        throw IoError(e.what());
+        throw IoError(std::string(e.what()) +
+                      (options.plugin.empty() ? "; --plugin names another" : ""));
     }
 }
 
-std::filesystem::path find_modules(const CommonOptions &options) {
-    if (!options.modules.empty()) {
-        return options.modules;
+std::string find_modules(const CommonOptions &options) {
+    try {
+        return options.modules.empty() ? installed_modules() : options.modules;
+    } catch (const std::runtime_error &e) {
+        throw IoError(std::string(e.what()) + "; --modules names another place");
     }
-    const std::filesystem::path installed = prefix() / "share" / "aceconv" / "yang";
-    std::error_code none;
-    return std::filesystem::is_directory(installed, none)
-               ? installed
-               : std::filesystem::path(ACECONV_SOURCE_MODULES);
 }
 
 CodecSetup start(const CommonOptions &options) {

@@ -12,7 +12,7 @@ int show_version(const CommonOptions &options) {
     Output output("-");
     output.write("aceconv " ACECONV_VERSION "\nplug-in " + plugin.file + "\nrecord  " +
                  plugin.descriptor->type_name + " " + bag_fingerprint(*plugin.descriptor) +
-                 "\nmodules " + find_modules(options).string() + "\n");
+                 "\nmodules " + find_modules(options) + "\n");
     output.commit();
     return exit_ok;
 }
