@@ -76,6 +76,7 @@ Output::Output(const std::string &path, ReaderGone gone)
     if (place.descriptor) {
         fd_ = *place.descriptor;
         own_ = false;
+    } else if (!there && errno != ENOENT) { // nothing that a new file could take the place of
     } else if (there && !S_ISREG(status.st_mode)) {
         fd_ = open(target_.c_str(), O_WRONLY | O_CLOEXEC);
     } else {

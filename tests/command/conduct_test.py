@@ -130,6 +130,7 @@ class Messages(Case):
 
     def test_usage_and_io(self):
         doc, missing = self.file("doc", DOC), str(self.dir / "missing")
+        os.symlink("loop", loop := str(self.dir / "loop"))
         remark = self.file("remark", '{"remark":"r"}')
         for code, args, said in [
                 (2, (), "a verb is expected"), (2, ("help", "me"), "unknown verb me"),
@@ -150,6 +151,7 @@ class Messages(Case):
                 (3, ("encode", missing), missing + ": cannot read: No such file"),
                 (3, ("encode", str(self.dir)), "cannot read"),
                 (3, ("encode", doc, "-o", missing + "/x"), "cannot write: No such file"),
+                (3, ("encode", doc, "-o", loop), "cannot write: Too many levels of symbolic links"),
                 (3, ("encode", doc, "-o", "/dev/full"), "/dev/full: cannot write: No space left"),
                 (3, ("encode", doc, "--plugin", missing), missing),
                 (3, ("encode", doc, "--plugin", doc), doc),

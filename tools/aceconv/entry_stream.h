@@ -38,7 +38,8 @@ class EntryStream {
         std::exception_ptr fault; // of reading the entry, or of the work on it
     };
 
-    /// `source` must outlive the stream. Throws IoError.
+    /// `source` must outlive the stream; it is asked for more behind every
+    /// DataError. Throws IoError.
     EntryStream(Source &source, const CodecSetup &setup, unsigned jobs, Work work);
     ~EntryStream();
     EntryStream(const EntryStream &) = delete;
