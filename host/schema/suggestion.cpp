@@ -29,7 +29,7 @@ std::string meant_name(const SchemaNode &leaf, std::string_view word) {
         names.emplace_back(name.text);
     }
     for (const auto &[said, name] : everyday_words) {
-        const std::string meant = word == said ? did_you_mean(name, names) : "";
+        std::string meant = word == said ? did_you_mean(name, names) : "";
         if (!meant.empty()) {
             return meant;
         }
