@@ -79,6 +79,8 @@ const Input chunk_inputs[] = {
     {"<acls xmlns='urn:aceconv:um'><acl><name>A</name><entry/>\n<x/></acl></acls>",
      "A@1 <entry xmlns=\"urn:aceconv:um\"/>\n@2 /aceconv-um:acls/acl[name='A']: unknown element "
      "'x'"},
+    {"\x83\x61X\x0A\x62um\xC6\x80\x9F\x01\xFF\x82\x61Y\xF6\xA1\x01\x02", "X@0 \n-@0 \nY@0 \n"},
+    {"\x82\x61X\x0A\x80\x9F\x1C", "X@0 \n@0 : the encoding at byte 5 is cut off or malformed"},
 };
 
 TEST(Source, ChunksMayEndAnywhere) {

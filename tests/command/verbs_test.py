@@ -154,9 +154,9 @@ class Formats(Case):
             self.assertEqual(code, 2)
             self.assertRegex(err, f"labelled as of the {schema} schema, not the {other} schema.*: "
                                   f"convert --from {schema} --to {other}")
-        names = [[f["keyword"] for f in record["fields"] if "keyword" in f]
+        names = [(record["schema"], [f["keyword"] for f in record["fields"] if "keyword" in f])
                  for record in self.records(stdin=encoded["base"] + encoded["um"])]
-        self.assertEqual(names, [["is-fragment"], ["permit", "ipv4"]])
+        self.assertEqual(names, [("base", ["is-fragment"]), ("um", ["permit", "ipv4"])])
 
     def test_encodings_whose_meaning_depends_on_an_untold_schema(self):
         police = {"permit": {"police": {"value": 1, "unit": "pps"}}}
@@ -296,8 +296,11 @@ class Formats(Case):
                 (raw + plain, lines, [False, False], ["#1: .*, while other stored encodings have"])):
             with self.subTest(lost=lost, wanted=wanted):
                 path = self.file("stored", kept)
-                code, encoded, err = self.run_command("encode", "--strict", "--stored", path,
-                                                      stdin=text)
+                report = self.dir / "report"
+                code, encoded, err = self.run_command("encode", "--strict", "--report", report,
+                                                      "--stored", path, stdin=text)
+                self.assertEqual([(path, "UDF")] * len(lost), [
+                    (loss["file"], loss["field"]) for loss in json.loads(report.read_text())["losses"]])
                 self.assertEqual((code, len(err.splitlines())), (1 if lost else 0, len(lost)))
                 for line, said in zip(err.splitlines(), lost):
                     self.assertRegex(line, f"aceconv: {path}:{said}")

@@ -93,6 +93,7 @@ std::string as_json(const std::string &file, const Entry &entry, const Inspected
     }
     shown["acl"] = entry.key.acl ? Json(*entry.key.acl) : Json();
     shown["sequence"] = entry.key.sequence ? Json(*entry.key.sequence) : Json();
+    shown["schema"] = entry.schema_known ? Json(schema_name(entry.schema)) : Json();
     shown["bytes"] = inspected.bytes;
     shown["ConfigurationMask"] = hex(inspected.mask);
     shown["ConfigurationMask2"] = hex(inspected.mask2);
