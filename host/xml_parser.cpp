@@ -1,6 +1,7 @@
 #include "host/xml_parser.h"
 
 #include <algorithm>
+#include <array>
 #include <expat.h>
 #include <new>
 #include <utility>
@@ -25,7 +26,32 @@ bool is_utf8_or_ascii(std::string_view encoding) {
     return is("UTF-8") || is("US-ASCII");
 }
 
+constexpr auto references = [] {
+    std::array<const char *, 256> table{};
+    table['&'] = "&amp;";
+    table['<'] = "&lt;";
+    table['>'] = "&gt;";
+    table['"'] = "&quot;";
+    table['\t'] = "&#9;";
+    table['\n'] = "&#10;";
+    table['\r'] = "&#13;";
+    return table;
+}();
+
 } // namespace
+
+std::string xml_escaped(std::string_view text) {
+    std::string written;
+    std::size_t copied = 0;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char *reference = references[static_cast<unsigned char>(text[at])];
+        if (reference != nullptr) {
+            written.append(text, copied, at - copied).append(reference);
+            copied = at + 1;
+        }
+    }
+    return written.append(text, copied);
+}
 
 struct XmlParser::Handlers {
     /// No exception goes through expat; it stops at the first one.
@@ -136,7 +162,11 @@ bool XmlParser::outcome(int status) {
         if (error == XML_ERROR_NO_MEMORY) {
             throw std::bad_alloc();
         }
-        throw DataError("", "not well-formed XML: " + std::string(XML_ErrorString(error)), line());
+        throw DataError("",
+                        "not well-formed XML: " + std::string(error == XML_ERROR_INVALID_TOKEN
+                                                                  ? "unexpected character"
+                                                                  : XML_ErrorString(error)),
+                        line());
     }
     return status != XML_STATUS_SUSPENDED;
 }

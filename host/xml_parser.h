@@ -13,6 +13,10 @@ struct XML_ParserStruct; // expat's
 
 namespace aceconv {
 
+/// `text` for an element or an attribute in double quotes; what reading XML would
+/// change, ends of lines among it, as references.
+std::string xml_escaped(std::string_view text);
+
 class XmlParser {
   public:
     XmlParser();

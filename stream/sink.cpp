@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/json_scan.h"
+#include "host/xml_parser.h"
 #include "stream/errors.h"
 #include "stream/label.h"
 #include "stream/text.h"

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
-#include <utility>
 
 #include "host/utf8.h"
 
@@ -45,23 +43,6 @@ std::string printable(std::string_view text) {
         --end;
     }
     return escaped(text.substr(0, end)) + "...";
-}
-
-std::string xml_escaped(std::string_view text) {
-    constexpr std::pair<char, const char *> references[] = {
-        {'&', "&amp;"}, {'<', "&lt;"},   {'>', "&gt;"},  {'"', "&quot;"},
-        {'\t', "&#9;"}, {'\n', "&#10;"}, {'\r', "&#13;"}};
-    std::string written;
-    for (const char c : text) {
-        const auto *reference = std::find_if(std::begin(references), std::end(references),
-                                             [&](const auto &row) { return row.first == c; });
-        if (reference == std::end(references)) {
-            written += c;
-        } else {
-            written += reference->second;
-        }
-    }
-    return written;
 }
 
 std::uint64_t count_lines(std::string_view text) {

@@ -21,10 +21,6 @@ std::string escaped(std::string_view text);
 /// The same, cut when it is long: data inside a message.
 std::string printable(std::string_view text);
 
-/// `text` for an element or an attribute in double quotes; what reading XML would
-/// change, ends of lines among it, as references.
-std::string xml_escaped(std::string_view text);
-
 /// What stands at the start of a text, for messages: a few of its first characters in
 /// quotes, or that it ends.
 std::string start_of(std::string_view text);

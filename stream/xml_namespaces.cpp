@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "stream/text.h"
+#include "host/xml_parser.h"
 
 namespace aceconv {
 

@@ -68,14 +68,6 @@ std::optional<std::string_view> value(std::string_view message) {
     return message.substr(start, message.rfind('"') - start);
 }
 
-/// Where the parser was; 0 when nothing tells.
-std::uint64_t line(std::string_view path) {
-    const std::string_view digits = between(path, "line number ", ".");
-    std::uint64_t line = 0;
-    (void)std::from_chars(digits.data(), digits.data() + digits.size(), line);
-    return line;
-}
-
 std::string sentence(std::string_view message) {
     if (!message.empty() && message.back() == '.') {
         message.remove_suffix(1);
@@ -84,6 +76,21 @@ std::string sentence(std::string_view message) {
 }
 
 } // namespace
+
+std::uint64_t line_of(const LibyangError &error) {
+    const std::string_view digits = between(error.path, "line number ", ".");
+    std::uint64_t line = 0;
+    (void)std::from_chars(digits.data(), digits.data() + digits.size(), line);
+    return line;
+}
+
+std::size_t levels_of(std::string_view path) {
+    std::size_t levels = 0;
+    for (; !path.empty(); ++levels) {
+        (void)take_step(path);
+    }
+    return levels;
+}
 
 DataError complaint(const LibyangError &error, const SchemaNode &entry) {
     // Data location "/module:acls/acl[name='-']/entry[...]/tcp/tcp-bits", line number 1.
@@ -116,7 +123,7 @@ DataError complaint(const LibyangError &error, const SchemaNode &entry) {
                                                            ? "expected an array of objects"
                                                            : "expected an object"};
     }
-    return {below, sentence(message), line(error.path)};
+    return {below, sentence(message), line_of(error)};
 }
 
 } // namespace aceconv

@@ -5,6 +5,7 @@
 #include "host/error.h"
 #include "host/libyang/complaint.h"
 #include "host/libyang/libyang_tree.h"
+#include "host/libyang/xml_text.h"
 #include "host/schema/entry_text.h"
 #include "host/schema/modules.h"
 #include "host/utf8.h"
@@ -25,7 +26,11 @@ class LibyangReader final : public EntryReader {
   public:
     LibyangReader(Modules &modules, Schema schema, Format format)
         : context_(modules.context()), schema_(schema), format_(format),
-          lists_(new_list(context_, schema)), list_(lyd_child(lists_.get())) {}
+          lists_(new_list(context_, schema)), list_(lyd_child(lists_.get())) {
+        if (format == Format::xml) {
+            xml_.emplace(context_.entry(schema), schema);
+        }
+    }
 
     ccv_yang_node *read(std::string_view text, const EntryKey &where) override {
         tree_.clear();
@@ -60,24 +65,37 @@ class LibyangReader final : public EntryReader {
         if (text.size() > max_entry_bytes) {
             throw DataError("", "more than " + std::to_string(max_entry_bytes) + " bytes");
         }
-        if (const char *fault = text_fault(text); fault != nullptr) {
-            throw DataError("", fault);
-        }
         // Any key does where neither the text nor the caller has one.
         const std::string key = std::to_string(where_.sequence.value_or(1));
-        (format_ == Format::json ? wrap_json : wrap_xml)(text, schema_, key, document_, given_);
+        if (xml_) {
+            xml_->wrap(text, key, document_, given_);
+        } else if (const char *fault = text_fault(text); fault != nullptr) {
+            throw DataError("", fault);
+        } else {
+            wrap_json(text, schema_, key, document_, given_);
+        }
 
         // Faster where every key comes first; otherwise, and for the last word on
         // errors, libyang puts the nodes in order.
         TreeOwner entry = given_.first ? parse_document(LYD_PARSE_ORDERED) : nullptr;
         if (entry == nullptr && (entry = parse_document(0)) == nullptr) {
-            throw complaint(take_error(context_.libyang()), context_.entry(schema_));
+            refuse(text);
         }
         const lyd_node *key_leaf = lyd_child(entry.get());
         tree_.assign(std::move(entry), given_.given);
         if (given_.given) {
             check_sequence(reinterpret_cast<const lyd_node_term *>(key_leaf)->value.uint32);
         }
+    }
+
+    [[noreturn]] void refuse(std::string_view text) {
+        const LibyangError error = take_error(context_.libyang());
+        const DataError fault = complaint(error, context_.entry(schema_));
+        if (!xml_ || line_of(error) == 0) {
+            throw fault;
+        }
+        throw DataError(fault.path(), fault.what(),
+                        xml_->line_of(text, line_of(error), levels_of(fault.path())));
     }
 
     /// The document's entry, null when libyang refuses it.
@@ -125,6 +143,7 @@ class LibyangReader final : public EntryReader {
     SequenceText given_;
     TreeOwner lists_; // what JSON entries are parsed into
     lyd_node *const list_;
+    std::optional<XmlText> xml_;
     LibyangTree tree_;
 };
 

@@ -14,8 +14,6 @@ namespace {
 
 using Node = LibyangTree::Node;
 
-constexpr const char *no_metadata = "metadata is not accepted";
-
 const SchemaNode &schema_of(const lyd_node &data) {
     return *static_cast<const SchemaNode *>(data.schema->priv);
 }
@@ -85,9 +83,6 @@ void LibyangTree::assign(TreeOwner entry, bool show_sequence) {
     entry_ = std::move(entry);
     restart(1 + count_nodes(lyd_child(entry_.get())));
     Node &root = add(schema_of(*entry_), nullptr, NodeForm::entry);
-    if (entry_->meta != nullptr) {
-        throw DataError("", no_metadata);
-    }
     add_children(root, lyd_child(entry_.get()));
     if (!show_sequence) {
         root.child = root.child->next; // the key is the first child
@@ -99,14 +94,9 @@ void LibyangTree::add_children(Node &parent, const lyd_node *first) {
     const lyd_node *children[max_siblings]; // by place, as far as they are given
     for (const lyd_node *data = first; data != nullptr; data = data->next) {
         const SchemaNode &schema = schema_of(*data);
-        if (data->meta != nullptr) {
-            refuse(parent, schema, no_metadata);
-        }
         const std::uint64_t bit = std::uint64_t{1} << schema.place;
         if ((given & bit) == 0) {
             children[schema.place] = data;
-        } else if (schema.kind != NodeKind::list) {
-            refuse(parent, schema, "the node is given more than once");
         }
         given |= bit;
     }
@@ -156,10 +146,6 @@ void LibyangTree::check_keys(const Node &list) {
         throw DataError(path(list) + key_predicate(list.child->child->schema->name, *twice),
                         "a second entry with the same key");
     }
-}
-
-void LibyangTree::refuse(const Node &parent, const SchemaNode &child, const char *why) const {
-    throw DataError(path(parent) + '/' + child.name, why);
 }
 
 } // namespace aceconv

@@ -24,10 +24,10 @@ TreeOwner new_list(Modules::Context &context, Schema schema);
 /// of a list stand behind one list node. Children come in the module's order.
 class LibyangTree final : public EntryTree {
   public:
-    /// Takes the entry over. Throws DataError, with the path below the entry, for
-    /// what libyang does not refuse when it only parses: repeated nodes and keys,
-    /// metadata, characters outside YANG's. The sequence number is left out of the
-    /// walk unless `show_sequence` is set.
+    /// Takes the entry over, in which only lists have several nodes of one name. Throws
+    /// DataError, with the path below the entry, for what libyang does not refuse when
+    /// it only parses: repeated keys, too many entries, characters outside YANG's. The sequence
+    /// number is left out of the walk unless `show_sequence` is set.
     void assign(TreeOwner entry, bool show_sequence);
     void clear();
 
@@ -36,7 +36,6 @@ class LibyangTree final : public EntryTree {
     void add_leaf(Node &parent, const lyd_node &data);
     void add_list(Node &parent, const lyd_node &first);
     void check_keys(const Node &list);
-    [[noreturn]] void refuse(const Node &parent, const SchemaNode &child, const char *why) const;
 
     TreeOwner entry_;
 };

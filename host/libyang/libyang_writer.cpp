@@ -148,11 +148,22 @@ class LibyangWriter final : public EntryWriter {
                                                        : "\"sequence-number\":1,";
         }
         if (has_sequence_) {
-            text += printed;
+            append_whole(printed, text);
         } else {
             const std::size_t at = printed.find(key);
-            text.append(printed.substr(0, at)).append(printed.substr(at + key.size()));
+            text += printed.substr(0, at);
+            append_whole(printed.substr(at + key.size()), text);
         }
+    }
+
+    /// libyang leaves carriage returns in XML as they are, and whoever reads it takes
+    /// them for line feeds.
+    static void append_whole(std::string_view printed, std::string &text) {
+        for (std::size_t at; (at = printed.find('\r')) != printed.npos;) {
+            text.append(printed.substr(0, at)).append("&#13;");
+            printed.remove_prefix(at + 1);
+        }
+        text += printed;
     }
 
     const Format format_;

@@ -1,7 +1,10 @@
+#include "host/libyang/xml_text.h"
+
 #include <algorithm>
 
+#include "host/data_path.h"
 #include "host/error.h"
-#include "host/schema/entry_text.h"
+#include "host/schema/suggestion.h"
 
 namespace aceconv {
 
@@ -9,132 +12,156 @@ namespace {
 
 constexpr std::string_view blanks = " \t\r\n";
 
-std::string_view local_name(std::string_view name) {
-    return name.substr(name.find(':') + 1); // npos + 1 is 0
+std::string_view trimmed(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+    return text.substr(0, text.find_last_not_of(blanks) + 1); // npos + 1 is 0
 }
-
-/// Goes once over the tags of one element. What they hold is libyang's matter.
-class XmlLook {
-  public:
-    XmlLook(std::string_view text, SequenceText &found) : text_(text), found_(found) {}
-
-    void look() {
-        for (at_ = text_.find('<'); at_ != std::string_view::npos; at_ = text_.find('<', at_)) {
-            if (starts("<!--")) {
-                skip("-->");
-            } else if (starts("<![CDATA[")) {
-                skip("]]>");
-            } else if (starts("<?")) {
-                skip("?>");
-            } else if (starts("<!")) {
-                throw DataError("", "document types are not accepted");
-            } else if (starts("</")) {
-                end_tag();
-            } else {
-                start_tag();
-            }
-        }
-        if (elements_ == 0 || depth_ != 0) {
-            throw DataError("", "expected one whole <entry> element");
-        }
-    }
-
-    std::string_view name;   // the entry's, with its prefix
-    std::size_t content = 0; // behind the entry's start tag
-    bool closed = false;     // the start tag is an empty-element tag
-
-  private:
-    [[nodiscard]] bool starts(std::string_view mark) const {
-        return text_.substr(at_, mark.size()) == mark;
-    }
-
-    void skip(std::string_view end) {
-        const std::size_t found = text_.find(end, at_);
-        if (found == std::string_view::npos) {
-            throw DataError("", "the XML text ends early");
-        }
-        at_ = found + end.size();
-    }
-
-    void end_tag() {
-        if (depth_ == 0) {
-            throw DataError("", "an end tag without its start tag");
-        }
-        --depth_;
-        skip(">");
-    }
-
-    /// Behind the tag that starts here; attribute values may hold '>'.
-    [[nodiscard]] std::size_t tag_end() const {
-        std::size_t at = at_;
-        for (;;) {
-            at = text_.find_first_of("\"'>", at);
-            if (at != std::string_view::npos && text_[at] != '>') {
-                at = text_.find(text_[at], at + 1);
-            } else if (at != std::string_view::npos) {
-                return at + 1;
-            }
-            if (at == std::string_view::npos) {
-                throw DataError("", "the XML text ends early");
-            }
-            ++at;
-        }
-    }
-
-    void start_tag() {
-        if (++elements_ > max_entry_nodes) {
-            throw DataError("", "more than " + std::to_string(max_entry_nodes) + " elements");
-        }
-        const std::size_t end = tag_end();
-        const bool empty = text_[end - 2] == '/';
-        const std::string_view tag =
-            text_.substr(at_ + 1, text_.find_first_of(" \t\r\n/>", at_) - at_ - 1);
-        if (depth_ == 0) {
-            if (elements_ > 1 || local_name(tag) != "entry") {
-                throw DataError("", "expected one <entry> element");
-            }
-            name = tag;
-            content = end;
-            closed = empty;
-        } else if (depth_ == 1 && local_name(tag) == "sequence-number") {
-            found_.given = true;
-            found_.first = elements_ == 2;
-            found_.text = text_.substr(end, text_.find('<', end) - end);
-            found_.text.remove_prefix(
-                std::min(found_.text.find_first_not_of(blanks), found_.text.size()));
-            found_.text = found_.text.substr(0, found_.text.find_last_not_of(blanks) + 1);
-        }
-        depth_ += empty ? 0 : 1;
-        at_ = end;
-    }
-
-    const std::string_view text_;
-    SequenceText &found_;
-    std::size_t at_ = 0;
-    std::size_t depth_ = 0;
-    std::size_t elements_ = 0;
-};
 
 } // namespace
 
-void wrap_xml(std::string_view text, Schema schema, const std::string &sequence,
-              std::string &document, SequenceText &found) {
-    XmlLook look(text, found);
-    look.look();
-    const std::string space(module_namespace(schema));
-    document = "<acls xmlns=\"" + space + "\"><acl><name>-</name>";
-    if (found.given) {
-        document += text;
-    } else {
-        document += text.substr(0, look.closed ? look.content - 2 : look.content);
-        document += look.closed ? ">" : "";
-        document += "<sequence-number xmlns=\"" + space + "\">" + sequence + "</sequence-number>";
-        if (look.closed) {
-            document.append("</").append(look.name).append(">");
-        }
-        document += text.substr(look.content);
+void XmlText::wrap(std::string_view text, const std::string &sequence, std::string &document,
+                   SequenceText &found) {
+    try {
+        look(text);
+    } catch (const DataError &) {
+        found = found_;
+        throw;
     }
-    document += "</acl></acls>";
+    if (!found_.given) {
+        document_.insert(content_, "<sequence-number>" + sequence + "</sequence-number>");
+    }
+    found = found_;
+    document.swap(document_);
+}
+
+std::uint64_t XmlText::line_of(std::string_view text, std::uint64_t document_line,
+                               std::size_t levels) {
+    last_element_ = document_line - 1; // the first line is around the entry
+    try {
+        look(text);
+    } catch (const DataError &) { // far enough
+    }
+    last_element_ = 0;
+    return lines_[std::min(levels, max_depth - 1)];
+}
+
+void XmlText::look(std::string_view text) {
+    restart();
+    levels_.clear();
+    elements_ = 0;
+    found_ = {};
+    text_.clear();
+    const std::string space(module_namespace(schema_));
+    document_ = "<acls xmlns=\"" + space + "\"><acl><name>-</name>";
+    // What stands around the text declares the namespace for it, too.
+    parse("<acls xmlns=\"" + space + "\">", false);
+    parse(text, false);
+    parse("</acls>", true);
+    document_ += "</acl></acls>";
+}
+
+void XmlText::start(const Name &element, std::string_view attribute) {
+    if (levels_.empty()) {
+        levels_.push_back({nullptr});
+        return;
+    }
+    if (++elements_ > max_entry_nodes) {
+        throw DataError("", "more than " + std::to_string(max_entry_nodes) + " elements", line());
+    }
+    if (elements_ <= last_element_) {
+        lines_[levels_.size() - 1] = line();
+    }
+    const SchemaNode &schema = child(element);
+    if (!attribute.empty()) {
+        refuse(levels_.size() == 1 ? "" : schema.name,
+               "unknown attribute \"" + std::string(attribute) + "\"");
+    }
+    levels_.back().parent = true;
+    levels_.push_back({&schema});
+    document_.append("\n<").append(schema.name).append(">");
+    if (levels_.size() == 2) {
+        content_ = document_.size();
+    }
+}
+
+/// The schema of an element that may stand here.
+const SchemaNode &XmlText::child(const Name &element) {
+    Level &around = levels_.back();
+    const bool is_entry = around.schema == nullptr;
+    if (is_entry && (around.parent || element.local != entry_.name)) {
+        refuse("", "expected one <entry> element");
+    }
+    if (element.space != module_namespace(schema_)) {
+        refuse(is_entry ? "" : element.local, "unknown namespace \"" + std::string(element.space) +
+                                                  "\"; expected \"" +
+                                                  std::string(module_namespace(schema_)) + "\"");
+    }
+    if (is_entry) {
+        return entry_;
+    }
+    const SchemaNode *found = around.schema->find(element.local);
+    if (found == nullptr) {
+        refuse(element.local, unknown_node(*around.schema, element.local));
+    }
+    const std::uint64_t bit = std::uint64_t{1} << found->place;
+    if ((around.given & bit) != 0 && found->kind != NodeKind::list) {
+        refuse(element.local, "the node is given more than once");
+    }
+    around.given |= bit;
+    return *found;
+}
+
+void XmlText::end() {
+    const Level &level = levels_.back();
+    if (level.schema == nullptr) {
+        if (!level.parent) {
+            refuse("", "expected one <entry> element");
+        }
+    } else {
+        if (level.schema->kind == NodeKind::leaf) {
+            end_leaf(*level.schema);
+        }
+        document_.append("</").append(level.schema->name).append(">");
+    }
+    levels_.pop_back();
+}
+
+void XmlText::end_leaf(const SchemaNode &leaf) {
+    document_ += xml_escaped(text_);
+    Level &around = levels_[levels_.size() - 2];
+    if (levels_.size() == 3 && leaf.key == "sequence-number") {
+        found_.given = true;
+        found_.first = elements_ == 2;
+        found_.text = trimmed(text_);
+    } else if (around.schema->kind == NodeKind::list && leaf.place == 0) {
+        around.key = text_;
+    }
+    text_.clear();
+}
+
+void XmlText::text(std::string_view part) {
+    const SchemaNode *schema = levels_.back().schema;
+    if (schema != nullptr && schema->kind == NodeKind::leaf) {
+        text_ += part;
+    } else if (const std::string_view found = trimmed(part); !found.empty()) {
+        refuse("", "unexpected text \"" + std::string(found) + "\"");
+    }
+}
+
+/// At the element `child` of the innermost one, or at that itself for "".
+void XmlText::refuse(std::string_view child, const std::string &why) const {
+    std::string path;
+    for (std::size_t i = 2; i < levels_.size(); ++i) {
+        const Level &level = levels_[i];
+        path.append("/").append(level.schema->name);
+        if (!level.key.empty()) {
+            path += key_predicate(level.schema->children.front().name, level.key);
+        }
+    }
+    if (!child.empty()) {
+        path.append("/").append(child);
+    }
+    throw DataError(path, why, line());
 }
 
 } // namespace aceconv

@@ -74,6 +74,30 @@ BAD_INPUT = [
      r"3: acl 'X': the input ends inside an entry"),
     (f"<acls {XMLNS}>\n<acl><name>X</name>\n<entry>\n<grant>deny\n</remark>",
      r"5: acl 'X': not well-formed XML: mismatched tag"),
+    *((f'<entry\n {XMLNS}\n xmlns:u="urn:aceconv:um">\r\n{nodes}</entry>', said) for nodes, said in [
+        ("<sequence-number>7</sequence-number>\n<grant>\ndrop\n</grant>", r"5: entry 7: .*/grant: "),
+        ("<tcp>\n<x>\n</x><x/></tcp>", r"5: .*/tcp/x: unknown node"),
+        ("<tcp>\n<u:tcp-bits/></tcp>", r"5: .*/tcp/tcp-bits: unknown namespace"),
+        ("<tcp><!--\n--><tcp-bits\n a='1'/></tcp>", r"5: .*/tcp/tcp-bits: unknown attribute \"a\""),
+        ("<tcp>\n<!--\n-->\n x\n</tcp>", r"7: .*/tcp: unexpected text \"x\""),
+        ("<grant>deny</grant>\n<grant\n>drop</grant>", r"5: .*/grant: the node is given more than"),
+        ("<remark>\n&#xfdd0;</remark>", r"4: .*/remark: "),
+        ("<sequence-number>x</sequence-number>", r"4: .*/sequence-number: "),
+        ("<remark>a\n</remark\n><remark\n/>", r"6: .*/remark: the node is given more"),
+        ("<tcp" + "".join(f" a{i}='' " for i in range(25000)) + "/>", r"4: .*/tcp: unknown attribute"),
+        ("<tcp/>\n" * 4097, r"5: .*/tcp: the node is given more"),
+    ]),
+    *((f'<entry xmlns="urn:aceconv:um">\n<deny>\n<udf-entries>\n{udfs}</udf-entries></deny></entry>', said)
+      for udfs, said in [
+        ("<udf><udf-name>a</udf-name></udf>\n<udf>\n<udf-mask>1</udf-mask></udf><udf><udf-name>b"
+         "</udf-name></udf>", r'5: .*/udf: .*missing its key "udf-name"'),
+        ("<udf><udf-name>a</udf-name></udf>\n<udf>\n<udf-name>12345678901234567</udf-name></udf>",
+         r"6: .*/udf/udf-name: "),
+        ("<udf><udf-name>a</udf-name></udf>\n<udf><udf-name>b</udf-name>\n<udf-mask>x</udf-mask></udf>"
+         "<udf>\n</udf>", r"6: .*/udf\[udf-name='b'\]/udf-mask: "),
+        ("<udf><udf-name>a</udf-name></udf>\n" * 2, r"5: .*/udf\[udf-name='a'\]: a second entry"),
+        ("".join(f"<udf><udf-name>{i}</udf-name></udf>\n" for i in range(9)), r"12: .*/udf: more than 8"),
+    ]),
     ('<?xml version="1.0" encoding="ISO-8859-1"?><acls/>', r'1: the encoding "ISO-8859-1"; exp'),
     (f"<entry {XMLNS}>\n" + "<tcp>" * 300, r"2: more than 256 levels of elements"),
     ("<acls " + "".join(f" xmlns:p{i}='u'" for i in range(50000)) + "/>",

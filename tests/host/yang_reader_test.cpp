@@ -148,13 +148,23 @@ const Case cases[] = {
     {base, R"({"qos-group":1})", "qos-group", string, "wrong_type"},
     {um, R"({"deny":{"udf-entries":{"udf":[{"udf-name":"a"},{"udf-mask":"f","udf-name":"b"}]}}})",
      "deny/udf-entries/udf", count, "2"},
+    // What XML says of text; blanks around a number are YANG's.
+    {base, "<entry><remark>a<!-- x -->\r\n\r<?x y?><![CDATA[<&#9;]]>&#13;&#9;&lt;</remark></entry>",
+     "remark", string, "\"a\n\n<&#9;\r\t<\""},
+    {base, "<entry><remark> \n</remark></entry>", "remark", string, "\" \n\""},
+    {base, "<entry><remark><!-- --></remark></entry>", "remark", string, "\"\""},
+    {base, "<entry><grant><!-- -->deny</grant></entry>", "grant", name<acl_yang_acl_grant>, "0"},
+    {base, "<entry><qos-group>\n 0<!-- -->10 </qos-group></entry>", "qos-group", u16, "10"},
+    {base, "<entry><tcp>\n<!-- -->\n<tcp-bits>\nsyn\tack</tcp-bits> </tcp></entry>", "tcp/tcp-bits",
+     bits<acl_yang_acl_tcp_bits>, "18"},
     {um, R"({"deny":{"udf-entries":{}}})", "deny/udf-entries", count, "wrong_type"},
 };
 
 TEST(YangReaders, CheckTypeAndRange) {
     for (const Case &row : cases) {
         SCOPED_TRACE(std::string(row.text) + " " + row.path);
-        const auto reader = make_validating_reader(modules(), row.schema, Format::json);
+        const Format format = row.text[0] == '<' ? Format::xml : Format::json;
+        const auto reader = make_validating_reader(modules(), row.schema, format);
         ccv_yang_node *node = find(reader->read(row.text, {}), row.path);
         ASSERT_NE(node, nullptr);
         EXPECT_EQ(row.reader(node), row.result);

@@ -86,6 +86,8 @@ const Written written[] = {
      "<source-address>192.0.2.1</source-address></source-network><tcp><tcp-bits>syn ack</tcp-bits>"
      "<tcp-bits-mask/></tcp><capture>true</capture><icmp-off/><qos-group>65535</qos-group>"
      "<remark>a&lt;b \"c\" é</remark>"},
+    {base, [](Output out) { ccv_yang_string(out, "remark", "\r\n\t\r"); },
+     R"({"remark":"\u000D\u000A\u0009\u000D"})", "<remark>&#13;\n\t&#13;</remark>"},
     // The base schema's empty containers say nothing, also one in another.
     {base,
      [](Output out) {
