@@ -65,10 +65,13 @@ CLI::Option *add_file(CLI::App &verb, const std::string &name, std::string &path
     return verb.add_option(name, path, help)->type_name("FILE");
 }
 
-void add_places(CLI::App &app, CommonOptions &options) {
+/// In front of the verb and behind it.
+void add_general(CLI::App &app, CommonOptions &options) {
     add_file(app, "--plugin", options.plugin, "The plug-in library to load");
     app.add_option("--modules", options.modules, "The folder of the YANG modules")
         ->type_name("DIR");
+    app.set_version_flag( // behind those that say what is shown
+        "-V,--version", [] { return ""; }, "Show the version, and which plug-in is loaded");
 }
 
 void add_common(CLI::App &verb, CommonOptions &options) {
@@ -91,7 +94,7 @@ void add_common(CLI::App &verb, CommonOptions &options) {
             "Show the UM converters' diagnostic trace, with one thread; with =REGEX only that of "
             "functions whose names match")
         ->type_name("REGEX");
-    add_places(verb, options);
+    add_general(verb, options);
 }
 
 void add_input(CLI::App &verb, InputOptions &options) {
@@ -161,9 +164,10 @@ void add_options(CLI::App &verb, CheckOptions &options) {
 }
 
 void add_options(CLI::App &verb, DiffOptions &options) {
-    verb.add_option("A", options.left.paths.front(), "The first input")->required();
+    verb.add_option("A", options.left.paths.front(), "The first input")->required()->type_name("");
     verb.add_option("B", options.right.paths.front(), "The second input; - is standard input")
-        ->required();
+        ->required()
+        ->type_name("");
     add_choice(verb, "--schema-a", options.left.schema, schemas,
                "The schema of A, when neither the data nor labels tell it");
     add_choice(verb, "--schema-b", options.right.schema, schemas, "The same of B");
@@ -182,18 +186,12 @@ struct Calls {
     std::function<int()> chosen; // what runs it
 };
 
-void add_version(CLI::App &app) {
-    app.set_version_flag(
-        "-V,--version", [] { return ""; }, "Show the version, and which plug-in is loaded");
-}
-
 template <class Options>
 void add_verb(CLI::App &app, Calls &calls, const char *name, const char *help, Options &options,
               int (*run)(const Options &)) {
     CLI::App *verb = app.add_subcommand(name, help);
     add_options(*verb, options);
     add_common(*verb, calls.common);
-    add_version(*verb);
     verb->final_callback([&calls, &options, run] {
         options.common = calls.common;
         calls.chosen = [&options, run] { return run(options); };
@@ -274,8 +272,7 @@ int run_command_line(int argc, char **argv) {
     app.footer(footer);
     app.require_subcommand(0, 1);
     Calls calls;
-    add_places(app, calls.common);
-    add_version(app);
+    add_general(app, calls.common);
     add_verbs(app, calls);
     try {
         try {

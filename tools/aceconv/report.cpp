@@ -68,8 +68,8 @@ std::string shown_place(const std::string &file, const Position &position, const
     return text + " " + (who.empty() ? "" : who + ": ");
 }
 
-void FaultReport::add(const Position &position, const EntryKey &key, const DataError &fault) const {
-    say_error(shown_place(file_, position, key) +
+void say_fault(const std::string &file, const Entry &entry, const DataError &fault) {
+    say_error(shown_place(file, entry.position, entry.key) +
               (fault.path().empty() ? "" : fault.path() + ": ") + fault.what());
 }
 

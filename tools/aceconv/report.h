@@ -32,22 +32,13 @@ std::string shown_key(const EntryKey &key);
 /// "entry 20" of a list, or of none: what to call the entry in any case.
 std::string shown_entry(const EntryKey &key, const Position &position);
 
-/// Faults of one input's entries, each as
-///   aceconv: FILE:LINE: acl 'X' entry 20: PATH: what is wrong
-/// where entries have no lines, "#3" is the third one.
-class FaultReport {
-  public:
-    explicit FaultReport(const std::string &path) : file_(shown_name(path)) {}
-
-    void add(const Position &position, const EntryKey &key, const DataError &fault) const;
-    [[nodiscard]] const std::string &file() const { return file_; }
-
-  private:
-    std::string file_;
-};
-
 /// "FILE:LINE: acl 'X' entry 20: "
 std::string shown_place(const std::string &file, const Position &position, const EntryKey &key);
+
+/// A fault of an entry of `file`, as
+///   aceconv: FILE:LINE: acl 'X' entry 20: PATH: what is wrong
+/// where entries have no lines, "#3" is the third one.
+void say_fault(const std::string &file, const Entry &entry, const DataError &fault);
 
 /// One line on standard error, after "aceconv: ".
 void say(std::string_view line);

@@ -95,7 +95,7 @@ void Run::note_key(const Entry &entry) {
 }
 
 void Run::fail(const Entry &entry, const DataError &fault) {
-    FaultReport(file(entry.position)).add(entry.position, entry.key, fault);
+    say_fault(file(entry.position), entry, fault);
     ++tally_.errors;
     stopped_ = over_ = !common_.keep_going;
     if (on_fault_) {

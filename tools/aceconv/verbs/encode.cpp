@@ -23,7 +23,7 @@ bool read_stored(const std::string &path, StoredRecords &stored) {
         }
         return true;
     } catch (const DataError &fault) {
-        FaultReport(path).add(entry.position, entry.key, fault);
+        say_fault(shown_name(path), entry, fault);
         return false;
     }
 }
