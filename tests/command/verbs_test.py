@@ -306,6 +306,12 @@ class Formats(Case):
                     self.assertRegex(line, f"aceconv: {path}:{said}")
                 self.assertEqual(wanted, ["UDF" in [f["name"] for f in r["fields"]]
                                           for r in self.records(stdin=encoded)])
+        # Places are those of the first input.
+        one, path = self.file("one", json.dumps(deny)), self.file("stored", raw * 2)
+        code, encoded, err = self.run_command("encode", "--stored", path, one, one)
+        self.assertEqual((code, len(err.splitlines())), (0, 1))
+        self.assertIn(f"{path}:#2: loss", err)
+        self.assertEqual([2, 1], [len(r["fields"]) for r in self.records(stdin=encoded)])
         for kept, text, said in (
                 (stored("X", 10) * 2, base("X"), "stored:#2: acl 'X' entry 10: a second encoding"),
                 (plain + b"\x83\x61X\x05\x62um\x05", base("X"), "stored:#3: acl 'X' entry 5: byte 0"),
