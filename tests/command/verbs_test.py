@@ -237,6 +237,7 @@ class Formats(Case):
                 for going in ((), ("--keep-going",)):
                     got, _, err = self.run_command(verb, *args, *going, stdin=data)
                     self.assertEqual((got, "the input is empty" in err), (code, code == 2), args)
+                    self.assertEqual(self.summary == "", code == 2)  # there is nothing to sum up
                     self.assertEqual(target.exists(), code == 0 and verb != "check", (verb, args))
                     target.unlink(missing_ok=True)
         self.assertEqual(self.ok("encode", stdin='{"aceconv-um:acls":{}}'), b"")
