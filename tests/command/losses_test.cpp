@@ -1,6 +1,7 @@
 // Losses as they are found, on nodes and records, against a slow look: the finished
 // text read again by the other backend, and each leaf of the source by itself.
 #include <cstring>
+#include <functional>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -185,6 +186,97 @@ TEST_P(LossesOf, RandomRecords) {
         }
     }
     EXPECT_GT(written, 200U);
+}
+
+// What no text leads to, but a record of another program may hold.
+TEST(LossesOfRecords, HaveTheirReasons) {
+    using Record = ipv4_acl_config_ace;
+    const auto bit = [](int n) { return std::uint64_t{1} << n; };
+    static ace_udf_element fields[9] = {{"a", 1, 2}};
+    for (int i = 1; i < 9; ++i) {
+        fields[i].UDFName[0] = static_cast<char>('a' + i);
+    }
+    const struct {
+        Schema schema;
+        std::function<void(Record &)> change; // of a record that permits everything
+        const char *loss;                     // its end
+    } rows[] = {
+        {Schema::base, [](Record &r) { r.qos_group = 7; },
+         "absent; no presence bit marks the value"},
+        {Schema::base, [&](Record &r) { r.ConfigurationMask |= bit(61); },
+         "bit 61: set -> absent; the bit marks no field"},
+        {Schema::base, [&](Record &r) { r.ConfigurationMask |= bit(42); },
+         "absent; a next hop marked as configured, but without address and VRF"},
+        {Schema::base, [&](Record &r) { r.ConfigurationMask |= bit(23); },
+         "frags (fragments): 0 -> absent; it is marked, but not set"},
+        {Schema::base,
+         [&](Record &r) {
+             r.ConfigurationMask |= bit(30);
+             r.icmp_off = 2;
+         },
+         "icmp_off (icmp-off): 2 -> 1; its presence is its value"},
+        {Schema::base,
+         [&](Record &r) {
+             r.ConfigurationMask |= bit(19);
+             r.icmp_type_code = 0x80000;
+         },
+         "524288 -> 589823 (echo); any code is marked, whatever the number says"},
+        {Schema::base,
+         [&](Record &r) {
+             r.ConfigurationMask |= bit(18) | bit(19);
+             r.icmp_type_code = 0x8FFFF;
+         },
+         "589823 (echo) -> 589823 (echo); presence bits 18-19 -> 19"},
+        {Schema::um,
+         [&](Record &r) {
+             r.ConfigurationMask |= bit(13);
+             r.log = 3;
+         },
+         "log (log|log-input): 3 -> absent; a number without a name"},
+        {Schema::um, [](Record &r) { r.grant = 2; },
+         "grant (.): 2 -> absent; an action by a number without a name"},
+        {Schema::um,
+         [&](Record &r) {
+             r.ConfigurationMask |= bit(27) | bit(28);
+             r.ttloper = 9;
+         },
+         "ttl1 (ttl): 0 -> absent; its operator is a number without a name; matches more than "
+         "before"},
+        {Schema::um,
+         [&](Record &r) {
+             r.ConfigurationMask |= bit(32) | bit(39);
+             r.nexthop = 3;
+             r.vrf1 = fields[0].UDFName;
+         },
+         "vrf1 (nexthop1/vrf): \"a\" -> absent; the next hop type is a number without a name"},
+        {Schema::um, [&](Record &r) { r.ConfigurationMask2 |= bit(0); },
+         "empty -> absent; a list without user-defined fields is not written"},
+        {Schema::um,
+         [&](Record &r) {
+             r.ConfigurationMask2 |= bit(1);
+             r.UDF = {1, fields};
+         },
+         "absent; the bit of the first user-defined field is not set; matches more than before"},
+        {Schema::um,
+         [&](Record &r) {
+             r.UDF = {9, fields};
+         },
+         "i 0x0/0x0 -> absent; no presence bit marks the value"},
+    };
+    Codec codec({load_plugin(ACECONV_PLUGIN), ACECONV_MODULES, Backend::bulk});
+    const RecordView view(codec.descriptor());
+    for (const auto &row : rows) {
+        Record record{};
+        record.ConfigurationMask = 1;
+        record.grant = 1;
+        row.change(record);
+        Entry entry{.schema = row.schema, .encoding = encode_record(codec.descriptor(), record)};
+        std::string text;
+        Losses losses;
+        convert(codec, view, entry, row.schema, Format::json, text, &losses);
+        ASSERT_FALSE(losses.empty()) << row.loss;
+        EXPECT_TRUE(change_text(losses.back()).ends_with(row.loss)) << change_text(losses.back());
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Schemas, LossesOf, ::testing::Values(Schema::base, Schema::um),
