@@ -110,12 +110,15 @@ class Formats(Case):
         self.assertEqual(names, ["A", "C\n<&\""])
         self.assertEqual(self.ok("encode", stdin=xml), encoded)
 
-    def test_the_longest_name_goes_through_every_format(self):
+    def test_the_longest_name_and_control_characters_go_through_every_format(self):
         for name in ('"' * 4096, "\u00e9" * 2048, "\t" * 4096):
-            encoded = self.ok("encode", stdin=document("base", (name, numbered({"remark": "r"}))))
-            for form in ("json", "xml", "ndjson"):
-                text = self.ok("decode", "--to", form, stdin=encoded)
-                self.assertEqual(self.ok("encode", "--schema", "base", stdin=text), encoded, form)
+            encoded = self.ok("encode", stdin=document("base", (name, numbered(
+                {"remark": " \r\n\t\r"}))))
+            for form, backend in (("json", "bulk"), ("json", "validating"), ("xml", "bulk"),
+                                  ("ndjson", "validating")):
+                options = ("--backend", backend)
+                text = self.ok("decode", "--to", form, *options, stdin=encoded)
+                self.assertEqual(self.ok("encode", "--schema", "base", *options, stdin=text), encoded)
             self.ok("encode", "--schema", "base", "--stored", self.file("stored", encoded),
                     stdin='{"grant":"deny"}')
 
