@@ -23,7 +23,7 @@ std::string_view node_name(const ccv_yang_node &node);
 std::string node_path(const ccv_yang_node &node);
 
 /// The child of `parent` that has the name of `node`; of the entries of a list the
-/// one in the same place. Null when there is none.
+/// one with the same key. Null when there is none.
 ccv_yang_node *twin(const ccv_yang_node &parent, const ccv_yang_node &node);
 /// The child of this name, or null.
 ccv_yang_node *child_named(const ccv_yang_node &parent, std::string_view name);

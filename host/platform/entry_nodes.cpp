@@ -22,6 +22,17 @@ std::size_t place_in_list(const Node &entry) {
     return place;
 }
 
+/// Whether both are the entry of a list with one key, or no entries of a list.
+bool same_key(const Node &a, const Node &b) {
+    if (a.form != NodeForm::list_entry) {
+        return true;
+    }
+    const std::string_view name = a.schema->children.front().key;
+    const Node *left = child_named(a, name);
+    const Node *right = child_named(b, name);
+    return left != nullptr && right != nullptr && same_value(*left, *right);
+}
+
 } // namespace
 
 Node *first_child(const Node &node) {
@@ -54,9 +65,8 @@ std::string node_path(const Node &node) {
 }
 
 Node *twin(const Node &parent, const Node &node) {
-    std::size_t place = node.form == NodeForm::list_entry ? place_in_list(node) : 1;
     Node *child = parent.child;
-    while (child != nullptr && (!same_name(*child, node) || --place != 0)) {
+    while (child != nullptr && !(same_name(*child, node) && same_key(*child, node))) {
         child = child->next;
     }
     return child;
