@@ -21,23 +21,29 @@ class EncodingSource : public Source {
         entry.schema = schema_.value_or(Schema::base);
         entry.schema_known = schema_.has_value();
         entry.format.reset();
-        if (!take_item(entry.encoding)) {
-            return false;
+        if (label_.empty()) {
+            if (!take_item(entry.encoding)) {
+                return false;
+            }
+            if (!is_label(entry.encoding)) {
+                ++ordinal_;
+                return true;
+            }
+            label_.swap(entry.encoding);
         }
+        std::optional<DataError> fault; // of the entry, whose encoding follows
+        try {
+            apply(parse_label(label_), entry);
+        } catch (const DataError &e) {
+            fault = e;
+        }
+        if (!take_item(entry.encoding) || is_label(entry.encoding)) {
+            throw StreamError("", "a label without an encoding behind it");
+        }
+        label_.clear();
         ++ordinal_;
-        if (is_label(entry.encoding)) {
-            std::optional<DataError> fault; // of the entry, whose encoding follows
-            try {
-                apply(parse_label(entry.encoding), entry);
-            } catch (const DataError &e) {
-                fault = e;
-            }
-            if (!take_item(entry.encoding) || is_label(entry.encoding)) {
-                throw StreamError("", "a label without an encoding behind it");
-            }
-            if (fault) {
-                throw DataError(*fault);
-            }
+        if (fault) {
+            throw DataError(*fault);
         }
         return true;
     }
@@ -93,6 +99,7 @@ class EncodingSource : public Source {
 
     Window window_;
     std::optional<Schema> schema_; // the only one that labels may name
+    Bytes label_;                  // of the next encoding, once it has been read
     std::uint64_t ordinal_ = 0;
     std::uint64_t offset_ = 0;
 };

@@ -29,6 +29,9 @@ class PipeClosed : public std::runtime_error {
     PipeClosed() : std::runtime_error("pipe closed") {}
 };
 
+/// Nothing is there to be read yet, and whoever reads was told not to wait for it.
+class InputPauses : public std::exception {};
+
 /// A fault of an input's structure, after which no further entry can be found.
 class StreamError : public DataError {
     using DataError::DataError;

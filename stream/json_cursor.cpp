@@ -7,6 +7,7 @@
 #include "stream/text.h"
 
 namespace aceconv {
+
 int JsonCursor::peek() {
     for (;;) {
         const std::string_view view = window_.view();
@@ -72,12 +73,16 @@ std::string JsonCursor::string(std::string_view what) {
 }
 
 bool JsonCursor::object(std::string &text, std::size_t limit, std::string_view what) {
-    if (peek() != '{') {
-        unexpected(what);
+    if (!inside_) {
+        if (peek() != '{') {
+            unexpected(what);
+        }
+        inside_ = true;
+        scan_ = {};
+        fits_ = true;
+        text_.clear();
+        object_line_ = line_;
     }
-    const std::size_t before = text.size();
-    bool fits = true;
-    JsonScan scan;
     do {
         if (window_.view().empty() && !window_.more()) {
             throw StreamError("", "the input ends inside " + std::string(what));
@@ -85,16 +90,18 @@ bool JsonCursor::object(std::string &text, std::size_t limit, std::string_view w
         const std::string_view view = window_.view();
         std::size_t at = 0;
         do {
-            at = std::min(scan.next(view, at) + 1, view.size());
-        } while (at < view.size() && scan.depth() > 0);
-        fits = fits && text.size() - before + at <= limit;
-        if (fits) {
-            text.append(view.substr(0, at));
+            at = std::min(scan_.next(view, at) + 1, view.size());
+        } while (at < view.size() && scan_.depth() > 0);
+        fits_ = fits_ && text_.size() + at <= limit;
+        if (fits_) {
+            text_.append(view.substr(0, at));
         }
         line_ += count_lines(view.substr(0, at));
         window_.take(at);
-    } while (scan.depth() > 0);
-    return fits;
+    } while (scan_.depth() > 0);
+    inside_ = false;
+    text.swap(text_);
+    return fits_;
 }
 
 } // namespace aceconv

@@ -5,10 +5,12 @@
 #include <string>
 #include <string_view>
 
+#include "host/json_scan.h"
 #include "stream/window.h"
 
 namespace aceconv {
 
+/// Each step can be repeated when the input paused in it, and then goes on from there.
 class JsonCursor {
   public:
     explicit JsonCursor(Window &window) : window_(window) {}
@@ -21,9 +23,11 @@ class JsonCursor {
     void expect(char wanted, std::string_view what);
     /// Takes a string and returns its value.
     std::string string(std::string_view what);
-    /// Takes an object; appends it to `text` as it stands. An object beyond
-    /// `limit` bytes is taken all the same, but not kept; returns whether it was.
+    /// Takes an object into `text` as it stands. An object beyond `limit` bytes is taken
+    /// all the same, but not kept; returns whether it was.
     bool object(std::string &text, std::size_t limit, std::string_view what);
+    /// The line of the object last begun.
+    [[nodiscard]] std::uint64_t object_line() const { return object_line_; }
 
     /// The line of the next character, counted from 1.
     [[nodiscard]] std::uint64_t line() const { return line_; }
@@ -33,6 +37,12 @@ class JsonCursor {
   private:
     Window &window_;
     std::uint64_t line_ = 1;
+    // The object that is being taken, as far as it has been.
+    bool inside_ = false;
+    JsonScan scan_;
+    bool fits_ = true;
+    std::string text_;
+    std::uint64_t object_line_ = 0;
 };
 
 } // namespace aceconv

@@ -5,8 +5,18 @@
 
 namespace aceconv {
 
+// The characters that must follow before a value can be taken, and what they begin.
+constexpr JsonDocuments::Due before_module[] = {{'{', "a document"}};
+constexpr JsonDocuments::Due before_acls[] = {{':', "':'"}, {'{', "an object"}};
+constexpr JsonDocuments::Due before_lists[] = {{':', "':'"}, {'[', "an array"}};
+constexpr JsonDocuments::Due before_list[] = {{'{', "an access list"}};
+constexpr JsonDocuments::Due before_name[] = {{':', "':'"}};
+constexpr JsonDocuments::Due before_entries[] = {{':', "':'"}, {'[', "an array of entries"}};
+constexpr JsonDocuments::Due before_end[] = {{'}', "'}', the end of \"acls\""},
+                                             {'}', "'}', the end of the document"}};
+
 JsonDocuments::JsonDocuments(Window window, std::optional<Schema> wanted)
-    : window_(std::move(window)), cursor_(window_), schema_(wanted) {}
+    : window_(std::move(window)), cursor_(window_), schema_(wanted), due_(before_module) {}
 
 std::string JsonDocuments::list_path() const {
     return schema_ ? "/" + std::string(module_name(*schema_)) + ":acls/acl" +
@@ -17,13 +27,11 @@ std::string JsonDocuments::list_path() const {
 /// A member's name; it may carry the document's own prefix.
 std::string JsonDocuments::member_name(std::string_view what) {
     const std::string name = cursor_.string(what);
-    cursor_.expect(':', "':'");
     const auto split = split_name(name);
     return split && (!split->schema || split->schema == schema_) ? std::string(split->local) : name;
 }
 
-void JsonDocuments::begin_document() {
-    cursor_.expect('{', "a document");
+void JsonDocuments::take_module() {
     const std::string name = cursor_.string("the member \"acls\"");
     const auto split = split_name(name);
     if (!split || !split->schema || split->local != "acls") {
@@ -37,68 +45,75 @@ void JsonDocuments::begin_document() {
                                   " schema");
     }
     schema_ = split->schema;
-    cursor_.expect(':', "':'");
-    cursor_.expect('{', "an object");
+    due_ = before_acls;
+    state_ = State::acls;
+}
+
+void JsonDocuments::take_acls() {
     if (cursor_.peek() == '}') {
-        state_ = end_document();
+        end_document();
         return;
     }
     const std::string lists = member_name("the member \"acl\"");
     if (lists != "acl") {
-        throw StreamError("/" + name,
+        throw StreamError("/" + std::string(module_name(*schema_)) + ":acls",
                           "unknown member \"" + printable(lists) + "\"; expected \"acl\"");
     }
-    cursor_.expect('[', "an array");
-    state_ = cursor_.accept(']') ? end_document() : State::list;
+    due_ = before_lists;
+    state_ = State::lists;
 }
 
 void JsonDocuments::begin_list() {
     ++lists_;
     name_.reset();
     seen_entries_ = false;
-    cursor_.expect('{', "an access list");
     first_ = true;
+    due_ = before_list;
     state_ = State::members;
 }
 
-/// One member of a list, or the list's end.
-JsonDocuments::State JsonDocuments::member() {
+/// What comes before a member of a list, or the list's end.
+void JsonDocuments::next_member() {
     if (cursor_.accept('}')) {
         if (!name_) {
             throw StreamError(list_path(), "an access list without \"name\"");
         }
-        return held_.empty() ? State::after_list : State::held;
+        state_ = held_.empty() ? State::after_list : State::held;
+        return;
     }
     if (!first_) {
         cursor_.expect(',', "',' or '}'");
     }
     first_ = false;
+    state_ = State::member;
+}
+
+void JsonDocuments::take_member() {
     const std::string member = member_name("\"name\" or \"entry\"");
-    if (member == "name") {
-        if (name_) {
-            throw StreamError(list_path(), "\"name\" is given twice");
-        }
-        std::string name = cursor_.string("the access list's name");
-        if (const std::string fault = list_name_fault(name); !fault.empty()) {
-            throw StreamError(list_path(), fault);
-        }
-        if (!names_.insert(name).second) {
-            throw StreamError(list_path(), "a second access list of the name '" + name + "'");
-        }
-        name_ = std::move(name);
-        return State::members;
-    }
-    if (member != "entry") {
+    if (member != "name" && member != "entry") {
         throw StreamError(list_path(), "unknown member \"" + printable(member) +
                                            "\"; expected \"name\" or \"entry\"");
     }
-    if (seen_entries_) {
-        throw StreamError(list_path(), "\"entry\" is given twice");
+    const bool entries = member == "entry";
+    if (entries ? seen_entries_ : name_.has_value()) {
+        throw StreamError(list_path(), "\"" + member + "\" is given twice");
     }
-    seen_entries_ = true;
-    cursor_.expect('[', "an array of entries");
-    first_ = true;
-    return State::entries;
+    seen_entries_ = seen_entries_ || entries;
+    first_ = entries;
+    due_ = entries ? std::span<const Due>(before_entries) : before_name;
+    state_ = entries ? State::entries : State::name;
+}
+
+void JsonDocuments::take_name() {
+    std::string name = cursor_.string("the access list's name");
+    if (const std::string fault = list_name_fault(name); !fault.empty()) {
+        throw StreamError(list_path(), fault);
+    }
+    if (!names_.insert(name).second) {
+        throw StreamError(list_path(), "a second access list of the name '" + name + "'");
+    }
+    name_ = std::move(name);
+    state_ = State::members;
 }
 
 /// What is known of every entry of the current list.
@@ -109,24 +124,28 @@ void JsonDocuments::describe(Entry &entry) const {
     entry.in_document = true;
 }
 
-/// The next element of an "entry" array; false at its end, and for one that has
-/// been put aside.
-bool JsonDocuments::take_entry(Entry &entry) {
+/// What comes before an element of an "entry" array, or the array's end.
+void JsonDocuments::next_entry() {
     if (cursor_.accept(']')) {
         first_ = false;
         state_ = State::members;
-        return false;
+        return;
     }
     if (!first_) {
         cursor_.expect(',', "',' or ']'");
     }
     first_ = false;
-    cursor_.peek();
-    entry.position = {cursor_.line(), ++ordinal_};
+    state_ = State::entry;
+}
+
+/// The next element of an "entry" array; false for one that has been put aside.
+bool JsonDocuments::take_entry(Entry &entry) {
     describe(entry);
-    entry.text.clear();
+    const bool fits = cursor_.object(entry.text, max_entry_bytes, "an entry");
+    entry.position = {cursor_.object_line(), ++ordinal_};
+    state_ = State::entries;
     std::optional<DataError> fault;
-    if (!cursor_.object(entry.text, max_entry_bytes, "an entry")) {
+    if (!fits) {
         fault.emplace(list_path(),
                       "an entry longer than " + std::to_string(max_entry_bytes) + " bytes");
     }
@@ -151,55 +170,76 @@ bool JsonDocuments::release(Entry &entry) {
     return true;
 }
 
-JsonDocuments::State JsonDocuments::after_list() {
+void JsonDocuments::after_list() {
     if (cursor_.accept(',')) {
-        return State::list;
+        begin_list();
+        return;
     }
     cursor_.expect(']', "',' or ']'");
-    return end_document();
+    end_document();
 }
 
-JsonDocuments::State JsonDocuments::end_document() {
+void JsonDocuments::end_document() {
     lists_ = 0; // what follows stands in no list
     name_.reset();
-    cursor_.expect('}', "'}', the end of \"acls\"");
-    cursor_.expect('}', "'}', the end of the document");
-    if (cursor_.peek() != -1) {
-        cursor_.unexpected("nothing behind the document");
+    due_ = before_end;
+    state_ = State::tail;
+}
+
+/// One step through the document; true when it was an entry that can be given out.
+bool JsonDocuments::step(Entry &entry) {
+    switch (state_) {
+    case State::module:
+        take_module();
+        break;
+    case State::acls:
+        take_acls();
+        break;
+    case State::lists:
+        cursor_.accept(']') ? end_document() : begin_list();
+        break;
+    case State::members:
+        next_member();
+        break;
+    case State::member:
+        take_member();
+        break;
+    case State::name:
+        take_name();
+        break;
+    case State::entries:
+        next_entry();
+        break;
+    case State::entry:
+        return take_entry(entry);
+    case State::held:
+        return release(entry);
+    case State::after_list:
+        after_list();
+        break;
+    case State::tail:
+        if (cursor_.peek() != -1) {
+            cursor_.unexpected("nothing behind the document");
+        }
+        state_ = State::end;
+        break;
+    case State::end:
+        break;
     }
-    return State::end;
+    return false;
 }
 
 bool JsonDocuments::next(Entry &entry) {
     try {
-        for (;;) {
-            switch (state_) {
-            case State::start:
-                begin_document();
-                break;
-            case State::list:
-                begin_list();
-                break;
-            case State::members:
-                state_ = member();
-                break;
-            case State::entries:
-                if (take_entry(entry)) {
-                    return true;
-                }
-                break;
-            case State::held:
-                if (release(entry)) {
-                    return true;
-                }
-                break;
-            case State::after_list:
-                state_ = after_list();
-                break;
-            case State::end:
-                return false;
+        while (state_ != State::end) {
+            for (; !due_.empty(); due_ = due_.subspan(1)) {
+                cursor_.expect(due_.front().mark, due_.front().what);
+            }
+            if (step(entry)) {
+                return true;
             }
         }
+        return false;
     } catch (const StreamError &fault) {
         entry.position = {cursor_.line(), ordinal_};
         entry.key = {name_, std::nullopt};

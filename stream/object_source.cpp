@@ -1,6 +1,7 @@
 // Entries as JSON objects, one a line or one after the other: a bare entry, or
 // {"acl": "X", "entry": {...}}.
 #include <algorithm>
+#include <utility>
 
 #include "host/json_scan.h"
 #include "stream/errors.h"
@@ -109,7 +110,7 @@ class ObjectSource : public Source {
 
     bool next(Entry &entry) override {
         entry.format = Format::json;
-        if (!schema_ && held_.empty()) {
+        if (!schema_ && !looked_ahead_) {
             look_ahead(entry);
         }
         if (!schema_ && silent_) {
@@ -126,8 +127,6 @@ class ObjectSource : public Source {
     /// Puts aside as many entries as it takes until one tells the schema. Where none
     /// does, but one of them is bad, throws the fault.
     void look_ahead(Entry &entry) {
-        std::optional<DataError> first;
-        Position place;
         while (!schema_) {
             try {
                 if (!take(entry)) {
@@ -141,34 +140,39 @@ class ObjectSource : public Source {
                 held_.push(entry);
             } catch (const DataError &fault) {
                 held_.push(entry, &fault);
-                if (!first) {
-                    first = fault;
-                    place = entry.position;
+                if (!first_fault_) {
+                    first_fault_ = {fault, entry.position};
                 }
             }
         }
-        if (!schema_ && silent_ && first) {
-            entry.position = place;
-            throw DataError(*first);
+        looked_ahead_ = true;
+        if (!schema_ && silent_ && first_fault_) {
+            entry.position = first_fault_->second;
+            throw DataError(first_fault_->first);
         }
     }
 
     /// Reads one entry; false at the end.
     bool take(Entry &entry) {
-        if (ended_ || cursor_.peek() < 0) { // empty lines are passed over
-            return false;
+        if (!inside_) {
+            if (ended_ || cursor_.peek() < 0) { // empty lines are passed over
+                return false;
+            }
+            inside_ = true;
+            position_ = {cursor_.line(), ++ordinal_};
         }
-        entry.position = {cursor_.line(), ++ordinal_};
+        entry.position = position_;
         entry.key = {};
-        entry.text.clear();
         bool fits = false;
         try {
             fits = lines_ ? take_line(entry.text)
                           : cursor_.object(entry.text, max_line_bytes, "an entry");
         } catch (const StreamError &) {
+            inside_ = false;
             ended_ = true;
             throw;
         }
+        inside_ = false;
         if (!fits) {
             throw DataError("",
                             "an entry longer than " + std::to_string(max_line_bytes) + " bytes");
@@ -182,19 +186,20 @@ class ObjectSource : public Source {
 
     /// The rest of the line; false for one that is too long, which is passed over.
     bool take_line(std::string &text) {
-        bool fits = true;
         for (bool more = true; more;) {
             const std::string_view view = window_.view();
             const std::size_t length = std::min(view.find('\n'), view.size());
-            fits = fits && text.size() + length <= max_line_bytes;
-            if (fits) {
-                text.append(view.substr(0, length));
+            fits_ = fits_ && line_.size() + length <= max_line_bytes;
+            if (fits_) {
+                line_.append(view.substr(0, length));
             }
             more = length == view.size();
             window_.take(length);
             more = more && window_.more();
         }
-        return fits;
+        text.swap(line_);
+        line_.clear();
+        return std::exchange(fits_, true);
     }
 
     static constexpr std::size_t max_line_bytes =
@@ -206,8 +211,15 @@ class ObjectSource : public Source {
     std::optional<Schema> schema_;
     std::uint64_t ordinal_ = 0;
     bool ended_ = false;
+    // The entry that is being taken, and of a line what has been.
+    bool inside_ = false;
+    Position position_;
+    std::string line_;
+    bool fits_ = true;
+    bool looked_ahead_ = false;
     bool silent_ = false; // an entry fits both schemas
-    Spool held_;          // entries read before the schema was known
+    std::optional<std::pair<DataError, Position>> first_fault_;
+    Spool held_; // entries read before the schema was known
 };
 
 } // namespace

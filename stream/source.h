@@ -54,7 +54,8 @@ class Source {
     /// used before. Throws DataError for a fault of this one entry, after which
     /// the next call goes on behind it, and StreamError where the rest cannot be
     /// read, and `entry.position` tells where in either case; SchemaUnknown when
-    /// nothing tells the schema of text.
+    /// nothing tells the schema of text. Throws InputPauses where it would have to wait
+    /// for input and may not; the next call then goes on where this one stopped.
     virtual bool next(Entry &entry) = 0;
 
     /// The schema of the data, once it is known.

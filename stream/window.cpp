@@ -4,6 +4,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -32,8 +33,12 @@ ReadChunk open_input(const std::string &path, std::shared_ptr<InputMeter> meter)
     if (fstat(fd, &status) == 0 && S_ISREG(status.st_mode)) {
         meter->size = static_cast<std::uint64_t>(status.st_size);
     }
-    return [fail, meter, file = std::shared_ptr<Closer>(new Closer{fd})](char *buffer,
-                                                                         std::size_t size) {
+    return [fail, meter, regular = S_ISREG(status.st_mode),
+            file = std::shared_ptr<Closer>(new Closer{fd})](char *buffer, std::size_t size) {
+        pollfd there{file->fd, POLLIN, 0};
+        if (!meter->may_wait && !regular && poll(&there, 1, 0) == 0) {
+            throw InputPauses();
+        }
         ssize_t got = 0;
         do {
             got = read(file->fd, buffer, size);
@@ -50,12 +55,17 @@ bool Window::more() {
     if (ended_) {
         return false;
     }
-    bytes_.erase(0, begin_);
-    begin_ = 0;
-    const std::size_t filled = bytes_.size();
-    bytes_.resize(filled + chunk_);
-    const std::size_t got = read_(&bytes_[filled], chunk_);
-    bytes_.resize(filled + got);
+    // Moved to the front when that is worth it, so a byte is moved once on average.
+    if (begin_ >= end_ - begin_) {
+        bytes_.replace(0, end_ - begin_, bytes_, begin_, end_ - begin_);
+        end_ -= begin_;
+        begin_ = 0;
+    }
+    if (bytes_.size() < end_ + chunk_) {
+        bytes_.resize(end_ + chunk_);
+    }
+    const std::size_t got = read_(&bytes_[end_], chunk_);
+    end_ += got;
     ended_ = got == 0;
     return !ended_;
 }

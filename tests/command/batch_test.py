@@ -6,6 +6,7 @@ import re
 import resource
 import signal
 import subprocess
+import threading
 import time
 import unittest
 
@@ -53,6 +54,53 @@ class Workers(Case):
             self.assertEqual((code, err.count("\n")), (2, 1))
             self.assertRegex(err, rf"^aceconv: <stdin>:{bad + 1}: ")
             self.assertEqual(out.count(b"ipv4_acl_config_ace"), bad)
+
+
+class Partner(Case):
+    """Whoever writes an entry and waits for its result gets it."""
+
+    def ask(self, pieces, *args):
+        """Writes a piece, reads until the wanted bytes have come, and so on; the messages."""
+        with subprocess.Popen([ACECONV, *args], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE, bufsize=0) as process:
+            guard = threading.Timer(60, process.kill)
+            guard.start()
+            for piece, wanted, stream in pieces:
+                process.stdin.write(piece)
+                came = b""
+                while wanted not in came:
+                    got = (process.stderr if stream == 2 else process.stdout).read(65536)
+                    self.assertTrue(got, (args, piece, came))
+                    came += got
+            process.stdin.close()
+            process.stdout.read()
+            code = process.wait()
+            guard.cancel()
+            return code
+
+    def test_gets_each_result_before_it_writes_on(self):
+        lines = [b'{"acl":"A","entry":{"sequence-number":%d,"grant":"deny"}}\n' % n
+                 for n in range(1, 20)]
+        entries = [b'{"sequence-number":%d,"grant":"deny"}' % n for n in range(1, 20)]
+        bags = [self.ok("encode", "--schema", "base", stdin=line) for line in lines]
+        results = [b'"sequence-number":%d,' % n for n in range(1, 20)]
+        document = [b"%s%s" % (b"," if n else b'{"aceconv-base:acls":{"acl":[{"name":"A","entry":[', e)
+                    for n, e in enumerate(entries)]
+        xml = [b"%s<entry><sequence-number>%d</sequence-number><grant>deny</grant></entry>" % (
+            b"" if n else b'<acls xmlns="urn:aceconv:base"><acl><name>A</name>', n + 1)
+            for n in range(19)]
+        convert = ("convert", "--from", "base", "--to", "um", "--to-format", "ndjson")
+        lines[3:3] = [b'{"grant":"drop"}\n']
+        for pieces, wanted, ending, args in (
+                (lines, results[:3] + [b"drop"] + results[3:], b"", convert),
+                (document, results, b"]}]}}", convert), (xml, results, b"</acl></acls>", convert),
+                (document, bags, b"]}]}}", ("encode",)), (bags, results, b"", ("decode",))):
+            for jobs in ("1", "4"):
+                with self.subTest((args, jobs, ending)):
+                    asked = [(p, w, 2 if w == b"drop" else 1) for p, w in zip(pieces, wanted)]
+                    asked[-1] = (asked[-1][0] + ending, *asked[-1][1:])
+                    self.assertEqual(self.ask(asked, args[0], "-q", "-j", jobs, "--keep-going",
+                                              *args[1:]), 2 if pieces is lines else 0)
 
 
 class CutShort(Case):

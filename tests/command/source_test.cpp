@@ -12,26 +12,48 @@
 namespace aceconv {
 namespace {
 
-/// An input that comes in two pieces, then byte by byte after `split`.
-Window in_pieces(const std::string &text, std::size_t split) {
-    return Window([text, split, at = std::size_t{0}](char *buffer, std::size_t size) mutable {
+/// How an input comes: in two pieces, then byte by byte after `split`. Once it may,
+/// it pauses before each of them.
+struct Pieces {
+    std::string text;
+    std::size_t split;
+    bool may_pause = false;
+    bool paused = false;
+    std::size_t at = 0;
+
+    std::size_t operator()(char *buffer, std::size_t size) {
+        paused = may_pause && !paused;
+        if (paused) {
+            throw InputPauses();
+        }
         const std::size_t piece = at < split ? split - at : 1;
         const std::size_t count = std::min({piece, size, text.size() - at});
         text.copy(buffer, count, at);
         at += count;
         return count;
-    });
-}
+    }
+};
 
 /// Everything that a source tells, as one text.
-std::string told_by(const std::string &text, std::size_t split) {
+std::string told_by(const std::string &text, std::size_t split, bool pauses = false,
+                    std::optional<InputFormat> format = std::nullopt) {
     std::string told;
     Entry entry;
+    Pieces pieces{text, split};
+    const auto read = [&pieces](char *buffer, std::size_t size) { return pieces(buffer, size); };
     try {
-        const auto source = make_source(in_pieces(text, split), std::nullopt, std::nullopt);
-        while (source->next(entry)) {
+        const auto source = make_source(Window(read), format, std::nullopt);
+        pieces.may_pause = pauses;
+        for (;;) {
+            try {
+                if (!source->next(entry)) {
+                    break;
+                }
+            } catch (const InputPauses &) {
+                continue;
+            }
             told += entry.key.acl.value_or("-") + "@" + std::to_string(entry.position.line) + " " +
-                    entry.text + "\n";
+                    (entry.format ? entry.text : std::to_string(entry.encoding.size())) + "\n";
         }
     } catch (const DataError &fault) {
         told +=
@@ -41,8 +63,9 @@ std::string told_by(const std::string &text, std::size_t split) {
 }
 
 struct Input {
-    const char *text;
+    std::string text;
     const char *told;
+    std::optional<InputFormat> format = std::nullopt;
 };
 
 const Input chunk_inputs[] = {
@@ -61,6 +84,10 @@ const Input chunk_inputs[] = {
      "input"},
     {"{\"grant\":\"deny\"}\n\n{\"\\u0061cl\":\"X\",\"entry\":{\"remark\":\"\\\"\"}}\r\n",
      "-@1 {\"grant\":\"deny\"}\nX@3 {\"remark\":\"\\\"\"}\n"},
+    {"\n{\"permit\":{}}\n \n{\"acl\":\"X\",\"entry\":{}} \n", "-@2 {\"permit\":{}}\nX@4 {}\n",
+     InputFormat::ndjson},
+    {"{\"remark\":\"r\"}\nx\n{\"deny\":{}}\n",
+     "-@1 {\"remark\":\"r\"}\n@2 : expected a JSON object, found 'x'", InputFormat::ndjson},
     {" {\n\"permit\":{}}{\"deny\":{}}", "-@1 {\n\"permit\":{}}\n-@2 {\"deny\":{}}\n"},
     {"<acls xmlns='urn:aceconv:um'>\n<acl><name>A</name>\n<entry><remark>a</remark></entry></acl>"
      "</acls>",
@@ -79,15 +106,19 @@ const Input chunk_inputs[] = {
     {"<acls xmlns='urn:aceconv:um'><acl><name>A</name><entry/>\n<x/></acl></acls>",
      "A@1 <entry xmlns=\"urn:aceconv:um\"/>\n@2 /aceconv-um:acls/acl[name='A']: unknown element "
      "'x'"},
-    {"\x83\x61X\x0A\x62um\xC6\x80\x9F\x01\xFF\x82\x61Y\xF6\xA1\x01\x02", "X@0 \n-@0 \nY@0 \n"},
-    {"\x82\x61X\x0A\x80\x9F\x1C", "X@0 \n@0 : the encoding at byte 5 is cut off or malformed"},
+    {"\x83\x61X\x0A\x62um\xC6\x80\x9F\x01\xFF\x82\x61Y\xF6\xA1\x01\x02\x82\x61Z\x01",
+     "X@0 2\n-@0 3\nY@0 3\n@0 : a label without an encoding behind it"},
+    {"\x82\x61X\x0A\x80\x9F\x1C", "X@0 1\n@0 : the encoding at byte 5 is cut off or malformed"},
 };
 
 TEST(Source, ChunksMayEndAnywhere) {
     for (const Input &input : chunk_inputs) {
-        const std::string text = input.text;
+        const std::string &text = input.text;
         for (std::size_t split = 0; split <= text.size(); ++split) {
-            ASSERT_EQ(told_by(text, split), input.told) << text << "\nsplit at " << split;
+            for (const bool pauses : {false, true}) {
+                ASSERT_EQ(told_by(text, split, pauses, input.format), input.told)
+                    << text << "\nsplit at " << split << (pauses ? ", with pauses" : "");
+            }
         }
     }
 }

@@ -35,8 +35,10 @@ void reset(EntryStream::Item &item) {
 
 } // namespace
 
-EntryStream::EntryStream(Source &source, const CodecSetup &setup, unsigned jobs, Work work)
-    : source_(source), setup_(setup), jobs_(jobs), work_(std::move(work)), codec_(setup_),
+EntryStream::EntryStream(Source &source, InputMeter &meter, const CodecSetup &setup, unsigned jobs,
+                         Work work, std::function<void()> before_wait)
+    : source_(source), meter_(meter), setup_(setup), jobs_(jobs), work_(std::move(work)),
+      before_wait_(std::move(before_wait)), codec_(setup_),
       ring_(jobs > 1 ? jobs * batches_per_job : 1) {}
 
 EntryStream::~EntryStream() {
@@ -50,7 +52,24 @@ EntryStream::~EntryStream() {
     }
 }
 
-void EntryStream::fill(Batch &batch) {
+/// The source's next, which may wait for input if `wait`.
+bool EntryStream::read(Entry &entry, bool wait) {
+    meter_.may_wait = false;
+    try {
+        return source_.next(entry);
+    } catch (const InputPauses &) {
+        if (!wait) {
+            throw;
+        }
+    }
+    before_wait_();
+    meter_.may_wait = true;
+    return source_.next(entry);
+}
+
+/// Reads until the batch is full or the input pauses; waits for the first entry at
+/// most, and only if `wait`.
+void EntryStream::fill(Batch &batch, bool wait) {
     batch.count = 0;
     batch.done = false;
     std::size_t bytes = 0;
@@ -61,10 +80,12 @@ void EntryStream::fill(Batch &batch) {
         Item &item = batch.items[batch.count];
         reset(item);
         try {
-            if (!source_.next(item.entry)) {
+            if (!read(item.entry, wait && batch.count == 0)) {
                 ended_ = true;
                 return;
             }
+        } catch (const InputPauses &) {
+            return;
         } catch (const DataError &) {
             item.fault = std::current_exception();
         } catch (...) { // told after what came before it
@@ -136,16 +157,18 @@ void EntryStream::start_thread() {
 void EntryStream::read_ahead(std::unique_lock<std::mutex> &lock) {
     while (!ended_ && read_ - given_ < ring_.size()) {
         Batch &next = batch(read_);
+        const bool idle = given_ == read_;
         lock.unlock(); // no other thread looks at a batch before it counts as read
-        fill(next);
+        fill(next, idle);
         if (read_ >= batches_before_help && threads_.size() + 1 < jobs_) {
             start_thread();
         }
         lock.lock();
-        if (next.count != 0) {
-            ++read_;
-            unworked_.notify_one();
+        if (next.count == 0) {
+            return; // at the end, or it pauses
         }
+        ++read_;
+        unworked_.notify_one();
     }
 }
 

@@ -27,9 +27,10 @@ struct Product {
 /// codec of its own; must depend on nothing but the entry. Throws DataError.
 using Work = std::function<void(Codec &, Entry &, Product &)>;
 
-/// Reads entries ahead in batches, a bounded number of them, which any thread may
-/// work on: the caller's own while it waits, and up to `jobs` - 1 others, started
-/// when the input proves long enough to be worth their start.
+/// Reads entries ahead in batches, a bounded number of them and as far as they are
+/// there: no entry that has been read waits for another. Any thread may work on a batch: the
+/// caller's own while it waits, and up to `jobs` - 1 others, started when the input proves long
+/// enough to be worth their start.
 class EntryStream {
   public:
     struct Item {
@@ -38,9 +39,11 @@ class EntryStream {
         std::exception_ptr fault; // of reading the entry, or of the work on it
     };
 
-    /// `source` must outlive the stream; it is asked for more behind every
-    /// DataError. Throws IoError.
-    EntryStream(Source &source, const CodecSetup &setup, unsigned jobs, Work work);
+    /// `source`, which `meter` belongs to, must outlive the stream; it is asked for
+    /// more behind every DataError. `before_wait` is called when every entry has been
+    /// handed out and the input pauses. Throws IoError.
+    EntryStream(Source &source, InputMeter &meter, const CodecSetup &setup, unsigned jobs,
+                Work work, std::function<void()> before_wait);
     ~EntryStream();
     EntryStream(const EntryStream &) = delete;
     EntryStream &operator=(const EntryStream &) = delete;
@@ -56,7 +59,8 @@ class EntryStream {
         bool done = false;
     };
 
-    void fill(Batch &batch);
+    bool read(Entry &entry, bool wait);
+    void fill(Batch &batch, bool wait);
     void work_on(Codec &codec, Batch &batch) const;
     void read_ahead(std::unique_lock<std::mutex> &lock);
     bool take_batch(Codec &codec, std::unique_lock<std::mutex> &lock);
@@ -65,9 +69,11 @@ class EntryStream {
     [[nodiscard]] Batch &batch(std::size_t number) { return ring_[number % ring_.size()]; }
 
     Source &source_;
+    InputMeter &meter_;
     const CodecSetup setup_;
     unsigned jobs_;
     const Work work_;
+    const std::function<void()> before_wait_;
     Codec codec_;              // of the caller's thread
     Batch *current_ = nullptr; // whose items are handed out
     std::size_t at_ = 0;       // the next of them

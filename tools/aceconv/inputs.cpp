@@ -41,6 +41,9 @@ bool Inputs::next(Entry &entry) {
         } const mark{entry.position, at_};
         try {
             if (!source_) {
+                if (!meter_->may_wait) {
+                    throw InputPauses(); // the first bytes cannot be read in pieces
+                }
                 source_ =
                     open_source(options_.paths[at_], options_.format, options_.schema, meter_);
                 meter_->size = size_;

@@ -38,10 +38,15 @@ void Run::begin(Work work, unsigned jobs, OnFault on_fault) {
     on_fault_ = std::move(on_fault);
     const bool traced = !common_.trace.empty(); // the trace stays in order
     stream_ = std::make_unique<EntryStream>(
-        source_, setup_, traced ? 1 : jobs,
+        source_, *meter_, setup_, traced ? 1 : jobs,
         [work = std::move(work)](Codec &codec, Entry &entry, Product &product) {
             require_schema(codec.descriptor(), entry);
             work(codec, entry, product);
+        },
+        [this] {
+            for (Output *output : outputs_) {
+                output->flush();
+            }
         });
 }
 
@@ -71,6 +76,8 @@ EntryStream::Item *Run::next() {
             const Entry &entry = item->entry;
             throw UsageError(shown_place(file(entry.position), entry.position, entry.key) +
                              unknown.what() + "; give " + option + " base or " + option + " um");
+        } catch (const PipeClosed &) { // met before waiting for input
+            closed_ = over_ = true;
         } catch (const StreamError &fault) {
             fail(item->entry, fault);
             ended_ = input;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "stream/files_in_use.h"
 #include "stream/sequence_numbers.h"
@@ -65,6 +66,8 @@ class Run {
     /// one of them is in use already.
     void also_reads(const std::string &path) { files_.reads(path); }
     void also_writes(const std::string &path) { files_.writes(path); }
+    /// What is written to `output` is handed over before the run waits for input.
+    void hand_over(Output &output) { outputs_.push_back(&output); }
     [[nodiscard]] Tally &tally() { return tally_; }
     /// Makes the other run's account a part of this one's.
     void merge(const Run &other);
@@ -86,6 +89,7 @@ class Run {
     Progress progress_;
     std::unique_ptr<EntryStream> stream_;
     OnFault on_fault_;
+    std::vector<Output *> outputs_;
     SequenceNumbers used_;
     std::size_t used_in_ = 0;          // the input that they stand in
     std::optional<std::size_t> ended_; // the input of which no more entries are taken

@@ -14,6 +14,7 @@ int run_check(const CheckOptions &options) {
     Output output("-", ReaderGone::is_ignored);
     const Style style(STDOUT_FILENO);
     LossAccount account(options.losses, "\"verb\":\"check\"", run);
+    run.hand_over(output);
     run.each(
         [&view](Codec &codec, Entry &entry, Product &product) {
             product.changes = losses_there_and_back(codec, view, entry, codec.encode(entry));

@@ -32,6 +32,7 @@ int run_convert(const ConvertOptions &options) {
     Output output(options.output, reader_gone(options.losses));
     const auto sink = make_sink(options.format, to, output);
     LossAccount account(options.losses, about(from, to), run);
+    run.hand_over(output);
     run.each(
         [&view, to, format = text_format(options.format),
          wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {

@@ -15,6 +15,7 @@ int run_decode(const DecodeOptions &options) {
     const auto sink =
         make_sink(options.format, options.input.schema.value_or(Schema::base), output);
     LossAccount account(options.losses, "\"verb\":\"decode\"", run);
+    run.hand_over(output);
     run.each(
         [&view, format = text_format(options.format),
          wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {

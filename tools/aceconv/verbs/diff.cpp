@@ -119,6 +119,7 @@ class Comparison {
     }
 
     [[nodiscard]] const Style &style() const { return style_; }
+    [[nodiscard]] Output &output() { return output_; }
 
   private:
     void compare(const Encoded &a, const Encoded &b) {
@@ -158,6 +159,8 @@ int run_diff(const DiffOptions &options) {
     }
     LossAccount account(options.losses, "\"verb\":\"diff\"", left.run());
     Comparison comparison(left.run().descriptor());
+    left.run().hand_over(comparison.output());
+    right.run().hand_over(comparison.output());
     const auto stopped = [&] {
         return !options.common.keep_going &&
                left.run().tally().errors + right.run().tally().errors != 0;

@@ -52,6 +52,7 @@ int run_encode(const EncodeOptions &options) {
     const auto sink = make_sink(options.bare ? OutputFormat::bare_cbor : OutputFormat::cbor,
                                 Schema::base, output);
     LossAccount account(options.losses, "\"verb\":\"encode\"", run);
+    run.hand_over(output);
     run.each(
         [&view, &stored = std::as_const(stored), any_stored,
          wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {

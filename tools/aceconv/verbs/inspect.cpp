@@ -125,6 +125,7 @@ int run_inspect(const InspectOptions &options) {
     const Style style(options.output == "-" ? STDOUT_FILENO : -1);
     bool headed = options.json;
     LossAccount account(options.losses, "\"verb\":\"inspect\"", run);
+    run.hand_over(output);
     run.each(
         [&, wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {
             const Encoding encoding = codec.encode(entry);
