@@ -41,7 +41,6 @@ std::vector<Change> compare_records(const RecordView &view, const bag_descriptor
                                     Said before, Said after, Words words) {
     DecodedRecord left(descriptor, before.encoding);
     DecodedRecord right(descriptor, after.encoding);
-    const auto original = view.describe(left.get(), before.schema);
     const Translation translation = translate(left.get(), before.schema, after.schema);
     clear_derived_bits(left.get());
     clear_derived_bits(right.get());
@@ -49,6 +48,8 @@ std::vector<Change> compare_records(const RecordView &view, const bag_descriptor
     if (translation.untranslated.empty() && left.encode() == right.encode()) {
         return changes; // there is one encoding for each content
     }
+    const auto original =
+        view.describe(DecodedRecord(descriptor, before.encoding).get(), before.schema);
     const auto left_values = view.describe(left.get(), after.schema);
     const auto right_values = view.describe(right.get(), after.schema);
     for (const Difference &difference : compare(left_values, right_values)) {
