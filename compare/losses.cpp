@@ -19,12 +19,13 @@ struct Said {
     Schema schema;
 };
 
-/// A difference in the words of the schemas that its sides were written in.
-Change change_of(const FieldValue *before, const FieldValue *after, Schema schema) {
+/// A difference of the field `any` in the words of the schemas that its sides were
+/// written in.
+Change change_of(const FieldValue &any, const FieldValue *before, const FieldValue *after,
+                 Schema schema) {
     const auto text = [](const FieldValue *value) {
         return value == nullptr ? std::nullopt : std::optional(value_text(*value));
     };
-    const FieldValue &any = before != nullptr ? *before : *after;
     const char *leaf = any.field == nullptr ? nullptr : any.field->leaf(schema);
     Change change;
     change.field = any.name;
@@ -55,7 +56,7 @@ std::vector<Change> compare_records(const RecordView &view, const bag_descriptor
     for (const Difference &difference : compare(left_values, right_values)) {
         const FieldValue *before_value =
             difference.before == nullptr ? nullptr : find_value(original, difference.any().name);
-        Change change = change_of(before_value, difference.after, before.schema);
+        Change change = change_of(difference.any(), before_value, difference.after, before.schema);
         const LossReason reason = loss_reason(difference, left_values, after.schema);
         const bool only_bits = difference.before != nullptr && difference.after != nullptr &&
                                same_value(*difference.before, *difference.after);
@@ -72,8 +73,8 @@ std::vector<Change> compare_records(const RecordView &view, const bag_descriptor
         if (told != changes.end()) {
             continue;
         }
-        Change change = change_of(find_value(original, number.field),
-                                  find_value(right_values, number.field), before.schema);
+        const FieldValue *own = find_value(original, number.field);
+        Change change = change_of(*own, own, find_value(right_values, number.field), before.schema);
         change.reason = number.reason;
         change.widens = words == Words::losses;
         changes.push_back(std::move(change));
@@ -142,7 +143,7 @@ Losses losses_of_stored(const RecordView &view, const bag_descriptor &descriptor
     if (fields == nullptr || fields->user_fields.empty()) {
         return {};
     }
-    Change loss = change_of(fields, nullptr, Schema::um);
+    Change loss = change_of(*fields, fields, nullptr, Schema::um);
     loss.reason = why;
     loss.widens = true;
     return {loss};

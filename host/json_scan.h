@@ -127,7 +127,7 @@ inline JsonWalk::Step JsonWalk::next() {
         return token_.front() == '{' || token_.front() == '[' ? Step::open : Step::close;
     }
     const std::size_t behind = text_.find_first_not_of(json_blanks, at_);
-    if (behind == text_.npos || text_[behind] != ':') {
+    if (behind == std::string_view::npos || text_[behind] != ':') {
         return Step::string;
     }
     at_ = behind + 1;

@@ -73,7 +73,8 @@ struct XmlParser::Handlers {
     static Name name(const XML_Char *text) {
         const std::string_view whole = text;
         const std::size_t at = whole.rfind(separator);
-        return at == whole.npos ? Name{"", whole} : Name{whole.substr(0, at), whole.substr(at + 1)};
+        return at == std::string_view::npos ? Name{"", whole}
+                                            : Name{whole.substr(0, at), whole.substr(at + 1)};
     }
 
     static void XMLCALL declaration(void *self, const XML_Char * /*version*/,

@@ -28,8 +28,9 @@ std::string XmlNamespaces::inherited() const {
         attributes += "=\"" + xml_escaped(d.space) + "\"";
     };
     for (std::size_t i = open_.size(); i-- > 0;) {
-        if (declared.insert(open_[i].prefix).second && i < inherited_) {
-            declare(open_[i]);
+        const Declaration &declaration = open_[i];
+        if (declared.insert(declaration.prefix).second && i < inherited_) {
+            declare(declaration);
         }
     }
     if (declared.count("") == 0) {

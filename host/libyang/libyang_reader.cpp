@@ -91,11 +91,10 @@ class LibyangReader final : public EntryReader {
     [[noreturn]] void refuse(std::string_view text) {
         const LibyangError error = take_error(context_.libyang());
         const DataError fault = complaint(error, context_.entry(schema_));
-        if (!xml_ || line_of(error) == 0) {
-            throw fault;
-        }
+        const bool told = xml_ && line_of(error) != 0;
         throw DataError(fault.path(), fault.what(),
-                        xml_->line_of(text, line_of(error), levels_of(fault.path())));
+                        told ? xml_->line_of(text, line_of(error), levels_of(fault.path()))
+                             : fault.line());
     }
 
     /// The document's entry, null when libyang refuses it.

@@ -159,7 +159,7 @@ class LibyangWriter final : public EntryWriter {
     /// libyang leaves carriage returns in XML as they are, and whoever reads it takes
     /// them for line feeds.
     static void append_whole(std::string_view printed, std::string &text) {
-        for (std::size_t at; (at = printed.find('\r')) != printed.npos;) {
+        for (std::size_t at; (at = printed.find('\r')) != std::string::npos;) {
             text.append(printed.substr(0, at)).append("&#13;");
             printed.remove_prefix(at + 1);
         }
