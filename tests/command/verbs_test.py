@@ -351,6 +351,22 @@ class Convert(Case):
             self.assertEqual(found, numbers[schema])
         self.ok("diff", self.file("a", source), self.file("b", um))
 
+    def test_every_protocol_is_one_meaning_under_two_numbers(self):
+        base = document("base", ("X", numbered(
+            {"grant": "deny", "protocol": "ip"},
+            {"grant": "deny", "protocol-operator": "equal", "protocol": "ip"},
+            {"grant": "deny", "protocol-operator": "range", "protocol": "ip", "protocol2": 9})))
+        um = self.ok("convert", "--from", "base", "--to", "um", stdin=base)
+        back = self.ok("convert", "--from", "um", "--to", "base", stdin=um)
+        for text, numbers in ((base, [0, 0, 0]), (um, [512, 512, 0]), (back, [0, 0, 0])):
+            found = [f["value"] for r in self.records(stdin=text) for f in r["fields"]
+                     if f["name"] == "protocol"]
+            self.assertEqual(found, numbers)
+        self.ok("diff", self.file("a", base), self.file("b", um))
+        own = self.file("own", um.replace(b'"ipv4"', b"0"))  # number 0 alone
+        self.assertEqual(self.run_command("diff", self.file("a", base), own)[1].decode().splitlines(), [
+            f"acl 'X' entry {number}: protocol (protocol): 0 (ip) -> 0" for number in (10, 20)])
+
     def test_generated_entries_there_and_back(self):
         for source, target in (("base", "um"), ("um", "base")):
             original = self.file("original", generated(source, "--document"))
