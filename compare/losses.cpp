@@ -129,7 +129,9 @@ Losses losses_there_and_back(Codec &codec, const RecordView &view, const Entry &
 
 Losses losses_of_encoding(Codec &codec, const RecordView &view, const Entry &entry,
                           Encoding encoding) {
-    if (codec.nodes() == nullptr) {
+    // Each leaf of the base schema has a field of its own, as wide as its type, so its
+    // records keep every node.
+    if (codec.nodes() == nullptr || entry.schema == Schema::base) {
         return {};
     }
     const ccv_yang_node &nodes = codec.decode_nodes(encoding, entry.schema, entry.key);
