@@ -104,6 +104,12 @@ Encoding Codec::encode(Entry &entry, Encoding stored) {
         point_at(fault, entry);
         throw fault;
     }
+    if (entry.schema == Schema::um && child_named(*node, "permit") != nullptr &&
+        child_named(*node, "deny") != nullptr) {
+        // Both fill one record, which may then hold what no text can say: two
+        // user-defined fields of one name.
+        decode_nodes(encoded_.get(), entry.schema, entry.key);
+    }
     read_ = node;
     return encoded_.get();
 }

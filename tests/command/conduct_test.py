@@ -17,6 +17,7 @@ BASE = '{"aceconv-base:acls":{"acl":['
 ENTRY = '{"sequence-number":10,"grant":"deny"}'
 XMLNS = 'xmlns="urn:aceconv:base"'
 
+UDF = '"udf-entries":{"udf":[{"udf-name":"a"}]}'
 # input, and what must be said behind "aceconv: <stdin>:"
 BAD_INPUT = [
     ("[1]", r"1: expected a JSON object, XML or encodings, found '\[1\]'"),
@@ -109,6 +110,7 @@ BAD_INPUT = [
     (f"<acls {XMLNS}><acl xmlns='urn:aceconv:um'/></acls>", r"1: .*: <acl> is of the um schema"),
     (f"<entry {XMLNS}><remark>{'x' * (1 << 21)}</remark></entry>", r"1: .*longer than 1048576"),
     ('{"remark":"%s"}' % ("x" * (1 << 21)), r"1: an entry longer than"),
+    ('{"permit":{%s},"deny":{%s}}' % ((UDF,) * 2), r"1: .*: a second entry with the same key"),
 ]
 ENCODINGS = [  # what to make of a good encoding, what must be said, and how many are still read
     (lambda e: e[:-1], r": the encoding at byte 0 is cut off or malformed", 0),
@@ -136,7 +138,7 @@ class Messages(Case):
         for text, said in BAD_INPUT:
             with self.subTest(text[:80]):
                 schema = ("--schema", "base") if text.startswith('{"acl"') else ()
-                code, _, err = self.run_command("encode", *schema, stdin=text)
+                code, _, err = self.run_command("encode", "--no-losses", *schema, stdin=text)
                 self.assertEqual(code, 2, err)
                 self.assertRegex(err, r"\Aaceconv: <stdin>:" + said)
                 self.assertEqual(err.count("\n"), 1, err)
