@@ -19,7 +19,7 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 COPY = ROOT / "build" / "mutation"
 FOLDERS = ["host", "stream", "compare", "tools"]
-TIMEOUT = 300  # seconds that a build or the tests may take
+TIMEOUT = 120  # seconds that a build or the tests may take
 
 # What is changed into what: the first group is replaced.
 CHANGES = [(re.compile(pattern), replacement) for pattern, replacement in [
@@ -113,6 +113,7 @@ def main():
                 print(f"survives: {name}:{number + 1}\n-{before}+{lines[number]}", flush=True)
             else:
                 caught += 1
+                print(f"{caught} noticed", end="\r", file=sys.stderr, flush=True)
         path.write_text(original)
     print(f"{caught} of {caught + survivors} changes noticed")
 
