@@ -173,7 +173,7 @@ class Progress(Case):
         main, side = pty.openpty()
         lines = generated(count=400).splitlines(keepends=True)
         with subprocess.Popen([ACECONV, "encode", "-o", str(self.dir / "out"), "--schema", "base",
-                               *args], stdin=subprocess.PIPE, stderr=side) as process:
+                               *args], stdin=subprocess.PIPE, stdout=side, stderr=side) as process:
             os.close(side)
             for part in (lines[:300], lines[300:] + [b"{}\n"] * 300, [b"bad\n"]):
                 process.stdin.write(b"".join(part))
