@@ -5,11 +5,13 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <sstream>
 
 #include "compare/loss_reasons.h"
 #include "compare/losses.h"
 #include "compare/translation.h"
 #include "host/plugin_loader.h"
+#include "host/schema/modules.h"
 #include "testing/generator/rule.h"
 #include "tests/print_schema.h"
 
@@ -276,6 +278,35 @@ TEST(LossesOfRecords, HaveTheirReasons) {
         convert(codec, view, entry, row.schema, Format::json, text, &losses);
         ASSERT_FALSE(losses.empty()) << row.loss;
         EXPECT_TRUE(change_text(losses.back()).ends_with(row.loss)) << change_text(losses.back());
+    }
+}
+
+/// The node at `path` below `node`, or null.
+const SchemaNode *node_at(const SchemaNode *node, const std::string &path) {
+    for (std::size_t at = 0; node != nullptr && at < path.size();) {
+        const std::size_t end = std::min(path.find('/', at), path.size());
+        const std::string step = path.substr(at, end - at);
+        node = step == ".." ? node->parent : node->find(step);
+        at = end + 1;
+    }
+    return node;
+}
+
+// "source/address|host": the second one stands beside the first.
+TEST(RecordFields, NameNodesOfTheModules) {
+    const Modules modules(ACECONV_MODULES);
+    for (const Schema schema : {Schema::base, Schema::um}) {
+        const SchemaNode &entry = modules.context().entry(schema);
+        const SchemaNode *top = schema == Schema::um ? entry.find("deny") : &entry;
+        for (const RecordField &field : record_fields()) {
+            std::istringstream leaves(field.leaf(schema) == nullptr ? "" : field.leaf(schema));
+            const SchemaNode *around = top;
+            for (std::string leaf; std::getline(leaves, leaf, '|') && leaf != ".";) {
+                const SchemaNode *found = node_at(around, leaf);
+                ASSERT_NE(found, nullptr) << field.name << ' ' << leaf;
+                around = found->parent;
+            }
+        }
     }
 }
 
