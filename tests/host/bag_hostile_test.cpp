@@ -111,6 +111,9 @@ TEST(BagHostile, HeadsAreRefused) {
     for (const auto &row : cases) {
         EXPECT_EQ(probe<Small>(small, row.bytes), code(row.status));
     }
+    EXPECT_EQ(probe<Small>(small, changed(2, 0x1B)), code(BagStatus::mismatch));
+    EXPECT_NE(aceconv::bag_last_error().find("type ?mall,"),
+              std::string::npos); // no control characters
     EXPECT_EQ(probe<Small>(small, with_head(ace, {0xA0})), code(BagStatus::mismatch));
     EXPECT_EQ(aceconv::bag_last_error(),
               "the encoding is of type ipv4_acl_config_ace, fingerprint " +
