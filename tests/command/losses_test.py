@@ -48,6 +48,9 @@ class Losses(Case):
                 with self.subTest(call=call, entry=entry):
                     self.assertEqual(said.get(10 * (i + 1), []), wanted)
             told = json.loads(report.read_text())
+            asked = dict(zip(call[1::2], call[2::2])) if call[0] == "convert" else {}
+            self.assertEqual((told.get("from"), told.get("to")),
+                             (asked.get("--from"), asked.get("--to")))
             lost = [lines for _, lines in rows if lines]
             more = [lines for lines in lost if any("matches more" in line for line in lines)]
             self.assertEqual([told[name] for name in ("entries", "entries-with-losses",
