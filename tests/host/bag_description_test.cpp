@@ -1,5 +1,7 @@
 // Descriptions, layouts and their registration.
 
+#include <numeric>
+
 #include "bag_testing.h"
 #include "host/error.h"
 
@@ -10,7 +12,7 @@ using aceconv::BagStatus;
 
 /// A descriptor of one or two types.
 struct Described {
-    const char *long_text, *short_text;
+    std::string long_text, short_text;
     std::uint64_t rows, size;
     std::vector<std::uint64_t> offsets;
     std::uint64_t inner_tag = 2, inner_size = 4;
@@ -18,11 +20,22 @@ struct Described {
 };
 
 TEST(BagDescription, AcceptedAndRefused) {
-    std::string many = "$1=", many_short = "$1=";
-    for (int i = 0; i < 257; ++i) {
-        many += "{m" + std::to_string(i) + "}C";
-        many_short += "C";
-    }
+    const auto members = [](int count, const char *name) { // of one type
+        std::string text = "$1=";
+        for (int i = 0; i < count; ++i) {
+            text += (*name == '\0' ? "" : name + std::to_string(i) + "}") + "C";
+        }
+        return text + ";";
+    };
+    const auto types = [](int count, const char *name) {
+        std::string text;
+        for (int i = 1; i <= count; ++i) {
+            text += "$" + std::to_string(i) + "=" + name + "C;";
+        }
+        return text;
+    };
+    std::vector<std::uint64_t> each(256);
+    std::iota(each.begin(), each.end(), 0);
     const struct {
         const char *why; // empty when it is accepted
         Described described;
@@ -45,37 +58,49 @@ TEST(BagDescription, AcceptedAndRefused) {
         {"expected \")\"", {"$1={a}a($2;$2={c}C{d}I;", "$1=a($2);$2=CI;", 1, 16, {0, 8}}},
         {"short description, character 3", {"$1={a}[u]e;", "$1=[u]e;", 0, 4, {0}}},
         // the descriptions together
-        {"differ", {"$1={a}C;", "$1=I;", 0, 1, {0}}},
+        {"long and short description differ", {"$1={a}C;", "$1=I;", 0, 1, {0}}},
         {"differ", {"$1={a}C;", "$1=CC;", 0, 1, {0}}},
         {"differ", {"$1={a}C;", "$2=C;", 0, 1, {0}}},
         {"differ", {"$1={a}4x;", "$1=5x;", 0, 4, {0}}},
         {"type $1 has two members \"a\"", {"$1={a}C{a}C;", "$1=CC;", 0, 2, {0, 1}}},
         {"type $1 is defined twice", {"$1={a}C;$1={a}C;", "$1=C;$1=C;", 1, 1, {0}, 1}},
-        {"type $1 is not defined after its use", {"$1={a}$1;", "$1=$1;", 0, 4, {0}}},
+        {"member a: type $1 is not defined after its use", {"$1={a}$1;", "$1=$1;", 0, 4, {0}}},
         {"type $1 is not defined after its use",
          {"$1={a}$2;$2={c}a($1){d}C;", "$1=$2;$2=a($1)C;", 1, 24, {0}}},
-        {"more than 256 members",
-         {(many += ";").c_str(), (many_short += ";").c_str(), 0, 257, {0}}},
+        {"", {members(256, "{m"), members(256, ""), 0, 256, each}},
+        {"type $1 has more than 256 members", {members(257, "{m"), members(257, ""), 0, 257, each}},
+        {"the description has 15", {types(16, "{a}"), types(16, ""), 0, 1, each}},
+        {"more than 16 types", {types(17, "{a}"), types(17, ""), 0, 1, each}},
         // the layout
-        {"announces 1 sub-records", {"$1={a}C;", "$1=C;", 1, 1, {0}}},
+        {"the layout announces 1 sub-records, the description has 0",
+         {"$1={a}C;", "$1=C;", 1, 1, {0}}},
         {"type $2 has no layout row", {"$1={a}$2;$2={c}C{d}I;", "$1=$2;$2=CI;", 1, 4, {0}, 3}},
         {"type $2: size 8, expected 4", {"$1={a}$2;$2={c}C{d}I;", "$1=$2;$2=CI;", 1, 4, {0}, 2, 8}},
         {"member d: offset 1, expected 2",
          {"$1={a}$2;$2={c}C{d}I;", "$1=$2;$2=CI;", 1, 4, {0}, 2, 4, {0, 1}}},
-        {"size 3, expected 4", {"$1={a}C{b}I;", "$1=CI;", 0, 3, {0, 2}}},
+        {"type $1: size 3, expected 4", {"$1={a}C{b}I;", "$1=CI;", 0, 3, {0, 2}}},
+        {"a layout row has no offsets", {"$1={a}C;", "$1=C;", 0, 1, {}}},
         {"member b: offset 4, expected 2", {"$1={a}C{b}I;", "$1=CI;", 0, 6, {0, 4}}},
         {"member a: offset 16, expected 8",
          {"$1={a}a($2){b}C;$2={c}C{d}I;", "$1=a($2)C;$2=CI;", 1, 24, {0, 16}}},
-        {"too large", {"$1={a}65535x{b}4x;", "$1=65535x4x;", 0, 65539, {0, 65535}}},
+        {"", {"$1={a}65535x{b}1x;", "$1=65535x1x;", 0, 65536, {0, 65535}}},
+        {"type $1 is too large", {"$1={a}65535x{b}2x;", "$1=65535x2x;", 0, 65537, {0, 65535}}},
+        {"type $2 has two members \"c\"", {"$1={a}$2;$2={c}C{c}I;", "$1=$2;$2=CI;", 1, 4, {0}}},
     };
     for (const auto &row : cases) {
         const Described &described = row.described;
-        SCOPED_TRACE(std::string(described.long_text).substr(0, 80));
+        SCOPED_TRACE(described.long_text.substr(0, 80));
         const bag_layout layouts[] = {
             {described.rows, described.size, described.offsets.data()},
             {described.inner_tag, described.inner_size, described.inner_offsets.data()}};
-        const bag_descriptor descriptor = {
-            1, "t", 5, 1, "test", layouts, described.long_text, described.short_text};
+        const bag_descriptor descriptor = {1,
+                                           "t",
+                                           5,
+                                           1,
+                                           "test",
+                                           layouts,
+                                           described.long_text.c_str(),
+                                           described.short_text.c_str()};
         ASSERT_EQ(bag_register_start(), 0U);
         const std::uint32_t status = bag_register(&descriptor);
         const std::string why = aceconv::bag_last_error();
@@ -91,6 +116,8 @@ TEST(BagDescription, AcceptedAndRefused) {
 }
 
 TEST(BagDescription, IncompleteDescriptors) {
+    const std::string lacks = ": the descriptor lacks its type name, layout or a description";
+    EXPECT_EQ(bag_register_start(), 0U);
     for (void (*const damage)(bag_descriptor &) : {
              +[](bag_descriptor &d) { d.type_name = nullptr; },
              +[](bag_descriptor &d) { d.type_name = ""; },
@@ -102,9 +129,15 @@ TEST(BagDescription, IncompleteDescriptors) {
         bag_descriptor descriptor = small;
         damage(descriptor);
         EXPECT_THROW(static_cast<void>(aceconv::bag_fingerprint(descriptor)), aceconv::DataError);
+        EXPECT_EQ(bag_register(&descriptor), code(BagStatus::bad_description));
+        const char *name = descriptor.type_name;
+        EXPECT_EQ(aceconv::bag_last_error(),
+                  "type " + (name == nullptr   ? "without a name" + lacks
+                             : *name == '\xFF' ? "?: the type's name is not UTF-8"
+                                               : name + lacks));
     }
-    EXPECT_EQ(bag_register_start(), 0U);
     EXPECT_EQ(bag_register(nullptr), code(BagStatus::bad_description));
+    EXPECT_EQ(aceconv::bag_last_error(), "no descriptor");
     EXPECT_EQ(bag_register_abort(), 0U);
 }
 
@@ -129,16 +162,20 @@ TEST(BagDescription, MembersOfAnAccessListEntry) {
 
 TEST(BagRegistry, IsATransaction) {
     const std::uint32_t closed = code(BagStatus::not_registered);
-    EXPECT_EQ(bag_register(&small), closed);
-    EXPECT_EQ(bag_register_abort(), closed);
-    EXPECT_EQ(bag_register_end(), closed);
+    for (const std::uint32_t status :
+         {bag_register(&small), bag_register_abort(), bag_register_end()}) {
+        EXPECT_EQ(status, closed);
+        EXPECT_EQ(aceconv::bag_last_error(), "no registration is open");
+    }
 
     static bag_descriptor descriptor = small; // an address of its own
     bag_definition *definition = nullptr;
     EXPECT_EQ(bag_register_start(), 0U);
     EXPECT_EQ(bag_register_start(), closed) << "one at a time";
+    EXPECT_EQ(aceconv::bag_last_error(), "a registration is already open");
     EXPECT_EQ(bag_register(&descriptor), 0U);
     EXPECT_EQ(bag_definition_init(&descriptor, &definition), closed) << "not before the end";
+    EXPECT_EQ(aceconv::bag_last_error(), "the type is not registered");
     EXPECT_EQ(bag_register_abort(), 0U);
     EXPECT_EQ(bag_definition_init(&descriptor, &definition), closed);
     EXPECT_EQ(definition, nullptr);
@@ -156,6 +193,8 @@ TEST(BagRegistry, IsATransaction) {
     descriptor.type_name = "other";
     EXPECT_EQ(bag_register_start(), 0U);
     EXPECT_EQ(bag_register(&descriptor), code(BagStatus::bad_description)) << "has changed";
+    EXPECT_EQ(aceconv::bag_last_error(),
+              "type other: its descriptor has changed since it was registered");
     EXPECT_EQ(bag_register_abort(), 0U);
     EXPECT_NE(aceconv::bag_fingerprint(descriptor), aceconv::bag_fingerprint(small));
     bag_definition_free(definition);

@@ -97,19 +97,27 @@ TEST(BagHostile, HeadsAreRefused) {
     const struct {
         BagStatus status;
         Bytes bytes;
+        const char *why; // the start of the text
     } cases[] = {
-        {BagStatus::truncated, {}},
-        {BagStatus::malformed, {0x00}},
-        {BagStatus::malformed, {0x82, 0x01, 0x02}},
-        {BagStatus::malformed, from_hex("83 01 48 0000000000000000 A0")},
-        {BagStatus::malformed, from_hex("83 65 736D616C6C 47 00000000000000 A0")},
-        {BagStatus::malformed, from_hex("83 7805 736D616C6C 48 0000000000000000 A0")},
-        {BagStatus::malformed, from_hex("9F 65 736D616C6C 48 0000000000000000 A0 FF")},
-        {BagStatus::mismatch, changed(6, 'L')},
-        {BagStatus::mismatch, changed(9, good[9] ^ 1)},
+        {BagStatus::truncated, {}, "byte 0: the encoding ends early"},
+        {BagStatus::malformed, {0x00}, "byte 0: expected an array of three"},
+        {BagStatus::malformed, {0x82, 0x01, 0x02}, "byte 0: expected an array of three"},
+        {BagStatus::malformed, from_hex("83 01 48 0000000000000000 A0"),
+         "byte 1: expected the type's name"},
+        {BagStatus::malformed, from_hex("83 61 73 61 74 A0"), "byte 3: expected a fingerprint"},
+        {BagStatus::malformed, from_hex("83 65 736D616C6C 47 00000000000000 A0"),
+         "byte 7: expected a fingerprint of 8 bytes"},
+        {BagStatus::truncated, Bytes(good.begin(), good.end() - 1), "byte 7: the encoding ends"},
+        {BagStatus::malformed, from_hex("83 7805 736D616C6C 48 0000000000000000 A0"),
+         "byte 1: not in its shortest form"},
+        {BagStatus::malformed, from_hex("9F 65 736D616C6C 48 0000000000000000 A0 FF"),
+         "byte 0: a tag,"},
+        {BagStatus::mismatch, changed(6, 'L'), "the encoding is of type smalL, fingerprint "},
+        {BagStatus::mismatch, changed(9, good[9] ^ 1), "the encoding is of type small, finger"},
     };
     for (const auto &row : cases) {
         EXPECT_EQ(probe<Small>(small, row.bytes), code(row.status));
+        EXPECT_EQ(aceconv::bag_last_error().find(row.why), 0U) << aceconv::bag_last_error();
     }
     EXPECT_EQ(probe<Small>(small, changed(2, 0x1B)), code(BagStatus::mismatch));
     EXPECT_NE(aceconv::bag_last_error().find("type ?mall,"),
@@ -119,18 +127,37 @@ TEST(BagHostile, HeadsAreRefused) {
               "the encoding is of type ipv4_acl_config_ace, fingerprint " +
                   aceconv::bag_fingerprint(ace) + "; expected small, fingerprint " +
                   aceconv::bag_fingerprint(small));
+    Bytes longest = from_hex("83 7841"); // 64 bytes of a name are shown, and 399 of a text
+    longest.resize(longest.size() + 65, 'x');
+    for (const std::uint8_t byte : from_hex("48 0000000000000000 A0")) {
+        longest.push_back(byte);
+    }
+    EXPECT_EQ(probe<Small>(small, longest), code(BagStatus::mismatch));
+    EXPECT_EQ(aceconv::bag_last_error().find(" " + std::string(64, 'x') + ", "), 23U);
 }
 
+// RecordsThatCannotBeStored has what is just allowed.
 TEST(BagHostile, BeyondTheLimits) {
-    Bytes string = from_hex("A1 05 7A00010001");
-    string.resize(string.size() + 65537, 'x');
-    EXPECT_EQ(probe<Small>(small, with_head(small, string)), code(BagStatus::too_large));
-    Bytes list = from_hex("A1 07 991001");
-    list.resize(list.size() + 4097, 0xA0);
-    EXPECT_EQ(probe<Small>(small, with_head(small, list)), code(BagStatus::too_large));
-    Bytes encoding = with_head(small, {0xA0});
-    encoding.resize(16 * 1024 * 1024 + 1);
-    EXPECT_EQ(probe<Small>(small, encoding), code(BagStatus::too_large));
+    const auto repeated = [](const char *start, std::size_t count, std::uint8_t byte) {
+        Bytes bytes = with_head(small, from_hex(start));
+        bytes.resize(bytes.size() + count, byte);
+        return bytes;
+    };
+    const struct {
+        Bytes bytes;
+        const char *why;
+    } cases[] = {
+        {repeated("A1 05 7A00010001", 65537, 'x'),
+         "byte 18, member text: a string of more than 65536 bytes"},
+        {repeated("A1 07 991001", 4097, 0xA0), "byte 18, member list: more than 4096 elements"},
+        {repeated("A0", 16 * 1024 * 1024, 0), "an encoding of more than 16777216 bytes"},
+    };
+    for (const auto &row : cases) {
+        EXPECT_EQ(probe<Small>(small, row.bytes), code(BagStatus::too_large));
+        EXPECT_EQ(aceconv::bag_last_error(), row.why);
+    }
+    EXPECT_EQ(probe<Small>(small, repeated("", 16 * 1024 * 1024 - 16, 0)),
+              code(BagStatus::malformed));
 }
 
 TEST(BagHostile, PrefixesAndFlippedBits) {

@@ -69,6 +69,7 @@ int sweep(Call call) {
             return n;
         }
         EXPECT_EQ(status, code(aceconv::BagStatus::no_memory));
+        EXPECT_EQ(aceconv::bag_last_error().find("no memory for "), 0U);
         EXPECT_EQ(owned, 0) << "at allocation " << n;
     }
 }

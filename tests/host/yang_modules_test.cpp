@@ -5,12 +5,15 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <tuple>
 
 #include "aceconv/keywords.h"
 #include "host/schema/modules.h"
+#include "host/schema/suggestion.h"
 #include "tests/plugin/entries.h"
 #include "tests/plugin/record_text.h"
 
@@ -186,6 +189,114 @@ TEST(YangModules, OtherTextsThanThoseOfTheBuildAreCompiled) {
     const auto um = module_file(other.path, Schema::um);
     std::ofstream(um) << "module aceconv-um { }";
     EXPECT_NE(error_of([&] { const Modules broken(other.path); }).find(um), std::string::npos);
+}
+
+std::string repeated(int times, const std::function<std::string(int)> &text) {
+    std::string all;
+    for (int i = 0; i < times; ++i) {
+        all += text(i);
+    }
+    return all;
+}
+std::string nested(int levels) {
+    return repeated(levels, [](int i) { return "container c" + std::to_string(i) + " {"; }) +
+           "leaf x { type empty; }" + std::string(static_cast<std::size_t>(levels), '}');
+}
+std::string siblings(int count) {
+    return repeated(count,
+                    [](int i) { return "leaf l" + std::to_string(i) + " { type empty; } "; });
+}
+
+// Constructs that the modules do not have now.
+TEST(YangModules, WhatTheHostDoesNotKnowIsRefused) {
+    const TemporaryDirectory other;
+    std::filesystem::copy_file(module_file(ACECONV_YANG_DIRECTORY, Schema::base),
+                               module_file(other.path, Schema::base));
+    const struct {
+        std::string nodes; // beside the sequence number
+        const char *said;  // or what "x" is expected to be
+    } rows[] = {
+        {"leaf x { type string { length 1..max; } }", "a string that is not empty"},
+        {"leaf x { type string { length 2..3; pattern 'a+'; } }",
+         "a string of 2 to 3 characters of the form a+"},
+        {"leaf x { type string { length 0..3|5..7; } }", "a string of 0 to 7 characters"},
+        {"leaf x { type string; }", "a string"},
+        {"leaf x { type uint8 { range 3..9; } }", "a number 3 to 9"},
+        {"leaf x { type union { type enumeration { enum a; } type uint16; } }",
+         "a number 0 to 65535 or one of: a"},
+        {"leaf x { type enumeration {" +
+             repeated(12, [](int i) { return " enum " + std::to_string(i) + ";"; }) + "} }",
+         "one of: 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11"},
+        {"leaf x { type empty; }", "[null] in JSON, an empty element in XML"},
+        {"container x { " + nested(12) + " }", "a container"},
+        {siblings(62) + "leaf x { type boolean; }", "true or false"},
+        {"leaf x { type int8; }", "aceconv-um: node x: type"},
+        {"leaf x { type uint64; }", "aceconv-um: node x: type"},
+        {"leaf x { type union { type string; type uint8; } }", "aceconv-um: node x: union"},
+        {"leaf x { type union { type enumeration { enum a; } type uint8; type uint16; } }",
+         "aceconv-um: node x: union"},
+        {"leaf x { type enumeration { enum 'a\"b'; } }", "name a\"b: quoted characters"},
+        {"leaf-list x { type string; }", "aceconv-um: node x: kind of node"},
+        {"container x { " + nested(13) + " }", "aceconv-um: node x: nested too deep"},
+        {siblings(63) + "leaf x { type empty; }", "aceconv-um: node entry: too many children"},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.nodes);
+        std::ofstream(module_file(other.path, Schema::um))
+            << "module aceconv-um { namespace 'urn:aceconv:um'; prefix u; container acls { list "
+               "acl "
+               "{ key name; leaf name { type string; } list entry { key sequence-number; "
+               "leaf sequence-number { type uint32; } "
+            << row.nodes << "} } } }";
+        try {
+            Modules loaded(other.path);
+            const SchemaNode *x = loaded.context().entry(Schema::um).find("x");
+            ASSERT_NE(x, nullptr);
+            EXPECT_EQ(expected(*x), row.said);
+        } catch (const std::logic_error &error) {
+            EXPECT_STREQ(error.what(), row.said);
+        }
+    }
+    std::ofstream(module_file(other.path, Schema::um))
+        << "module aceconv-um { namespace 'urn:aceconv:um'; prefix u; container acls { } }";
+    EXPECT_EQ(error_of([&] { const Modules loaded(other.path); }),
+              ": the module has no list /aceconv-um:acls/acl/entry");
+}
+
+TEST(YangModules, EverydayWordsHaveNames) {
+    const struct {
+        const char *said, *base, *um; // what is proposed in some leaf of the schema
+    } rows[] = {
+        {"http", "www", "WWW"},        {"domain", "dns", "DNS"},
+        {"dhcp", "boot-ps", "BootPS"}, {"ike", "isakmp", "ISAKMP"},
+        {"ping", "echo", "Echo"},      {"ipip", "ip-in-ip", nullptr},
+        {"any", "ip", nullptr},        {"ip", nullptr, "ipv4"},
+        {"allow", "permit", nullptr},  {"accept", "permit", nullptr},
+        {"drop", "deny", nullptr},     {"block", "deny", nullptr},
+        {"reject", "deny", nullptr},   {"reset", "rst", nullptr},
+        {"push", "psh", nullptr},      {"urgent", "urg", nullptr},
+        {"tpc", "tcp", "tcp"},         {"aPplication/json", nullptr, nullptr},
+    };
+    const std::function<void(const SchemaNode &, const char *, std::set<std::string> &)> look =
+        [&](const SchemaNode &node, const char *said, std::set<std::string> &meant) {
+            for (const SchemaNode &child : node.children) {
+                look(child, said, meant);
+            }
+            const std::string text = node.names.empty() ? "" : value_refusal(node, said);
+            const std::size_t at = text.find("; did you mean ");
+            if (at != std::string::npos) {
+                meant.insert(text.substr(at + 15, text.size() - at - 16));
+            }
+        };
+    for (const auto &row : rows) {
+        for (const Schema schema : {Schema::base, Schema::um}) {
+            std::set<std::string> meant;
+            look(modules().context().entry(schema), row.said, meant);
+            const char *name = schema == Schema::base ? row.base : row.um;
+            EXPECT_EQ(meant.count(name == nullptr ? "" : name), name == nullptr ? 0U : 1U)
+                << row.said << ::testing::PrintToString(meant);
+        }
+    }
 }
 
 TEST(YangModules, AMissingDirectoryOrModuleIsReported) {
