@@ -7,25 +7,31 @@ namespace ace::base {
 
 namespace {
 
-/// Containers are written whether or not anything in them is present. Of the
+/// Containers are written whether or not anything in them is present, and so are
+/// those inside "next-hop"; in any other that is empty no row is looked at. Of the
 /// record only the ICMP message may change, which is folded before it is written.
 void decode_rows(ccv_yang_output *output, std::span<const Row> rows, Record &record) {
+    const std::uint64_t mask = record.ConfigurationMask;
     for (const Row &row : rows) {
+        const bool present = (mask & row.leaf.bit.first) != 0;
         switch (row.kind) {
-        case RowKind::leaf:
-            write_leaf(output, record, row.leaf);
-            break;
         case RowKind::icmp_message:
             if (is_present(record, icmp_any_code)) {
                 record.icmp_type_code |= any_code;
                 set_present(record, icmp_specific_code);
             }
-            write_leaf(output, record, row.leaf);
+            [[fallthrough]];
+        case RowKind::leaf:
+            if (present) {
+                write_value(output, record, row.leaf);
+            }
             break;
         case RowKind::container:
         case RowKind::next_hop_container:
             ccv_yang_container_begin(output, row.leaf.name);
-            decode_rows(output, row.rows(), record);
+            if (present || row.kind == RowKind::next_hop_container) {
+                decode_rows(output, row.rows(), record);
+            }
             ccv_yang_container_end(output);
             break;
         case RowKind::ignored:

@@ -43,13 +43,13 @@ void derive_next_hop_bits(Record &record) {
 /// the search goes on behind the row found before.
 class Level {
   public:
-    explicit Level(std::span<const Row> rows) : rows_(rows), next_(rows.data()) {}
+    explicit Level(std::span<const Row> rows)
+        : begin_(rows.data()), end_(begin_ + rows.size()), next_(begin_) {}
 
     const Row *find(const char *name) {
-        const Row *const begin = rows_.data();
-        const Row *row = find(next_, begin + rows_.size(), name);
+        const Row *row = find(next_, end_, name);
         if (row == nullptr) {
-            row = find(begin, next_, name);
+            row = find(begin_, next_, name);
         }
         if (row != nullptr) {
             next_ = row + 1;
@@ -58,46 +58,46 @@ class Level {
     }
 
   private:
+    const Row *begin_, *end_, *next_;
+
     // Most names differ in their first character, which costs no call.
     static const Row *find(const Row *row, const Row *end, const char *name) {
-        for (; row != end; ++row) {
-            if (row->leaf.name[0] == name[0] && std::strcmp(name, row->leaf.name) == 0) {
+        for (const char first = name[0]; row != end; ++row) {
+            if (row->leaf.name[0] == first && std::strcmp(name, row->leaf.name) == 0) {
                 return row;
             }
         }
         return nullptr;
     }
-
-    std::span<const Row> rows_;
-    const Row *next_;
 };
 
-/// Handles the current node, one of `level`.
-void encode_node(Walk &walk, Level &level, Record &record) {
-    const Row *row = level.find(ccv_yang_get_node_name(walk.current));
-    if (row == nullptr) {
-        walk.status = ACE_STATUS_UNKNOWN_LEAF;
-        return;
-    }
-    switch (row->kind) {
-    case RowKind::leaf:
-        walk.status = read_leaf(record, walk.current, row->leaf);
-        break;
-    case RowKind::icmp_message:
-        walk.status = read_icmp_message(record, walk.current, row->leaf);
-        break;
-    case RowKind::container:
-    case RowKind::next_hop_container: {
-        Level inner(row->rows());
-        walk_level(walk, CCV_YANG_STEP_CONTAINER, [&] { encode_node(walk, inner, record); });
-        if (row->kind == RowKind::next_hop_container && walk.status == 0) {
-            derive_next_hop_bits(record);
+/// Handles the nodes of the level that `step` opens on the current node.
+void encode_level(Walk &walk, std::uint32_t step, std::span<const Row> rows, Record &record) {
+    Level level(rows);
+    walk_level(walk, step, [&] {
+        const Row *row = level.find(ccv_yang_get_node_name(walk.current));
+        if (row == nullptr) {
+            walk.status = ACE_STATUS_UNKNOWN_LEAF;
+            return;
         }
-        break;
-    }
-    case RowKind::ignored:
-        break;
-    }
+        switch (row->kind) {
+        case RowKind::leaf:
+            walk.status = read_leaf(record, walk.current, row->leaf);
+            break;
+        case RowKind::icmp_message:
+            walk.status = read_icmp_message(record, walk.current, row->leaf);
+            break;
+        case RowKind::container:
+        case RowKind::next_hop_container:
+            encode_level(walk, CCV_YANG_STEP_CONTAINER, row->rows(), record);
+            if (row->kind == RowKind::next_hop_container && walk.status == 0) {
+                derive_next_hop_bits(record);
+            }
+            break;
+        case RowKind::ignored:
+            break;
+        }
+    });
 }
 
 } // namespace
@@ -112,9 +112,9 @@ std::uint32_t ccv_custom_encoder_ipv4_acl_ace(ccv_yang_node *node, const std::ui
     if (stored != nullptr) {
         ace::base::carry_over_udf(record, stored, stored_len);
     }
-    ace::base::Level level(ace::base::entry_rows);
-    std::uint32_t status = ace::walk_entry(
-        node, [&](ace::Walk &walk) { ace::base::encode_node(walk, level, record); });
+    std::uint32_t status = ace::walk_entry(node, [&](ace::Walk &walk) {
+        ace::base::encode_level(walk, CCV_YANG_STEP_ENTRY, ace::base::entry_rows, record);
+    });
     if (status == 0) {
         status = ace::encode_record(record, out_a, out_b);
     }

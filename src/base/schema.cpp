@@ -1,5 +1,7 @@
 #include "base/schema.h"
 
+#include <algorithm>
+
 #include "aceconv/keywords.h"
 #include "common/icmp_message.h"
 #include "common/leaf_guards.h"
@@ -17,10 +19,14 @@ constexpr Leaf only_name(const char *name) {
     return leaf;
 }
 
-template <std::size_t N>
-constexpr Row container(const char *name, const Row (&children)[N],
+/// A container of `rows`, with the bits of all that it holds.
+constexpr Row container(const char *name, std::span<const Row> rows,
                         RowKind kind = RowKind::container) {
-    return Row{kind, only_name(name), children};
+    Leaf leaf = only_name(name);
+    for (const Row &row : rows) {
+        leaf.bit = leaf.bit | row.leaf.bit;
+    }
+    return Row{kind, leaf, rows};
 }
 
 constexpr Row ignored(const char *name) {
@@ -56,7 +62,8 @@ constexpr Row destination_port[] = {
 
 constexpr Row icmp[] = {
     {RowKind::icmp_message, keyword_or_number("icmp-type-code", acl_yang_acl_icmp_type_code,
-                                           FIELD(icmp_type_code), icmp_specific_code)},
+                                              FIELD(icmp_type_code),
+                                              icmp_specific_code | icmp_any_code)},
 };
 
 constexpr Row tcp[] = {
@@ -116,6 +123,7 @@ constexpr Row dscp[] = {
 };
 
 constexpr Row entry[] = {
+    ignored          ("sequence-number"),
     keyword          ("grant",             acl_yang_acl_grant,    FIELD(grant),      bit(0)),
     keyword          ("protocol-operator", acl_yang_acl_operator, FIELD(proto_oper), bit(53)),
     named_number     ("protocol",          acl_yang_acl_protocol, FIELD(protocol),   bit(1)),
@@ -147,13 +155,13 @@ constexpr Row entry[] = {
     text             ("source-port-group",                   FIELD(port_src_obj), bit(49)),
     text             ("destination-port-group",              FIELD(port_dst_obj), bit(50)),
     text             ("sequence-str",                        FIELD(SequenceStr),  bit(52)),
-    ignored          ("sequence-number"),
 };
 
 // clang-format on
 #undef FIELD
 
-// Names are unique in their level; a bit stands for one leaf of the whole schema.
+// Names are unique in their level; a bit, always of the first mask, stands for one
+// leaf of the whole schema; of containers, only "next-hop" holds others.
 constexpr bool guarded(std::span<const Row> rows, std::uint64_t &used) {
     for (std::size_t i = 0; i < rows.size(); ++i) {
         const Row &row = rows[i];
@@ -164,7 +172,11 @@ constexpr bool guarded(std::span<const Row> rows, std::uint64_t &used) {
         }
         const bool holds_rows =
             row.kind == RowKind::container || row.kind == RowKind::next_hop_container;
-        if (holds_rows != (row.child_count != 0) || !guarded(row.rows(), used)) {
+        const bool holds_containers = std::ranges::any_of(
+            row.rows(), [](const Row &inner) { return inner.child_count != 0; });
+        if (holds_rows != (row.child_count != 0) ||
+            holds_containers != (row.kind == RowKind::next_hop_container) ||
+            row.leaf.bit.second != 0 || !guarded(row.rows(), used)) {
             return false;
         }
         if (row.kind == RowKind::leaf || row.kind == RowKind::icmp_message) {
@@ -179,9 +191,8 @@ constexpr bool guarded(std::span<const Row> rows, std::uint64_t &used) {
 
 static_assert([] {
     std::uint64_t used = 0;
-    // All defined bits but the any-code bit and the two derived next-hop bits.
-    constexpr std::uint64_t expected =
-        0x1FFFFFFFFFFFFFFF & ~(std::uint64_t{1} << 19 | std::uint64_t{3} << 42);
+    // All defined bits but the two derived next-hop bits.
+    constexpr std::uint64_t expected = 0x1FFFFFFFFFFFFFFF & ~(std::uint64_t{3} << 42);
     return guarded(entry, used) && used == expected;
 }());
 

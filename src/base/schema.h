@@ -1,5 +1,5 @@
-// The base schema as one table that both directions interpret: the encoder's
-// order of names is the decoder's order of emission.
+// The base schema as one table that both directions interpret, in the decoder's
+// order of emission.
 #pragma once
 
 #include <cstddef>
@@ -13,14 +13,14 @@ namespace ace::base {
 enum class RowKind : std::uint8_t {
     leaf,
     container,
-    next_hop_container, // its bits for the second and third next hop are derived
+    next_hop_container, // holds containers; the bits for its second and third are derived
     icmp_message,       // its presence bit depends on the value
     ignored,            // accepted by the encoder, never written
 };
 
 struct Row {
     RowKind kind;
-    Leaf leaf; // of a container only the name
+    Leaf leaf; // of a container its name, and the bits of what it holds
     const Row *children = nullptr;
     std::size_t child_count = 0;
 

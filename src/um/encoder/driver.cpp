@@ -94,17 +94,19 @@ void parse_action(Walk &walk, const Row &action, Record &record) {
     });
 }
 
-/// Handles the current node, a child of the entry.
-void parse_entry_child(Walk &walk, Record &record) {
-    const Row *row = find(entry_rows, ccv_yang_get_node_name(walk.current));
-    if (row == nullptr) {
-        walk.status = ACE_STATUS_UNKNOWN_LEAF;
-        trace(trace_line::invalid_leaf, walk.status);
-    } else if (row->kind == Kind::action) {
-        parse_action(walk, *row, record);
-    } else if (row->kind == Kind::leaf) {
-        walk.status = read_leaf(record, walk.current, row->leaf);
-    }
+/// One pass over the children of the entry.
+void parse_entry(Walk &walk, Record &record) {
+    walk_level(walk, CCV_YANG_STEP_ENTRY, [&] {
+        const Row *row = find(entry_rows, ccv_yang_get_node_name(walk.current));
+        if (row == nullptr) {
+            walk.status = ACE_STATUS_UNKNOWN_LEAF;
+            trace(trace_line::invalid_leaf, walk.status);
+        } else if (row->kind == Kind::action) {
+            parse_action(walk, *row, record);
+        } else if (row->kind == Kind::leaf) {
+            walk.status = read_leaf(record, walk.current, row->leaf);
+        }
+    });
 }
 
 } // namespace
@@ -118,7 +120,7 @@ std::uint32_t ccv_custom_encoder_ipv4_acl_ace_um(ccv_yang_node *node,
     ace::Record record;
     ace::clear_record(record);
     std::uint32_t status =
-        ace::walk_entry(node, [&](ace::Walk &walk) { ace::um::parse_entry_child(walk, record); });
+        ace::walk_entry(node, [&](ace::Walk &walk) { ace::um::parse_entry(walk, record); });
     if (status == 0) {
         status = ace::encode_record(record, out_a, out_b);
         if (status != 0) {
