@@ -10,17 +10,35 @@ from dataclasses import dataclass
 from measuring import Contender
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-MODULE = ROOT / "yang/aceconv-base.yang"
-LARGE = 100_000  # with more entries only what streams is run round for round
+SMALL, LARGE, HUGE = 10_000, 100_000, 1_000_000
+SCHEMAS = "base", "um"
+OTHER = {"base": "um", "um": "base"}
 
-ENCODE, DECODE, CONVERT = "aceconv encode", "aceconv decode", "aceconv convert"
-VALIDATING = "aceconv encode, validating backend"
-YANGLINT, YANGLINT_EDIT = "yanglint, validated", "yanglint, `-t edit`"
-WALK = "simdjson walk"
+PROTOBUF = "protobuf, binary to binary"
 
 
-def workers(name, number):
-    return f"{name} -j {number}"
+def module(schema):
+    return ROOT / f"yang/aceconv-{schema}.yang"
+
+
+def run_name(verb, schema, threads=1, losses=True):
+    return f"{verb} {schema}, {threads} thread{'s' * (threads > 1)}" + ", no losses" * (not losses)
+
+
+def document_name(schema):
+    return f"encode {schema}, a document"
+
+
+def validating_name(schema):
+    return f"encode {schema}, validating backend"
+
+
+def yanglint_name(schema):
+    return f"yanglint {schema}, validated"
+
+
+def walk_name(schema, text="lines"):
+    return f"simdjson walk {schema}, {text}"
 
 
 @dataclass
@@ -37,55 +55,61 @@ class Inputs:
             subprocess.run(command, stdin=stdin, stdout=output, check=True)
         return path
 
-    def generate(self, name, *options):
-        return self.write(name, "generate_entries", str(self.count), *options)
+    @functools.cache
+    def lines(self, schema):
+        return self.write(f"{schema}.ndjson", "generate_entries", str(self.count),
+                          *["--um"] * (schema == "um"))
 
-    def encode(self, schema, source):
+    @functools.cache
+    def document(self, schema):
+        return self.write(f"{schema}.json", "generate_entries", str(self.count), "--document",
+                          *["--um"] * (schema == "um"))
+
+    @functools.cache
+    def sorted_document(self, schema):
+        """Members in the order of their names: entries come before their list's name."""
+        path = self.work / f"{schema}.sorted.json"
+        with open(self.document(schema), encoding="utf-8") as file:
+            text = json.dumps(json.load(file), sort_keys=True, separators=(",", ":"))
+        path.write_text(text, encoding="utf-8")
+        return path
+
+    @functools.cache
+    def bags(self, schema):
         return self.write(f"{schema}.bags", "aceconv", "encode", "-q", "--schema", schema,
-                          source=source)
+                          source=self.lines(schema))
 
-    @functools.cached_property
-    def base(self):
-        return self.generate("base.ndjson")
+    @functools.cache
+    def decoded(self, schema):
+        return self.write(f"{schema}.decoded", "aceconv", "decode", "-q", "--schema", schema,
+                          "--to", "ndjson", source=self.bags(schema))
 
-    @functools.cached_property
-    def um(self):
-        return self.generate("um.ndjson", "--um")
-
-    @functools.cached_property
-    def document(self):
-        return self.generate("base.json", "--document")
-
-    @functools.cached_property
-    def base_bags(self):
-        return self.encode("base", self.base)
-
-    @functools.cached_property
-    def um_bags(self):
-        return self.encode("um", self.um)
-
-    @functools.cached_property
+    @functools.cache
     def messages(self):
-        return self.write("base.messages", "protobuf_entries", "json", source=self.base)
+        return self.write("messages", "protobuf_entries", "json", source=self.lines("base"))
 
-    @functools.cached_property
+    @functools.cache
     def empty_document(self):
         path = self.work / "empty.json"
         path.write_text("{}")
         return path
 
-    def members(self):
-        """How many members the objects of all entries have."""
-        count = 0
+    def __hash__(self):
+        return id(self)
 
-        def add(pairs):
-            nonlocal count
-            count += len(pairs)
 
-        with open(self.base, encoding="utf-8") as lines:
-            for line in lines:
-                json.loads(line, object_pairs_hook=add)
-        return count
+def members(lines):
+    """How many members the objects of all lines have."""
+    count = 0
+
+    def add(pairs):
+        nonlocal count
+        count += len(pairs)
+
+    with open(lines, encoding="utf-8") as file:
+        for line in file:
+            json.loads(line, object_pairs_hook=add)
+    return count
 
 
 def has_text(text, count):
@@ -135,75 +159,93 @@ def messages(count):
     return complete
 
 
-def aceconv(inputs, name, source, complete, *arguments, threads=1, once=False):
-    command = [inputs.build / "bin/aceconv", *arguments, "-q", "-j", str(threads)]
-    return Contender(name, command, source, complete, once=once)
+def aceconv(inputs, name, source, arguments, threads=1, losses=True, slow=False):
+    """A verb over standard input; no entries are told by the format alone."""
+    verb, nothing = arguments[0], "cbor" if arguments[0] == "decode" else "ndjson"
+    command = [inputs.build / "bin/aceconv", *arguments, "-q", "-j", str(threads),
+               *["--no-losses"] * (not losses)]
+    complete = (encodings if verb == "encode" else has_lines)(inputs.count)
+    return Contender(f"aceconv {name}", command, source, complete,
+                     at_rest=[*command, "--from-format", nothing], slow=slow)
 
 
-BASE_TO_LINES = "decode", "--schema", "base", "--to", "ndjson"
-UM_TO_LINES = "decode", "--schema", "um", "--to", "ndjson"
-BASE_TO_UM = "convert", "--no-losses", "--from", "base", "--to", "um", "--to-format", "ndjson"
-
-
-def aceconv_streams(inputs):
-    """Each verb with one and two workers."""
-    encoded, lines = encodings(inputs.count), has_lines(inputs.count)
-    for name, source, complete, arguments in (
-        (ENCODE, inputs.base, encoded, ("encode", "--schema", "base")),
-        (DECODE, inputs.base_bags, lines, BASE_TO_LINES),
-        (CONVERT, inputs.base, lines, BASE_TO_UM),
+def verbs(inputs, schema, variants):
+    """Each verb from a schema, by (threads, whether losses are looked for)."""
+    for verb, source, arguments in (
+        ("encode", inputs.lines(schema), ("--schema", schema)),
+        ("decode", inputs.bags(schema), ("--schema", schema, "--to", "ndjson")),
+        ("convert", inputs.lines(schema),
+         ("--from", schema, "--to", OTHER[schema], "--to-format", "ndjson")),
     ):
-        for number in (1, 2):
-            yield aceconv(inputs, workers(name, number), source, complete, *arguments,
-                          threads=number)
+        for threads, losses in variants:
+            yield aceconv(inputs, run_name(verb, schema, threads, losses), source,
+                          (verb, *arguments), threads, losses)
 
 
-def aceconv_document(inputs):
-    return aceconv(inputs, f"{ENCODE}, a document", inputs.document, encodings(inputs.count),
-                   "encode", "--schema", "base", once=inputs.count > LARGE)
+def document(inputs, schema):
+    return aceconv(inputs, document_name(schema), inputs.document(schema),
+                   ("encode", "--schema", schema))
 
 
-def aceconv_others(inputs):
-    encoded, lines = encodings(inputs.count), has_lines(inputs.count)
-    yield aceconv(inputs, f"{ENCODE}, UM", inputs.um, encoded, "encode", "--schema", "um")
-    yield aceconv(inputs, f"{DECODE}, UM", inputs.um_bags, lines, *UM_TO_LINES)
-    yield aceconv(inputs, VALIDATING, inputs.base, encoded, "encode", "--schema", "base",
-                  "--backend", "validating")
+def sorted_document(inputs, schema):
+    return aceconv(inputs, f"{document_name(schema)}, members sorted",
+                   inputs.sorted_document(schema), ("encode", "--schema", schema))
 
 
-def yanglint(name, kind, inputs):
+def validating(inputs, schema):
+    return aceconv(inputs, validating_name(schema), inputs.lines(schema),
+                   ("encode", "--schema", schema, "--backend", "validating"), slow=True)
+
+
+def yanglint(inputs, schema, name=None, kind="config"):
     """yanglint from JSON to XML; it wants the document's name."""
-    command = ["yanglint", "-p", ROOT / "yang", "-f", "xml", "-t", kind, MODULE]
-    return Contender(name, [*command, inputs.document], inputs.document,
-                     has_text(b"<entry>", inputs.count),
-                     at_rest=[*command, inputs.empty_document], once=inputs.count > LARGE)
+    command = ["yanglint", "-p", ROOT / "yang", "-f", "xml", "-t", kind, module(schema)]
+    return Contender(name or yanglint_name(schema), [*command, inputs.document(schema)],
+                     inputs.document(schema), has_text(b"<entry>", inputs.count),
+                     at_rest=[*command, inputs.empty_document()], slow=True)
+
+
+def walk(inputs, schema, text, lines):
+    walked = f"{inputs.count} entries, {members(lines)} members,".encode()
+    return Contender(walk_name(schema, text), [inputs.build / "bin/simdjson_walk"], lines,
+                     starts_with(walked))
 
 
 def contenders(inputs):
-    count, programs = inputs.count, inputs.build / "bin"
-    protobuf = programs / "protobuf_entries"
-    result = [*aceconv_streams(inputs), aceconv_document(inputs)]
-    if count <= LARGE:
-        result += aceconv_others(inputs)
-    walked = f"{count} entries, {inputs.members()} members,".encode()
-    result += [
-        Contender(WALK, [programs / "simdjson_walk"], inputs.base, starts_with(walked)),
-        Contender("protobuf, binary to binary", [protobuf, "binary"], inputs.messages,
-                  same_as(inputs.messages)),
-        yanglint(YANGLINT, "config", inputs),
-    ]
-    if count <= LARGE:
-        mapping = [sys.executable, ROOT / "bench/python_mapping.py", MODULE]
-        result += [
-            yanglint(YANGLINT_EDIT, "edit", inputs),
-            Contender("protobuf, JSON to binary", [protobuf, "json"], inputs.base,
-                      messages(count)),
-            Contender("Python json to members", mapping, inputs.base, has_lines(count)),
-        ]
-    return result
+    """In the order of a round: what is compared stands close together."""
+    if inputs.count > LARGE:
+        for schema in SCHEMAS:
+            yield from verbs(inputs, schema, [(1, True)])
+            yield document(inputs, schema)
+        return
+    binary = [inputs.build / "bin/protobuf_entries", "binary"]
+    for schema in SCHEMAS:
+        yield from verbs(inputs, schema, [(1, True), (2, True), (1, False)])
+        yield document(inputs, schema)
+        yield sorted_document(inputs, schema)
+        yield walk(inputs, schema, "lines", inputs.lines(schema))
+        yield walk(inputs, schema, "decoded", inputs.decoded(schema))
+        if schema == "base":
+            yield Contender(PROTOBUF, binary, inputs.messages(), same_as(inputs.messages()))
+        yield validating(inputs, schema)
+        yield yanglint(inputs, schema)
+    if inputs.count <= SMALL:
+        yield from far_slower(inputs)
+
+
+def far_slower(inputs):
+    lines, mapping = inputs.lines("base"), ROOT / "bench/python_mapping.py"
+    yield yanglint(inputs, "base", "yanglint base, `-t edit`", "edit")
+    yield Contender("protobuf, JSON to binary", [inputs.build / "bin/protobuf_entries", "json"],
+                    lines, messages(inputs.count), slow=True)
+    yield Contender("Python json to members", [sys.executable, mapping, module("base")], lines,
+                    has_lines(inputs.count), slow=True)
 
 
 def cold_start(inputs):
     """What takes one entry as it takes many."""
-    chosen = (workers(ENCODE, 1), VALIDATING, YANGLINT, YANGLINT_EDIT)
-    return [one for one in contenders(inputs) if one.name in chosen]
+    for schema in SCHEMAS:
+        for one in (*verbs(inputs, schema, [(1, True)]), validating(inputs, schema),
+                    yanglint(inputs, schema)):
+            one.slow = False
+            yield one

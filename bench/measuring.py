@@ -7,6 +7,8 @@ import time
 from collections.abc import Callable
 from dataclasses import dataclass, field
 
+SLOW_ROUNDS = 2
+
 
 class Failed(Exception):
     """A contender that fails, or leaves entries out, spoils the run."""
@@ -19,7 +21,7 @@ class Contender:
     source: pathlib.Path  # standard input
     complete: Callable[[pathlib.Path], bool]  # whether an output holds all entries
     at_rest: list = None  # the command for an empty input, where standard input is not read
-    once: bool = False  # too slow for more than the first round
+    slow: bool = False  # takes part in the first rounds only
 
 
 @dataclass
@@ -32,30 +34,25 @@ class Sample:
 class Row:
     """What was measured of a contender at one number of entries."""
     contender: Contender
-    first: Sample = None
     samples: list = field(default_factory=list)
     peak: float = 0  # MB
     rest: float = 0  # MB, with an empty input
 
-    def timed(self):
-        return self.samples or [self.first]
-
     def seconds(self):
-        return statistics.median(sample.seconds for sample in self.timed())
+        return statistics.median(sample.seconds for sample in self.samples)
 
-    def ratio_to(self, other):
-        """How many times as long as the other's: the median of the rounds' ratios, since
-        a round's runs stand close together and the machine may drift between rounds."""
-        mine, others = self.timed(), other.timed()
-        if len(mine) != len(others):
-            return self.seconds() / other.seconds()
-        return statistics.median(a.seconds / b.seconds for a, b in zip(mine, others))
+    def ratio_to(self, *others):
+        """How many times as long as the others together: the median of the rounds' ratios,
+        since a round's runs stand close together and the machine may drift between rounds."""
+        rounds = zip(self.samples, *(other.samples for other in others))
+        return statistics.median(
+            mine.seconds / sum(other.seconds for other in theirs) for mine, *theirs in rounds)
 
     def processor(self):
-        return statistics.median(sample.processor for sample in self.timed())
+        return statistics.median(sample.processor for sample in self.samples)
 
     def spread(self):
-        seconds = [sample.seconds for sample in self.timed()]
+        seconds = [sample.seconds for sample in self.samples]
         return min(seconds), max(seconds)
 
 
@@ -93,20 +90,19 @@ def check(contender, output):
 def measure(contenders, rounds, work):
     """All contenders once a round, so that each meets the same machine; rows by name.
 
-    A first round measures memory and warms the caches; its times count only for
-    a contender that runs once.
+    A round before the others measures memory, and warms the caches.
     """
     output = work / "output"
     rows = {contender.name: Row(contender) for contender in contenders}
     for row in rows.values():
         one = row.contender
         _, row.rest = run_for_memory(one.name, one.at_rest or one.command, os.devnull, output)
-        row.first, row.peak = run_for_memory(one.name, one.command, one.source, output)
+        _, row.peak = run_for_memory(one.name, one.command, one.source, output)
         check(one, output)
-    for _ in range(rounds):
+    for number in range(rounds):
         for row in rows.values():
             one = row.contender
-            if not one.once:
+            if not one.slow or number < SLOW_ROUNDS:
                 row.samples.append(run(one.name, one.command, one.source, output))
                 check(one, output)
     output.unlink()
