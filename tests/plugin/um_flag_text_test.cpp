@@ -24,7 +24,12 @@ TEST(StringHelpers, RemoveChar) {
 }
 
 TEST(StringHelpers, RemoveNonTcpFlag) {
-    const std::pair<const char *, const char *> cases[] = {
+    std::string changes; // 2 MB, which take long where a sign moves all that is behind it
+    for (size_t i = 0; i < 1 << 20; ++i) {
+        changes += "-+";
+    }
+    const std::pair<std::string, std::string> cases[] = {
+        {changes, std::string(changes.size() / 2, '+')},
         {"+syn -ack ", "+syn"},
         {"-ack", ""},
         {"", ""},
@@ -46,7 +51,7 @@ TEST(StringHelpers, RemoveNonTcpFlag) {
     for (const auto &[text, left] : cases) {
         std::string changed = text;
         removeNonTcpFlag(changed.data());
-        EXPECT_STREQ(changed.c_str(), left) << text;
+        EXPECT_TRUE(changed.c_str() == left) << text.substr(0, 100);
     }
 }
 

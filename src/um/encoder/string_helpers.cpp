@@ -1,5 +1,3 @@
-#include <cstring>
-
 #include "aceconv/plugin.h"
 
 void removeChar(char *string, char character) noexcept {
@@ -13,19 +11,16 @@ void removeChar(char *string, char character) noexcept {
 }
 
 void removeNonTcpFlag(char *string) noexcept {
-    for (char *position = string; *position != '\0'; ++position) {
-        if (*position != '-') {
-            continue;
+    char *kept = string;
+    bool withdrawn = false; // from a minus to the next plus
+    for (const char *next = string; *next != '\0'; ++next) {
+        withdrawn = *next == '-' || (withdrawn && *next != '+');
+        if (!withdrawn) {
+            *kept++ = *next;
         }
-        const char *plus = std::strchr(position, '+');
-        if (plus == nullptr) {
-            *position = '\0';
-            break;
-        }
-        std::memmove(position, plus, std::strlen(plus) + 1);
     }
-    const std::size_t length = std::strlen(string);
-    if (length != 0 && string[length - 1] == ' ') {
-        string[length - 1] = '\0';
+    if (kept != string && kept[-1] == ' ') {
+        --kept;
     }
+    *kept = '\0';
 }
