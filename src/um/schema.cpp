@@ -216,7 +216,7 @@ constexpr Rows part(const char *first, const char *last) {
     return {};
 }
 
-constexpr Row entry[] = {
+constexpr Row entry_rows[] = {
     action("deny",   0, action_rows),
     action("permit", 1, part("protocol", "set")),
     text  ("remark", FIELD(remark), bit(31)),
@@ -233,7 +233,7 @@ constexpr ActionParts action_parts = {
     part("capture", "set"),        part("protocol", "police").size(),
 };
 
-constexpr Rows entry_rows = entry;
+constexpr Row entry = node(Kind::container, "", {}, entry_rows);
 
 static_assert([] {
     guard::Tables tables;
@@ -242,7 +242,7 @@ static_assert([] {
     // next-hop bits and the sequence text).
     constexpr std::uint64_t elsewhere =
         std::uint64_t{0xF} << 19 | std::uint64_t{3} << 42 | std::uint64_t{1} << 52;
-    return tables.hold(entry) && tables.holds(icmp_message_name) &&
+    return tables.hold(entry_rows) && tables.holds(icmp_message_name) &&
            tables.used.first == (0x1FFFFFFFFFFFFFFF & ~elsewhere) &&
            tables.used.second == std::uint64_t{0x3F} << 24;
 }());

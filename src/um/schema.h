@@ -78,19 +78,29 @@ struct Row {
                                         // fields: decoding what cannot be written
     const Row *children = nullptr;
     std::size_t child_count = 0;
+    /// By start_of a name, the place of the first child that starts like it.
+    std::array<std::uint8_t, 32> starts{};
 
     /// Most rows are plain leaves and stand in the tables as such.
     constexpr Row(const Leaf &row_leaf) : kind(Kind::leaf), leaf(row_leaf) {} // NOLINT
     constexpr Row(Kind row_kind, const Leaf &row_leaf, std::span<const Row> rows = {})
-        : kind(row_kind), leaf(row_leaf), children(rows.data()), child_count(rows.size()) {}
+        : kind(row_kind), leaf(row_leaf), children(rows.data()), child_count(rows.size()) {
+        starts.fill(static_cast<std::uint8_t>(child_count));
+        for (std::size_t i = child_count; i > 0; --i) {
+            starts[start_of(rows[i - 1].leaf.name)] = static_cast<std::uint8_t>(i - 1);
+        }
+    }
 
     [[nodiscard]] constexpr std::span<const Row> rows() const { return {children, child_count}; }
+    static constexpr std::size_t start_of(const char *name) {
+        return static_cast<unsigned char>(name[0]) % 32;
+    }
 };
 
 using Rows = std::span<const Row>;
 
-/// The children of an entry; "deny" and "permit" hold theirs.
-extern const Rows entry_rows;
+/// An entry; its children "deny" and "permit" hold theirs.
+extern const Row entry;
 
 /// The children of an action, in the parts that are written one by one.
 struct ActionParts {

@@ -35,7 +35,7 @@ std::uint32_t emit_action(ccv_yang_output *output, const Record &record, const R
 /// The remark follows whatever became of the action.
 std::uint32_t emit_entry(ccv_yang_output *output, const Record &record) {
     std::uint32_t status = 0;
-    for (const Row &row : entry_rows) {
+    for (const Row &row : entry.rows()) {
         if (!is_present(record, row.leaf.bit)) {
             continue;
         }

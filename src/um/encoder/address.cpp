@@ -7,7 +7,7 @@ std::uint32_t parse_side(ccv_yang_iter *iterator, ccv_yang_node *node, const Row
                          Record &record) {
     Walk walk{iterator, node};
     walk_level(walk, CCV_YANG_STEP_CONTAINER, [&] {
-        const Row *row = find(side.rows(), ccv_yang_get_node_name(walk.current));
+        const Row *row = find_child(side, ccv_yang_get_node_name(walk.current));
         if (row == nullptr) {
             walk.status = ACE_STATUS_UNKNOWN_LEAF;
             trace(*side.failure, walk.status);

@@ -11,7 +11,7 @@ enum class OtherNames : std::uint8_t { pass_over, stop };
 
 void parse_leaves(Walk &walk, const Row &container, OtherNames others, Record &record) {
     walk_level(walk, CCV_YANG_STEP_CONTAINER, [&] {
-        const Row *row = find(container.rows(), ccv_yang_get_node_name(walk.current));
+        const Row *row = find_child(container, ccv_yang_get_node_name(walk.current));
         if (row != nullptr) {
             walk.status = read_leaf(record, walk.current, row->leaf);
         } else if (others == OtherNames::stop) {
@@ -88,7 +88,7 @@ void parse_action(Walk &walk, const Row &action, Record &record) {
     set_present(record, action.leaf.bit);
     record.grant = action.leaf.constant;
     walk_level(walk, CCV_YANG_STEP_CONTAINER, [&] {
-        if (const Row *row = find(action.rows(), ccv_yang_get_node_name(walk.current))) {
+        if (const Row *row = find_child(action, ccv_yang_get_node_name(walk.current))) {
             parse_action_child(walk, *row, record);
         }
     });
@@ -97,7 +97,7 @@ void parse_action(Walk &walk, const Row &action, Record &record) {
 /// One pass over the children of the entry.
 void parse_entry(Walk &walk, Record &record) {
     walk_level(walk, CCV_YANG_STEP_ENTRY, [&] {
-        const Row *row = find(entry_rows, ccv_yang_get_node_name(walk.current));
+        const Row *row = find_child(entry, ccv_yang_get_node_name(walk.current));
         if (row == nullptr) {
             walk.status = ACE_STATUS_UNKNOWN_LEAF;
             trace(trace_line::invalid_leaf, walk.status);

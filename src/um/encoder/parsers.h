@@ -14,19 +14,23 @@
 
 namespace ace::um {
 
-inline const char *name_of(const Row &row) {
-    return row.leaf.name;
-}
-template <typename T>
-const char *name_of(const T &row) {
-    return row.name;
+/// The child of `parent` that `name` names, or null. Rows are tested in order, from
+/// the first that starts like the name.
+inline const Row *find_child(const Row &parent, const char *name) {
+    const Row *const end = parent.children + parent.child_count;
+    for (const Row *row = parent.children + parent.starts[Row::start_of(name)]; row != end; ++row) {
+        if (name_is(name, row->leaf.name)) {
+            return row;
+        }
+    }
+    return nullptr;
 }
 
 /// The row of a table that `name` names, or null. Rows are tested in order.
 template <typename Table>
 const auto *find(const Table &rows, const char *name) {
     for (const auto &row : rows) {
-        if (name_is(name, name_of(row))) {
+        if (name_is(name, row.name)) {
             return &row;
         }
     }

@@ -47,7 +47,7 @@ std::uint32_t acl_yang_ipv4_enc_police(ccv_yang_iter *iterator, ccv_yang_node *n
                                        Record &record) {
     Walk walk{iterator, node};
     walk_level(walk, CCV_YANG_STEP_CONTAINER, [&] {
-        const Row *row = find(police.rows(), ccv_yang_get_node_name(walk.current));
+        const Row *row = find_child(police, ccv_yang_get_node_name(walk.current));
         if (row == nullptr) {
             return;
         }
