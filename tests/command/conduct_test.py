@@ -1,6 +1,7 @@
 """How the command behaves: exit codes, messages, and what it leaves behind."""
 import json
 import os
+import pathlib
 import pty
 import re
 import signal
@@ -37,12 +38,30 @@ BAD_INPUT = [
     (BASE + '{"name":""}]}}', r"1: .*acl\[1\]: the name of an access list is empty"),
     (BASE + '{"name":"a\\u0000b"}]}}', r"1: .*the name of an access list, 'a\\x00b'"),
     (BASE + '{"name":"%s"}]}}' % ("x" * 4097), r"1: .*, 'x+\.\.\.': longer than 4096 bytes"),
-    (BASE + '{"name":"%s"}]}}' % ("x" * 30000), r"1: .*a string longer than 4096 bytes"),
+    (BASE + '{"name":"%s"}]}}' % ("x" * 30000), r"1: .*expected the access list's name, found a string longer than 4096 bytes"),
+    (BASE + '{"name":5}]}}', r"1: /aceconv-base:acls/acl\[1\]: expected the access list's name, found '5'"),
+    (BASE + '{"name":"\\x"}]}}', r'1: .*acl\[1\]: not a JSON string: "\\x"'),
+    (BASE + '{"entry":[{"remark":"%s"}],"name":"X"}]}}' % ("x" * (1 << 21)),
+     r"1: /aceconv-base:acls/acl\[1\]: an entry longer than 1048576 bytes"),
+    (BASE + '{"name":"X"', r"1: acl 'X': .*: expected ',' or '}', found the end of the input"),
+    (BASE + '{"name', r"1: .*: a string that does not end, for \"name\" or \"entry\""),
+    (BASE + '{5}', r"1: .*: expected \"name\" or \"entry\", found '5'"),
+    ('{"aceconv-base:acls":{', r'1: expected the member "acl", found the end'),
+    ('{"aceconv-base:acls":5}', r"1: expected an object, found '5'"),
+    ('{"aceconv-base:acls":{"acl":5}}', r"1: expected an array, found '5'"),
+    ('{"aceconv-base:acls":{"acl":[5]}}', r"1: .*: expected an access list, found '5'"),
+    (BASE + '{"name":"X","entry":5}]}}', r"1: acl 'X': .*: expected an array of entries, found '5'"),
+    (BASE + '{"name":"X","entry":[5]}]}}', r"1: acl 'X': .*: expected an entry, found '5'"),
+    ('{"acl":5}', r"1: expected the access list's name, found '5'"),
+    ('{"acl":"X","entry":5}', r"1: .*entry.*, found '5'"),
+    ('{"grant":"deny"}\n{"sequence-number":0}', r"2: .*/sequence-number: 0; expected a number 1 to"),
+    ('{"grant":"deny"}\n{"remark":"%s"}' % ("x" * 65537),
+     r"2: member remark: a string of more than 65536 bytes"),
     ('{"acl":"%s","entry":{}}' % ("x" * 4097), r"1: .*: longer than 4096 bytes"),
     (BASE + '{"name":"X","more":1}]}}', r'1: acl \'X\': .*: unknown member "more"; expected "name"'),
     (BASE + '{"name":"X","entry":[\n%s,\n%s]}]}}' % (ENTRY, ENTRY),
      r"3: acl 'X' entry 10: a second entry of this sequence number"),
-    (BASE + '{"name":"X","entry":[{"grant":"deny"}]}]}}', r"1: acl 'X': .*sequence-number"),
+    (BASE + '{"name":"X","entry":[{"grant":"deny"}]}]}}', r"1: acl 'X': an entry without \"sequence-number\""),
     (BASE + '{"name":"X","entry":[\n\n{"sequence-number":1', r"3: acl 'X': /aceconv-base:.*: the input ends inside"),
     (BASE + '{"name":"X","entry":[%s]}]}}{' % ENTRY, r"1: expected nothing behind the document, found '{'"),
     (BASE + '{"name":"X","entry":[\n{"sequence-number":10,\n"grant":"drop"}]}]}}',
@@ -65,6 +84,11 @@ BAD_INPUT = [
      r'1: /aceconv-base:acls/acl\[1\]: an access list without "name"'),
     (f"<acls {XMLNS}>\n<acl></acls>", r"2: .*not well-formed XML"),
     (f"<acls {XMLNS}\n a='1'/>", r"1: unknown attribute 'a'"),
+    (f"<acls {XMLNS}><acl><name>X</name><name>X</name></acl></acls>", r"1: .*: \"name\" is given twice"),
+    (f"<acls {XMLNS}><acl>", r"1: .*: the input ends inside the document"),
+    (f"<acls {XMLNS}><x/></acls>", r"1: /aceconv-base:acls: unknown element 'x'"),
+    (f"<acls {XMLNS}><!--{'x' * (1 << 21)}--></acls>",
+     r"1: /aceconv-base:acls: a tag, a comment or blanks longer than 1048576 bytes"),
     (f"<acls {XMLNS}><acl><name>{'x' * 4097}</name></acl></acls>", r"1: .*: longer than 4096 bytes"),
     (f"<acls {XMLNS}>\n<!--\n-->\ntext</acls>", r"4: .*unexpected text"),
     (f"<acls {XMLNS}>\n<acl>\n<name>X</name><?x\ny?></acl>", r"3: acl 'X': .*instruction 'x'"),
@@ -117,7 +141,8 @@ ENCODINGS = [  # what to make of a good encoding, what must be said, and how man
     (lambda e: e + e[:9], r": the encoding at byte %d is cut off", 1),
     (lambda e: e + b"\x1c" + e, r": the encoding at byte %d is cut off or malformed", 1),
     (lambda e: b"\x82\x61X\x0a", r"#1: acl 'X' entry 10: a label without an encoding", 0),
-    (lambda e: b"\x82\x61X\x18\x0a" + e + e, r"#1: not a label", 1),
+    (lambda e: b"\x82\x61X\x18\x0a" + e + e, r"#1: not a label: expected an array of a list's name or "
+     'null, a sequence number or null, and a schema, "base" or "um"\\n', 1),
     (lambda e: b"\x82\x61X\x00" + e + e, r"#1: not a label", 1),
     (lambda e: b"\x83\x61X\x0a\x62UM" + e + e, r"#1: not a label", 1),
     (lambda e: b"\x82\x61\xff\x0a" + e + e, r"#1: .*not valid UTF-8", 1),
@@ -157,7 +182,8 @@ class Messages(Case):
     def test_usage_and_io(self):
         doc, missing = self.file("doc", DOC), str(self.dir / "missing")
         os.symlink("loop", loop := str(self.dir / "loop"))
-        remark = self.file("remark", '{"remark":"r"}')
+        remark, bags = self.file("remark", '{"remark":"r"}'), self.file("bags", self.ok("encode", doc))
+        um = self.file("um", document("um", ("X", numbered({}))))
         for code, args, said in [
                 (2, (), "a verb is expected"), (2, ("help", "me"), "unknown verb me"),
                 (2, ("encdoe", "-o", "x"), "unknown verb encdoe; did you mean encode?\n"),
@@ -172,8 +198,7 @@ class Messages(Case):
                 (2, ("convert", doc), "--to"), (2, ("diff", doc), "B"),
                 (2, ("diff", "-", "-"), "standard input"), (2, ("check", "-", doc, "-"), "standard input"),
                 (2, ("encode", "--stored", "-"), "standard input"),
-                (2, ("encode", "--stored", doc, self.file("um", document("um", ("X", numbered({})))),
-                     "-o", missing), None),
+                (2, ("encode", "--stored", doc, um, "-o", missing), None),
                 (3, ("encode", missing), missing + ": cannot read: No such file"),
                 (3, ("encode", str(self.dir)), "cannot read"),
                 (3, ("encode", doc, "-o", missing + "/x"), "cannot write: No such file"),
@@ -185,7 +210,11 @@ class Messages(Case):
                 (3, ("--version", "--plugin", missing), missing),
                 (3, ("--plugin", missing, "encode", doc), missing),
                 (3, ("--modules", missing, "encode", doc), "cannot load the YANG modules"),
-                (2, ("decode", doc), "expected encodings"),
+                (2, ("encode", doc, "-j", "0"), "--jobs"), (2, ("encode", doc, "-j", "257"), "--jobs"),
+                (2, ("decode", doc), "an entry's text; expected encodings"),
+                (2, ("encode", bags), "an encoding already; expected entries in JSON or XML"),
+                (2, ("encode", um, "--stored", bags), "no effect on entries of the UM schema"),
+                (3, ("--plugin", missing, "--version"), "cannot open shared object file: No such file"),
                 (2, ("encode", "--schema", "um", doc), "of the base schema; expected the um")]:
             with self.subTest(args):
                 got, out, err = self.run_command(*args)
@@ -195,8 +224,6 @@ class Messages(Case):
                 self.assertEqual((got, out), (code, b""), err)
                 self.assertIn(said, err)
                 self.assertTrue(err.startswith("aceconv: "), err)
-        stored = self.file("stored", self.ok("encode", doc))
-        self.assertEqual(self.run_command("encode", "--stored", stored, self.dir / "um")[0], 2)
         with open("/dev/full", "wb") as full:
             done = subprocess.run([ACECONV, "inspect", doc], stdout=full, stderr=subprocess.PIPE,
                                   check=False)
@@ -215,7 +242,28 @@ class Messages(Case):
                      "--plugin", re.search("plug-in (.*)", version)[1])):
             self.assertEqual(self.ok(*args).decode(), version)
         self.assertRegex(version, r"(?m)^aceconv \d+\.\d+\.\d+\nplug-in /.*/libipv4_acl_ace\.so$")
-        self.assertRegex(version, r"(?m)^record  ipv4_acl_config_ace [0-9a-f]+$")
+        self.assertRegex(version, r"(?m)^record  ipv4_acl_config_ace [0-9a-f]{16}\nmodules /.*/yang$")
+        # What there is to say behind each verb and option, which takes some words.
+        losses, common = ["--report", "--strict", "--no-losses"], [
+            "--keep-going", "--backend", "-j,--jobs", "-q,--quiet", "--progress", "--trace{.}"]
+        for verb, own in (("", ["encode", "decode", "inspect", "convert", "check", "diff"]),
+                          ("encode", ["INPUT", "--from-format,--input", "--schema", "-o,--output",
+                                      "--stored", "--no-labels", *losses, *common]),
+                          ("decode", ["INPUT", "--from-format,--input", "--schema", "-o,--output",
+                                      "--to", *losses, *common]),
+                          ("inspect", ["INPUT", "--from-format,--input", "--schema", "-o,--output",
+                                       "--json", *losses, *common]),
+                          ("convert", ["INPUT", "--from-format,--input", "--from", "--to",
+                                       "-o,--output", "--to-format", *losses, *common]),
+                          ("check", ["INPUT", "--from-format,--input", "--schema", *losses, *common]),
+                          ("diff", ["A", "B", "--schema-a", "--schema-b", *losses, *common])):
+            shown = self.ok(*verb.split(), "--help").decode()
+            told = re.findall(r"(?m)^  (\S+).*(?:  |\} )\S+ \S+ \S+", re.sub(r"\n {20,}", "  ", shown))
+            general = ["-h,--help", "--plugin", "--modules", "-V,--version"]
+            self.assertEqual(sorted(told), sorted(general + own), shown)
+            self.assertRegex(shown, r"\A\S+ \S+ .*\nUsage: aceconv ")
+            self.assertRegex(shown, r"\nFormats: json .*,\n.*first bytes\.\nExit codes: 0 done; 1 .* "
+                             r"under --strict;\n2 .*\naceconv help VERB tells ")
 
     def test_data_cannot_drive_the_terminal(self):
         for text, shown in ((document("base", ("\x1b[31mX", [])), "'\\x1b[31mX'"),
@@ -361,7 +409,7 @@ class Output(Case):
                 self.assertEqual((done.returncode, b"<stdout>" in done.stderr), (2, True))
         self.assertEqual(self.left(), ["dangling", "doc", "hard", "link", "stored"])
         self.ok(*doc_only, "-o", "/dev/null", report, "/dev/null", cwd=self.dir)
-        self.assertEqual(open(doc, encoding="utf-8").read(), DOC)
+        self.assertEqual(pathlib.Path(doc).read_text(), DOC)
 
     def test_standard_output_by_another_name(self):
         """What the shell and its other commands have written stays."""
@@ -448,7 +496,16 @@ class Terminal(Case):
                 self.assertNotIn("\x1b[", self.on_terminal(*args, env=env)[1])
             _, out, err = self.run_command(*args)
             self.assertNotIn("\x1b[", out.decode() + err)
-        self.assertEqual(self.on_terminal("encode", doc)[0], 2)  # encodings are binary
+        self.assertIn("\x1b[31;1maceconv:\x1b[0m ", shown)
+        shown = self.on_terminal("inspect", doc)[1]
+        self.assertTrue(shown.startswith("\x1b[2m  presence bits "), shown)
+        self.assertIn("\r\n\x1b[0m\x1b[1macl 'X' entry 10\x1b[0m\x1b[2m: ", shown)
+        other = self.file("other", document("base", ("X", [{"sequence-number": 20, **GOOD}])))
+        shown = self.on_terminal("diff", doc, other)[1]
+        for sign in ("10\x1b[0m: \x1b[31;1m-\x1b[0m only", "20\x1b[0m: \x1b[32m+\x1b[0m only"):
+            self.assertIn(sign, shown)
+        code, shown = self.on_terminal("encode", doc)  # encodings are binary
+        self.assertEqual((code, "encodings are not for a terminal; redirect" in shown), (2, True))
 
     def test_trace(self):
         bad = '{"deny":{"tcp-flags":{"match-all":{"tcp-bits":"+syn +syn"}}}}'

@@ -246,6 +246,31 @@ TEST(LossesOfRecords, HaveTheirReasons) {
          "before"},
         {Schema::um,
          [&](Record &r) {
+             r.ConfigurationMask |= bit(27) | bit(29);
+             r.ttloper = 9;
+         },
+         "0 -> absent; its operator is a number without a name; matches more than before"},
+        {Schema::um,
+         [&](Record &r) {
+             r.ConfigurationMask |= bit(27);
+             r.ttloper = 9;
+         },
+         "ttloper (ttl): 9 -> absent; an operator by a number without a name"},
+        {Schema::um,
+         [&](Record &r) {
+             r.ConfigurationMask |= bit(32);
+             r.nexthop = 3;
+         },
+         "nexthop1): 3 -> absent; a next hop type by a number without a name"},
+        {Schema::um,
+         [&](Record &r) {
+             r.ConfigurationMask |= bit(32) | bit(40);
+             r.nexthop = 3;
+             r.vrf2 = fields[0].UDFName;
+         },
+         "vrf2 (nexthop2/vrf): \"a\" -> absent; the next hop type is a number without a name"},
+        {Schema::um,
+         [&](Record &r) {
              r.ConfigurationMask |= bit(32) | bit(39);
              r.nexthop = 3;
              r.vrf1 = fields[0].UDFName;
@@ -279,6 +304,60 @@ TEST(LossesOfRecords, HaveTheirReasons) {
         ASSERT_FALSE(losses.empty()) << row.loss;
         EXPECT_TRUE(change_text(losses.back()).ends_with(row.loss)) << change_text(losses.back());
     }
+}
+
+// Why there is no text for a record of another program.
+TEST(LossesOfRecords, HaveNoText) {
+    using Record = ipv4_acl_config_ace;
+    const auto bit = [](int n) { return std::uint64_t{1} << n; };
+    static std::string quotes(65536, '"'); // twice as long in JSON
+    const struct {
+        Schema schema;
+        std::function<void(Record &)> change; // of a record that permits everything
+        const char *fault;
+    } rows[] = {
+        {Schema::base, [](Record &r) { r.grant = 2; },
+         "/grant: no name stands for 2; expected one of: deny, permit"},
+        {Schema::base, [&](Record &r) { r.ConfigurationMask |= bit(31); },
+         "/remark: the entry marks a text that it does not hold"},
+        {Schema::um, [&](Record &r) { r.ConfigurationMask2 |= bit(25), r.Police.PoliceUnit = 5; },
+         ": an unknown rate unit; expected 0 to 4, pps to gbps"},
+        {Schema::um,
+         [&](Record &r) {
+             r.ConfigurationMask |= bit(20) | bit(21) | bit(22);
+             r.tcpflagsopr = 1;
+             r.tcpflags = r.tcpflags_mask = 0x40;
+         },
+         ": a TCP flag that has no name; expected flags fin, syn, rst, psh, ack, urg"},
+        {Schema::base,
+         [&](Record &r) {
+             for (int n = 0; n < 10; ++n) { // of vrf1 and what follows
+                 (&r.vrf1)[n] = quotes.data();
+             }
+             r.ConfigurationMask |= bit(39) | bit(40) | bit(41) | bit(44) | bit(45) | bit(46) |
+                                    bit(47) | bit(48) | bit(49) | bit(50);
+         },
+         ": more than 1048576 bytes as text"},
+    };
+    Codec codec({load_plugin(ACECONV_PLUGIN), ACECONV_MODULES, Backend::bulk});
+    const auto fault_of = [&](Encoding encoding, Schema schema) -> std::string {
+        std::string text;
+        try {
+            codec.decode(encoding, schema, Format::json, {}, text);
+        } catch (const DataError &fault) {
+            return fault.path() + ": " + fault.what();
+        }
+        return text;
+    };
+    for (const auto &row : rows) {
+        Record record{};
+        record.ConfigurationMask = 1;
+        record.grant = 1;
+        row.change(record);
+        const std::string fault = fault_of(encode_record(codec.descriptor(), record), row.schema);
+        EXPECT_TRUE(fault.ends_with(row.fault)) << fault.substr(0, 200);
+    }
+    EXPECT_EQ(fault_of(Bytes{0x80}, Schema::um), ": byte 0: expected an array of three");
 }
 
 /// The node at `path` below `node`, or null.

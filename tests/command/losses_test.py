@@ -49,8 +49,9 @@ class Losses(Case):
                     self.assertEqual(said.get(10 * (i + 1), []), wanted)
             told = json.loads(report.read_text())
             asked = dict(zip(call[1::2], call[2::2])) if call[0] == "convert" else {}
-            self.assertEqual((told.get("from"), told.get("to")),
-                             (asked.get("--from"), asked.get("--to")))
+            self.assertEqual((told.get("from"), told.get("to"), told.get("verb")),
+                             (asked.get("--from"), asked.get("--to"),
+                              None if asked else call[0]))
             lost = [lines for _, lines in rows if lines]
             more = [lines for lines in lost if any("matches more" in line for line in lines)]
             self.assertEqual([told[name] for name in ("entries", "entries-with-losses",
@@ -86,7 +87,9 @@ class Losses(Case):
                 self.assertNotIn(b"-> absent", out)
                 report = self.dir / "report"
                 self.run_command(*call, "--no-losses", "--report", report, stdin=source)
-                self.assertEqual(json.loads(report.read_text())["entries-with-losses"], 1)
+                told = json.loads(report.read_text())
+                self.assertEqual(told["entries-with-losses"], 1)
+                self.assertEqual(told.get("verb", "convert"), call[0])
 
     def test_diff_tells_what_its_records_do_not_show(self):
         plain = self.file("plain", '{"permit":{"log-input":{}}}')
@@ -95,7 +98,9 @@ class Losses(Case):
             code, out, err = self.run_command("diff", left, right)
             self.assertEqual((code, out), (0, b""))
             self.assertRegex(err, f"^aceconv: {replaced}:1: loss: permit/log: [^\n]*\n$")
-            self.assertEqual(self.run_command("diff", "--strict", left, right)[0], 1)
+            report = self.dir / "report"
+            self.assertEqual(self.run_command("diff", "--strict", "--report", report, left, right)[0], 1)
+            self.assertEqual(json.loads(report.read_text())["verb"], "diff")
 
     def test_names_that_print_alike_are_not_the_same(self):
         udf = '{"permit":{"udf-entries":{"udf":[{"udf-name":"a1b","udf-value":"1"}]}}}'

@@ -68,18 +68,39 @@ class Inspect(Case):
 
     def test_unmarked_values_are_shown(self):
         encoded = self.ok("encode", "--schema", "base", stdin='{"qos-group": 5}')
-        self.assertIn((1 << 55).to_bytes(8, "big"), encoded)  # the mask: another bit instead
-        encoded = encoded.replace((1 << 55).to_bytes(8, "big"), (1 << 56).to_bytes(8, "big"))
-        record, = self.records(stdin=encoded)
-        field, = [f for f in record["fields"] if f["name"] == "qos_group"]
-        self.assertEqual((field["bits"], field["value"], field["note"]),
-                         ([], 5, "not marked present"))
+        self.assertIn((1 << 55).to_bytes(8, "big"), encoded)
+        for mask, row in ((1 << 56, ("qos_group", [], 5, "not marked present")),
+                          (1 << 55 | 1 << 61, ("bit 61", ["61"], None, "marks no field")),
+                          (1 << 55 | 1 << 31, ("remark", ["31"], None, "marked present, but null"))):
+            marked = encoded.replace((1 << 55).to_bytes(8, "big"), mask.to_bytes(8, "big"))
+            record, = self.records(stdin=marked)
+            self.assertIn(row, [(f["name"], f["bits"], f.get("value"), f.get("note"))
+                                for f in record["fields"]])
+        code, out, err = self.run_command("inspect", stdin=marked)
+        self.assertRegex(err, "loss: entry: present -> absent; the base schema cannot write it: "
+                         "the entry marks a text that it does not hold\n$")
+        self.assertIn(b"remark                 null  ! marked present, but null\n", out)
 
     def test_text(self):
-        text = self.ok("inspect", stdin=document("base", ("X", numbered(WEB)))).decode()
-        self.assertIn("acl 'X' entry 10: ", text)
-        self.assertRegex(text, r"(?m)^  10 +56  dport1 +80 \(www\)$")
-        self.assertRegex(text, r"(?m)^  42 +bit 42 +set  ! next hop 2 is configured$")
+        entry = {"permit": {"tcp-flags": {"match-all": {"tcp-bits": "+syn"}}, "log": {},
+                            "source": {"host": "192.0.2.1"}, "nexthop1": {"vrf": "v"},
+                            "nexthop2": {"vrf": "w"}, "icmp": {"message-type-name": "Echo"},
+                            "udf-entries": {"udf": [{"udf-name": "a"}, {"udf-name": "b"}]}}}
+        self.assertEqual(self.ok("inspect", stdin=json.dumps(entry)).decode(), """\
+  presence bits      offset  field                  value
+entry #1: 95 bytes encoded, masks 0x0000018100782005 0x0000000000030303
+  0                      16  grant                  1 (permit)
+  2                      24  saddr                  192.0.2.1
+  13                     60  log                    1 (log)
+  19                     76  icmp_type_code         589823 (Echo)
+  20                     80  tcpflagsopr            1 (match-all)
+  21                     81  tcpflags               2 (syn)
+  22                     82  tcpflags_mask          2 (syn)
+  32                     96  nexthop                1 (regular-next-hop)
+  39                    112  vrf1                   "v"
+  40                    120  vrf2                   "w"
+  2:0-1,8-9,16-17       224  UDF                    a 0x0/0x0, b 0x0/0x0
+""")
 
 
 class Formats(Case):
@@ -263,7 +284,9 @@ class Formats(Case):
         code, _, err = self.run_command("encode", one, one)
         self.assertEqual((code, err.count("\n")), (2, 1))
         self.assertTrue(err.startswith(f"aceconv: {one}:1: acl 'X' entry 10: a second entry"))
-        self.assertIn(b"4 entries checked, 0 do not", self.ok("check", one, one))
+        self.assertEqual(b"4 entries checked, 0 do not come back the same\n", self.ok("check", one, one))
+        self.assertIn(b"1 entry checked, 1 does not come back",
+                      self.run_command("check", stdin='{"permit":{},"deny":{}}')[1])
         # A fault ends an input, and with --keep-going that one alone.
         bad, left = self.file("bad", "none"), self.dir / "left"
         lossy = self.file("lossy", json.dumps({"acl": "L", "entry": {"sequence-number": 1, **UDF}}))
@@ -321,6 +344,8 @@ class Formats(Case):
                 (plain + b"\x83\x61X\x05\x62um\x05", base("X"), "stored:#3: acl 'X' entry 5: byte 0"),
                 (raw, lines + '{"sequence-number":5}', "<stdin>:3: entry 5: entries with and without"),
                 (raw, '{"sequence-number":5,"grant":"deny"}\n' + lines, "<stdin>:2: entries with and"),
+                (self.ok("encode", stdin=json.dumps({"acl": "X", "entry": UDF})) * 2, lines,
+                 "stored:#2: acl 'X': a second encoding under this label"),
                 (self.ok("encode", stdin='{"sequence-number":5,' + json.dumps(UDF)[1:]),
                  '{"sequence-number":5,"grant":"deny"}\n' * 2, "<stdin>:2: entry 5: a second entry")):
             code, _, err = self.run_command("encode", "--stored", self.file("stored", kept),
