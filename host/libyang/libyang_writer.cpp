@@ -23,7 +23,8 @@ class LibyangOutput final : public ccv_yang_output {
         drop();
         restart(where);
         if (where.sequence && *where.sequence == 0) {
-            fail(YangStatus::out_of_range, "sequence-number", "0; expected a number from 1");
+            const SchemaNode &number = *peek("sequence-number");
+            fail(YangStatus::out_of_range, number.name, "0; expected " + expected(number));
             return;
         }
         // libyang's list entry needs a key; finish takes it out where there is none.

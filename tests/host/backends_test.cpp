@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "aceconv/plugin.h"
+#include "host/schema/modules.h"
 #include "testing/generator/rule.h"
 #include "tests/host/yang_testing.h"
 #include "tests/print_schema.h"
@@ -253,6 +254,29 @@ TEST_P(BackendsAgree, OnRareForms) {
             R"({"permit":{"tcp-flags":{"match-all":{"tcp-bits":"+syn +syn"}}}})",
         }) {
         expect_agreement(all, text);
+    }
+}
+
+// What is common is read in one pass. Patterns, of user-defined fields, are libyang's.
+TEST_P(BackendsAgree, TheBulkReaderNeedsNoLibyang) {
+    Modules fresh(ACECONV_YANG_DIRECTORY);
+    const auto reader = make_bulk_reader(fresh, GetParam());
+    std::vector<std::string> texts = {
+        R"({ "remark" : "x\u0041\n" , "sequence-number" : 7 } )", "{}",
+        GetParam() == Schema::um
+            ? R"({"aceconv-um:permit":{"ttl":{"eq":255},"icmp":{"message-code":0}},"remark":""})"
+            : R"({"capture":true,"aceconv-base:icmp-off":[ null ],"tcp":{"tcp-bits":"","tcp-bits-mask":"fin urg"}})"};
+    Random random(11);
+    for (std::uint32_t i = 1; i <= 300; ++i) {
+        const bench::Rule rule = bench::random_rule(random, i);
+        (GetParam() == Schema::um ? bench::append_um : bench::append_base)(texts.emplace_back(),
+                                                                           rule);
+    }
+    for (const std::string &text : texts) {
+        if (text.find("udf-name") == std::string::npos) {
+            reader->read(text, {"LIST", std::nullopt});
+            ASSERT_EQ(fresh.context().entry(GetParam()).compiled, nullptr) << text;
+        }
     }
 }
 

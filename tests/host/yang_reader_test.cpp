@@ -11,6 +11,8 @@ namespace aceconv::testing {
 namespace {
 
 constexpr ccv_yang_keyword one_row[] = {{7, "other"}, {0, nullptr}};
+constexpr ccv_yang_keyword alike[] = {{1, "finn"}, {2, "fi"}, {31, "fin"}, {0, nullptr}};
+constexpr ccv_yang_keyword too_high[] = {{32, "fin"}, {0, nullptr}};
 
 std::string outcome(std::uint32_t status, const std::string &value) {
     switch (static_cast<YangStatus>(status)) {
@@ -122,6 +124,8 @@ const Case cases[] = {
     {base, R"({"tcp":{"tcp-bits":""}})", "tcp/tcp-bits", bits<acl_yang_acl_tcp_bits>, "0"},
     {base, R"({"tcp":{"tcp-bits":"fin"}})", "tcp/tcp-bits", bits<one_row>, "no_keyword"},
     {base, R"({"remark":"fin"})", "remark", bits<acl_yang_acl_tcp_bits>, "wrong_type"},
+    {base, R"({"tcp":{"tcp-bits":"fin"}})", "tcp/tcp-bits", bits<alike>, "2147483648"},
+    {base, R"({"tcp":{"tcp-bits":"fin"}})", "tcp/tcp-bits", bits<too_high>, "no_keyword"},
     {base, R"({"time-to-live":{"time-to-live-min":0}})", "time-to-live/time-to-live-min", u8, "0"},
     {base, R"({"qos-group":255})", "qos-group", u8, "255"},
     {base, R"({"qos-group":256})", "qos-group", u8, "out_of_range"},
@@ -261,12 +265,13 @@ struct Explained {
     const char *path;
     std::string (*reader)(Node); // null: only the name is looked at
     std::uint32_t status;
-    const char *error;
+    std::string error;
 };
 
 TEST(YangReaders, ExplainNamesThePathAndWhatWasExpected) {
-    const char *text = R"({"protocol":"tcp","qos-group":300,"remark":"x",
-      "tcp":{"tcp-bits":"syn"}})";
+    const char *text = R"({"protocol":"tcp","qos-group":300,"remark":"x","capture":false,
+      "icmp-off":[null],"tcp":{"tcp-bits":"syn"}})";
+    const std::string wrong = ": the value is not of the type that is read here";
     const Explained rows[] = {
         {"protocol", name<acl_yang_acl_grant>, code(YangStatus::no_keyword),
          "/protocol: the value is not among the known names: \"tcp\"; expected one of: deny, "
@@ -274,7 +279,22 @@ TEST(YangReaders, ExplainNamesThePathAndWhatWasExpected) {
         {"qos-group", u8, code(YangStatus::out_of_range),
          "/qos-group: the number is out of range: 300; expected a number 0 to 255"},
         {"remark", boolean, code(YangStatus::wrong_type),
-         "/remark: the value is not of the type that is read here: \"x\"; expected true or false"},
+         "/remark" + wrong + ": \"x\"; expected true or false"},
+        {"capture", u8, code(YangStatus::wrong_type),
+         "/capture" + wrong + ": false; expected a number 0 to 255"},
+        {"icmp-off", u16, code(YangStatus::wrong_type),
+         "/icmp-off" + wrong + "; expected a number 0 to 65535"},
+        {"protocol", u32, code(YangStatus::wrong_type),
+         "/protocol" + wrong + ": \"tcp\"; expected a number 0 to 4294967295"},
+        {"protocol", ipv4, code(YangStatus::wrong_type),
+         "/protocol" + wrong + ": \"tcp\"; expected an IPv4 address"},
+        {"qos-group", string, code(YangStatus::wrong_type),
+         "/qos-group" + wrong + ": 300; expected a string"},
+        {"tcp", count, code(YangStatus::wrong_type), "/tcp" + wrong + "; expected a list"},
+        {"tcp/tcp-bits", nullptr, ACE_STATUS_NO_KEYWORD,
+         "/tcp/tcp-bits: unknown or repeated flag name: \"syn\""},
+        {"tcp", nullptr, ACE_STATUS_UNKNOWN_UNIT, "/tcp: unknown rate unit"},
+        {"tcp", nullptr, ACE_STATUS_NO_SPACE, "/tcp: more than there is room for"},
         {"tcp/tcp-bits", nullptr, ACE_STATUS_UNKNOWN_LEAF, "/tcp/tcp-bits: unknown node: \"syn\""},
         {"tcp", nullptr, ACE_STATUS_NO_MEMORY, "/tcp: out of memory"},
         {"tcp", nullptr, 0xBA600004, ": the conversion failed with status 0xBA600004"},
@@ -288,8 +308,7 @@ TEST(YangReaders, ExplainNamesThePathAndWhatWasExpected) {
         }
         const DataError error = reader->explain(row.status);
         EXPECT_EQ(error.path() + ": " + error.what(),
-                  "/aceconv-base:acls/acl[name=\"A'B\"]/entry[sequence-number='5']" +
-                      std::string(row.error));
+                  "/aceconv-base:acls/acl[name=\"A'B\"]/entry[sequence-number='5']" + row.error);
     }
 }
 

@@ -9,7 +9,7 @@ struct Refusal {
     Format format;
     std::string text;
     const char *path; // below the entry
-    const char *word; // of the message
+    std::string word; // of the message
 };
 
 constexpr Schema base = Schema::base;
@@ -18,6 +18,7 @@ constexpr Format json = Format::json;
 constexpr Format xml = Format::xml;
 
 const std::string nul(1, '\0');
+const std::string long_word(200, 'l'); // as much as is shown of a value
 
 const Refusal refusals[] = {
     // Names.
@@ -28,7 +29,8 @@ const Refusal refusals[] = {
     {base, json, R"({"aceconv-um:remark":"x"})", "/remark", "unknown node"},
     {base, json, R"({"bog\u0075s":1})", "/bogus", "unknown node"},
     {base, json, R"({"gr\u0061nt\u0000":1})", "/gr\\u0061nt\\u0000", "unknown node"},
-    {base, json, R"({"grant":"deny","@grant":{"yang:insert":"first"}})", "/@grant", "annotation"},
+    {base, json, R"({"grant":"deny","@grant":{"yang:insert":"first"}})", "/@grant",
+     "unknown node: an annotation"},
     {base, xml,
      R"(<entry xmlns:y="urn:ietf:params:xml:ns:yang:1"><grant y:insert="first">deny)"
      R"(</grant></entry>)",
@@ -67,6 +69,11 @@ const Refusal refusals[] = {
     // Values.
     {base, json, R"({"grant":"allow"})", "/grant", "\"allow\"; expected one of: deny, permit"},
     {base, json, R"({"grant":" deny"})", "/grant", "one of: deny, permit"},
+    {base, json, R"({"grant":")" + long_word + "\"}", "/grant", '"' + long_word + "\"; expected"},
+    {base, json, R"({"grant":")" + long_word + "x\"}", "/grant", '"' + long_word + "...\"; "},
+    {base, json, R"({"grant":"x)" + long_word.substr(2) + "é\"}", "/grant",
+     "\"x" + long_word.substr(2) + "...\"; "},
+    {base, json, R"({"grant":""})", "/grant", ": an empty value; expected one of: deny, permit"},
     {base, json, R"({"grant":null})", "/grant", "one of: deny, permit"},
     {base, json, R"({"protocol":65536})", "/protocol",
      ": 65536; expected a number 0 to 65535 or one of: ip, icmp"},
@@ -90,8 +97,9 @@ const Refusal refusals[] = {
     {base, json, R"({"tcp":{"tcp-bits":"syn foo"}})", "/tcp/tcp-bits", "a set of: fin, syn"},
     {base, json, R"({"tcp":{"tcp-bits":"syn syn"}})", "/tcp/tcp-bits",
      ": \"syn\" twice; expected a set of: fin, syn, rst, psh, ack, urg"},
-    {base, json, R"({"tcp":[]})", "/tcp", "an object"},
-    {um, json, R"({"deny":{"udf-entries":{"udf":{}}}})", "/deny/udf-entries/udf", "an array"},
+    {base, json, R"({"tcp":[]})", "/tcp", "expected an object"},
+    {um, json, R"({"deny":{"udf-entries":{"udf":{}}}})", "/deny/udf-entries/udf",
+     "expected an array of objects"},
     {base, xml, "<entry><remark>a<b/></remark></entry>", "/remark/b", "unknown node"},
     {um, json, R"({"permit":{"source":{"host":"1.2.3.256"}}})", "/permit/source/host",
      "\"1.2.3.256\"; expected an IPv4 address"},
@@ -126,16 +134,16 @@ const Refusal refusals[] = {
     // Shape.
     {base, json, "", "", "JSON object"},
     {base, json, "[{}]", "", "JSON object"},
-    {base, json, "{} {}", "", "behind"},
+    {base, json, "{} {}", "", "text behind the entry's JSON object"},
     {base, json, "{},{}", "", "behind"},
     {base, json, R"({}],"entry":[{})", "", "behind"},
-    {base, json, R"({"tcp":{})", "", "does not end"},
-    {base, json, R"({"tcp":{]})", "", "brackets"},
-    {base, json, R"({"tcp)", "", "does not end"},
+    {base, json, R"({"tcp":{})", "", "the JSON object does not end"},
+    {base, json, R"({"tcp":{]})", "", "the JSON brackets do not match"},
+    {base, json, R"({"tcp)", "", "a JSON string does not end"},
     {base, json, R"({"grant":"deny",})", "", "}"},
     {base, xml, "", "", "<entry>"},
     {base, xml, "<name>x</name>", "", "<entry>"},
-    {base, xml, "<entry/><entry/>", "", "one <entry>"},
+    {base, xml, "<entry/><entry/>", "", "expected one <entry> element"},
     {base, xml, "</acl><acl><entry/>", "", "mismatched tag"},
     {base, xml, "<entry><tcp></entry>", "", "mismatched tag"},
     {base, xml, "<!DOCTYPE x><entry/>", "", "not well-formed"},

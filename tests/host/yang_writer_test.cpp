@@ -86,6 +86,12 @@ const Written written[] = {
      "<source-address>192.0.2.1</source-address></source-network><tcp><tcp-bits>syn ack</tcp-bits>"
      "<tcp-bits-mask/></tcp><capture>true</capture><icmp-off/><qos-group>65535</qos-group>"
      "<remark>a&lt;b \"c\" é</remark>"},
+    {base,
+     [](Output out) {
+         static constexpr ccv_yang_keyword table[] = {{32, "fin"}, {31, "syn"}, {0, nullptr}};
+         within(out, {"tcp"}, [](Output o) { ccv_yang_bits(o, "tcp-bits", table, 1U << 31); });
+     },
+     R"({"tcp":{"tcp-bits":"syn"}})", "<tcp><tcp-bits>syn</tcp-bits></tcp>"},
     {base, [](Output out) { ccv_yang_string(out, "remark", "\r\n\t\r"); },
      R"({"remark":"\u000D\u000A\u0009\u000D"})", "<remark>&#13;\n\t&#13;</remark>"},
     // The base schema's empty containers say nothing, also one in another.
@@ -251,6 +257,34 @@ TEST(YangEmitters, TheFirstFailureIsKeptWithItsPath) {
         SCOPED_TRACE(row.error);
         expect_failure(row, *make_validating_writer(modules(), row.schema, Format::json));
         expect_failure(row, *make_bulk_writer(modules(), row.schema));
+        const auto keeping = make_bulk_writer(modules(), row.schema);
+        keeping->keep_nodes();
+        expect_failure(row, *keeping);
+    }
+    for (const auto &writer : {make_validating_writer(modules(), base, Format::json),
+                               make_bulk_writer(modules(), base)}) {
+        std::string text;
+        writer->begin({std::nullopt, 0});
+        EXPECT_EQ(error_of([&] { writer->finish(text); }),
+                  "/aceconv-base:acls/acl/entry[sequence-number='0']/sequence-number: 0; expected "
+                  "a number 1 to 4294967295");
+    }
+    const auto writer = make_bulk_writer(modules(), um); // nodes are of what can be read
+    writer->keep_nodes();
+    for (const int count : {8, 9}) {
+        std::string text;
+        Output out = writer->begin({});
+        within(out, {"deny", "udf-entries"}, [&](Output o) {
+            ccv_yang_list_begin(o, "udf");
+            for (int i = 0; i < count; ++i) {
+                udf(o, std::to_string(i).c_str());
+            }
+            ccv_yang_list_end(o);
+        });
+        EXPECT_EQ(error_of([&] { writer->finish(text); }),
+                  count == 8 ? "nothing was thrown"
+                             : "/aceconv-um:acls/acl/entry/deny/udf-entries/udf[udf-name='8']"
+                               "/udf-name: more than 8 entries");
     }
 }
 
