@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <cbor.h>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -11,6 +10,7 @@
 
 #include "host/bag/definition.h"
 #include "host/bag/failure.h"
+#include "host/cbor_head.h"
 
 namespace aceconv {
 
@@ -23,20 +23,38 @@ class ByteSink {
     ByteSink &operator=(const ByteSink &) = delete;
     ~ByteSink() { std::free(heap_); }
 
-    [[nodiscard]] bool number(std::uint64_t value) {
-        if (value >= 24 || !reserve(1)) {
-            return item(cbor_encode_uint, value, {});
-        }
-        begin_[size_++] = static_cast<std::uint8_t>(value); // most keys, many numbers
-        return true;
-    }
-    [[nodiscard]] bool array(std::size_t count) { return item(cbor_encode_array_start, count, {}); }
-    [[nodiscard]] bool map(std::size_t count) { return item(cbor_encode_map_start, count, {}); }
+    [[nodiscard]] bool array(std::size_t count) { return item(CborKind::array, count, {}); }
     [[nodiscard]] bool text(std::span<const std::uint8_t> content) {
-        return item(cbor_encode_string_start, content.size(), content);
+        return item(CborKind::text, content.size(), content);
     }
     [[nodiscard]] bool bytes(std::span<const std::uint8_t> content) {
-        return item(cbor_encode_bytestring_start, content.size(), content);
+        return item(CborKind::bytes, content.size(), content);
+    }
+    /// Room for two heads, null when there is none; `take` then says where they end.
+    [[nodiscard]] std::uint8_t *room() {
+        return reserve(2 * max_cbor_head) ? begin_ + size_ : nullptr;
+    }
+    void take(const std::uint8_t *end) { size_ = static_cast<std::size_t>(end - begin_); }
+
+    /// A map is counted while it is written: the start goes from one to the other.
+    [[nodiscard]] bool begin_map(std::size_t &start) {
+        const bool has_room = reserve(1);
+        start = has_room ? size_++ : size_;
+        return has_room;
+    }
+    [[nodiscard]] bool end_map(std::size_t start, std::size_t count) {
+        if (!reserve(max_cbor_head)) {
+            return false;
+        }
+        std::array<std::uint8_t, max_cbor_head> head;
+        const auto size = static_cast<std::size_t>(
+            put_cbor_head(head.data(), CborKind::map, count) - head.data());
+        if (size > 1) {
+            std::memmove(begin_ + start + size, begin_ + start + 1, size_ - start - 1);
+        }
+        std::memcpy(begin_ + start, head.data(), size);
+        size_ += size - 1;
+        return true;
     }
     /// Items that are ready as they stand.
     [[nodiscard]] bool append(std::span<const std::uint8_t> content) {
@@ -68,15 +86,11 @@ class ByteSink {
     }
 
   private:
-    static constexpr std::size_t head_bytes = 9; // the longest head
-
-    template <typename Value>
-    bool item(std::size_t (*head)(Value, unsigned char *, std::size_t), Value value,
-              std::span<const std::uint8_t> content) {
-        if (!reserve(head_bytes + content.size())) {
+    bool item(CborKind kind, std::uint64_t value, std::span<const std::uint8_t> content) {
+        if (!reserve(max_cbor_head + content.size())) {
             return false;
         }
-        size_ += head(value, begin_ + size_, head_bytes);
+        take(put_cbor_head(begin_ + size_, kind, value));
         if (!content.empty()) {
             std::memcpy(begin_ + size_, content.data(), content.size());
         }

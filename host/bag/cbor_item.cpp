@@ -1,5 +1,6 @@
 #include "host/bag/cbor_item.h"
 
+#include <array>
 #include <cbor.h>
 #include <vector>
 
@@ -8,38 +9,37 @@
 namespace aceconv {
 namespace {
 
-void put(void *item, ItemKind kind, std::uint64_t value) {
+void put(void *item, CborKind kind, std::uint64_t value) {
     auto *const target = static_cast<Item *>(item);
     target->kind = kind;
     target->value = value;
 }
 
-template <ItemKind kind, typename Value>
+template <CborKind kind, typename Value>
 void counted(void *item, Value value) {
     put(item, kind, value);
 }
 
-template <ItemKind kind>
-void string(void *item, cbor_data data, std::size_t length) {
+template <CborKind kind>
+void string(void *item, cbor_data /*data*/, std::size_t length) {
     put(item, kind, length);
-    static_cast<Item *>(item)->data = data;
 }
 
 void indefinite(void *item) {
-    put(item, ItemKind::indefinite, 0);
+    put(item, CborKind::indefinite, 0);
 }
 
 cbor_callbacks make_callbacks() noexcept {
-    cbor_callbacks callbacks = cbor_empty_callbacks; // leaves the others ItemKind::other
-    callbacks.uint8 = counted<ItemKind::number, std::uint8_t>;
-    callbacks.uint16 = counted<ItemKind::number, std::uint16_t>;
-    callbacks.uint32 = counted<ItemKind::number, std::uint32_t>;
-    callbacks.uint64 = counted<ItemKind::number, std::uint64_t>;
-    callbacks.byte_string = string<ItemKind::bytes>;
-    callbacks.string = string<ItemKind::text>;
-    callbacks.array_start = counted<ItemKind::array, std::size_t>;
-    callbacks.map_start = counted<ItemKind::map, std::size_t>;
-    callbacks.tag = counted<ItemKind::tag, std::uint64_t>;
+    cbor_callbacks callbacks = cbor_empty_callbacks; // leaves the others CborKind::other
+    callbacks.uint8 = counted<CborKind::number, std::uint8_t>;
+    callbacks.uint16 = counted<CborKind::number, std::uint16_t>;
+    callbacks.uint32 = counted<CborKind::number, std::uint32_t>;
+    callbacks.uint64 = counted<CborKind::number, std::uint64_t>;
+    callbacks.byte_string = string<CborKind::bytes>;
+    callbacks.string = string<CborKind::text>;
+    callbacks.array_start = counted<CborKind::array, std::size_t>;
+    callbacks.map_start = counted<CborKind::map, std::size_t>;
+    callbacks.tag = counted<CborKind::tag, std::uint64_t>;
     callbacks.byte_string_start = indefinite;
     callbacks.string_start = indefinite;
     callbacks.indef_array_start = indefinite;
@@ -59,7 +59,7 @@ bool read_unassigned(std::span<const std::uint8_t> bytes, Item &item) noexcept {
     if (major < tags || info > (major == tags ? 27 : 24)) {
         return false;
     }
-    item.kind = major == tags ? ItemKind::tag : ItemKind::other;
+    item.kind = major == tags ? CborKind::tag : CborKind::other;
     item.size = 1 + (info < 24 ? 0 : std::size_t{1} << (info - 24U));
     return item.size <= bytes.size() &&
            // false, for one, has a shorter form only
@@ -69,7 +69,7 @@ bool read_unassigned(std::span<const std::uint8_t> bytes, Item &item) noexcept {
 } // namespace
 
 ItemStatus read_item(std::span<const std::uint8_t> bytes, Item &item) noexcept {
-    item = {ItemKind::other, 0, nullptr, 0};
+    item = {CborKind::other, 0, 0};
     const cbor_decoder_result result =
         cbor_stream_decode(bytes.data(), bytes.size(), &item_callbacks, &item);
     item.size = result.read;
@@ -93,7 +93,7 @@ bool is_shortest(const Item &item) noexcept {
     } else if (item.value <= UINT32_MAX) {
         head = 5;
     }
-    const bool is_string = item.kind == ItemKind::bytes || item.kind == ItemKind::text;
+    const bool is_string = item.kind == CborKind::bytes || item.kind == CborKind::text;
     return item.size == head + (is_string ? item.value : 0);
 }
 
@@ -101,6 +101,7 @@ namespace {
 
 constexpr std::uint8_t indefinite_info = 0x1F; // the lower five bits of an item's first byte
 constexpr std::uint8_t break_byte = 0xFF;
+constexpr std::uint8_t null_item = 0xF6;
 
 /// An item of indefinite length that is open.
 struct OpenItem {
@@ -116,9 +117,8 @@ struct OpenItem {
     [[nodiscard]] bool may_end() const { return head >> 5U != 5 || !odd; }
 };
 
-} // namespace
-
-std::optional<std::size_t> cbor_item_length(std::span<const std::uint8_t> bytes) {
+/// The length of any item; nothing when it is cut off or malformed.
+[[gnu::cold]] std::optional<std::size_t> length_of_any(std::span<const std::uint8_t> bytes) {
     std::size_t at = 0;
     std::uint64_t owed = 1; // items still to come of the innermost array or map
     std::vector<OpenItem> open;
@@ -142,29 +142,25 @@ std::optional<std::size_t> cbor_item_length(std::span<const std::uint8_t> bytes)
         } else {
             return std::nullopt;
         }
-        if (bytes[at] < 24) { // most keys, many numbers
-            ++at;
-            continue;
-        }
         Item item{};
         if (read_item(bytes.subspan(at), item) != ItemStatus::ok || bytes[at] == break_byte) {
             return std::nullopt;
         }
-        if (item.kind == ItemKind::indefinite) {
+        if (item.kind == CborKind::indefinite) {
             open.push_back({owed, bytes[at]});
             owed = 0;
         }
         at += item.size;
         const std::size_t left = bytes.size() - at;
         // Every item takes a byte at least, so neither count can overflow.
-        if ((item.kind == ItemKind::array || item.kind == ItemKind::map) && item.value > left) {
+        if ((item.kind == CborKind::array || item.kind == CborKind::map) && item.value > left) {
             return std::nullopt;
         }
-        if (item.kind == ItemKind::array) {
+        if (item.kind == CborKind::array) {
             owed += item.value;
-        } else if (item.kind == ItemKind::map) {
+        } else if (item.kind == CborKind::map) {
             owed += 2 * item.value;
-        } else if (item.kind == ItemKind::tag) {
+        } else if (item.kind == CborKind::tag) {
             owed += 1;
         }
         if (owed > left) {
@@ -172,6 +168,59 @@ std::optional<std::size_t> cbor_item_length(std::span<const std::uint8_t> bytes)
         }
     }
     return at;
+}
+
+/// The bytes that a number takes, by its first.
+constexpr auto number_bytes = [] {
+    std::array<std::uint8_t, 28> sizes{};
+    sizes.fill(1);
+    for (unsigned power = 0; power < 4; ++power) {
+        sizes[24 + power] = static_cast<std::uint8_t>(1 + (1U << power));
+    }
+    return sizes;
+}();
+
+} // namespace
+
+// What encodings and labels consist of is looked at here, any other item by libcbor.
+std::optional<std::size_t> cbor_item_length(std::span<const std::uint8_t> bytes) {
+    std::size_t at = 0;
+    for (std::uint64_t owed = 1; owed > 0; --owed) { // items still to come
+        if (at >= bytes.size()) {
+            return length_of_any(bytes);
+        }
+        if (bytes[at] < number_bytes.size()) {
+            at += number_bytes[bytes[at]];
+            continue;
+        }
+        if (bytes[at] == null_item) {
+            ++at;
+            continue;
+        }
+        CborHead head{};
+        if (!read_cbor_head(bytes.data() + at, bytes.data() + bytes.size(), head)) {
+            return length_of_any(bytes);
+        }
+        at += head.size;
+        if (head.value > bytes.size() - at) {
+            return length_of_any(bytes);
+        }
+        switch (head.kind) {
+        case CborKind::bytes:
+        case CborKind::text:
+            at += head.value;
+            break;
+        case CborKind::array:
+            owed += head.value;
+            break;
+        case CborKind::map:
+            owed += 2 * head.value;
+            break;
+        default:
+            return length_of_any(bytes);
+        }
+    }
+    return at <= bytes.size() ? std::optional(at) : length_of_any(bytes);
 }
 
 } // namespace aceconv

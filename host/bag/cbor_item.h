@@ -5,26 +5,16 @@
 #include <cstdint>
 #include <span>
 
-namespace aceconv {
+#include "host/cbor_head.h"
 
-enum class ItemKind : std::uint8_t {
-    number, // unsigned
-    bytes,
-    text,
-    array,
-    map,
-    tag,
-    other,      // negative numbers, simple values, floats
-    indefinite, // starts and breaks of items of indefinite length
-};
+namespace aceconv {
 
 /// An item's head, and the content of a string. Elements of arrays and maps
 /// follow as items of their own.
 struct Item {
-    ItemKind kind;
-    std::uint64_t value;      // the number, or the bytes, elements or pairs that it counts
-    const std::uint8_t *data; // content of a string
-    std::size_t size;         // bytes taken in the encoding
+    CborKind kind;       // negative numbers count as other
+    std::uint64_t value; // the number, or the bytes, elements or pairs that it counts
+    std::size_t size;    // bytes taken in the encoding
 };
 
 enum class ItemStatus : std::uint8_t { ok, cut_off, malformed };

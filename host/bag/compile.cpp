@@ -117,19 +117,20 @@ Shape shape_of(const DescribedMember &member, const RecordType *inner) {
     }
 }
 
-std::vector<WordMembers> members_by_word(const RecordType &type) {
-    std::vector<WordMembers> words(align_up(type.size, word_bytes) / word_bytes);
-    for (std::size_t i = type.members.size(); i-- > 0;) {
+/// Neither padding nor an array's pointer decides anything.
+std::vector<std::uint16_t> deciding_members(const RecordType &type) {
+    std::vector<std::uint16_t> deciding(align_up(type.size, word_bytes), no_member);
+    for (std::size_t i = 0; i < type.members.size(); ++i) {
         const Member &member = type.members[i];
-        const auto index = static_cast<std::uint16_t>(i);
-        for (std::size_t word = member.offset / word_bytes;
-             word * word_bytes < member.offset + member.width; ++word) {
-            const bool first_seen = words[word].end == 0;
-            words[word] = {index,
-                           first_seen ? static_cast<std::uint16_t>(index + 1) : words[word].end};
+        const std::size_t width =
+            member.kind == MemberKind::array ? sizeof(std::uint32_t) : member.width;
+        for (std::size_t at = 0; at < width; ++at) {
+            if (member.kind != MemberKind::record || member.type->deciding[at] != no_member) {
+                deciding[member.offset + at] = static_cast<std::uint16_t>(i);
+            }
         }
     }
-    return words;
+    return deciding;
 }
 
 void add_blocks(const Member &member, std::vector<OwnedBlock> &blocks) {
@@ -174,8 +175,10 @@ RecordType compile_type(const DescribedType &described, const bag_layout &row,
             refuse("type $" + std::to_string(described.number) + " is too large");
         }
         type.alignment = std::max(type.alignment, shape.alignment);
+        const std::uint64_t largest =
+            shape.kind < MemberKind::string ? UINT64_MAX >> (64 - 8 * shape.width) : 0;
         type.members.push_back({shape.kind, static_cast<std::uint32_t>(start),
-                                static_cast<std::uint32_t>(shape.width), inner});
+                                static_cast<std::uint32_t>(shape.width), inner, largest});
         add_blocks(type.members.back(), type.blocks);
         type.names.emplace_back(source.name);
         type.spellings.emplace_back(source.spelling);
@@ -185,7 +188,7 @@ RecordType compile_type(const DescribedType &described, const bag_layout &row,
         refuse("type $" + std::to_string(described.number) + ": size " + std::to_string(row.size) +
                ", expected " + std::to_string(type.size));
     }
-    type.words = members_by_word(type);
+    type.deciding = deciding_members(type);
     return type;
 }
 

@@ -16,7 +16,8 @@ namespace {
 
 class Decoder {
   public:
-    explicit Decoder(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
+    explicit Decoder(std::span<const std::uint8_t> bytes)
+        : bytes_(bytes), at_(bytes.data()), end_(at_ + bytes.size()) {}
 
     [[nodiscard]] bool run(const bag_definition &definition, std::uint8_t *record) {
         if (bytes_.size() > max_encoding_bytes) {
@@ -26,57 +27,87 @@ class Decoder {
         if (!head(definition) || !fields(definition.types.front(), record)) {
             return false;
         }
-        if (at_ != bytes_.size()) {
-            return fail(BagStatus::malformed, "byte %zu: %zu bytes after the encoding", at_,
-                        bytes_.size() - at_);
+        if (at_ != end_) {
+            return fail(BagStatus::malformed, "byte %zu: %zu bytes after the encoding", offset(at_),
+                        left());
         }
         return true;
     }
 
   private:
+    [[nodiscard]] std::size_t offset(const std::uint8_t *at) const {
+        return static_cast<std::size_t>(at - bytes_.data());
+    }
+    [[nodiscard]] std::size_t left() const { return static_cast<std::size_t>(end_ - at_); }
+
     [[nodiscard]] bool malformed(const char *why) const {
-        return fail(BagStatus::malformed, "byte %zu%s%s: %s", item_at_,
+        return fail(BagStatus::malformed, "byte %zu%s%s: %s", offset(item_at_),
                     member_ == nullptr ? "" : ", member ", member_ == nullptr ? "" : member_, why);
     }
 
     [[nodiscard]] bool truncated() const {
-        return fail(BagStatus::truncated, "byte %zu: the encoding ends early", item_at_);
+        return fail(BagStatus::truncated, "byte %zu: the encoding ends early", offset(item_at_));
     }
 
-    /// Reads an item's head, and a string's content, in deterministic form. What
-    /// an array or map announces must fit into the bytes left.
-    [[nodiscard]] bool next(Item &item) {
+    /// Goes behind the head of an item that is to be of this kind, in deterministic
+    /// form. What it announces must fit into the bytes left.
+    [[nodiscard]] bool next(CborKind kind, std::uint64_t &value, const char *expected) {
         item_at_ = at_;
-        if (at_ < bytes_.size() && bytes_[at_] < 24) { // most keys, many numbers
-            item = {ItemKind::number, bytes_[at_++], nullptr, 1};
-            return true;
+        CborHead head;
+        if (!read_cbor_head(at_, end_, head) || head.kind != kind) {
+            return next_item(kind, value, expected);
         }
-        const ItemStatus status = read_item(bytes_.subspan(at_), item);
+        at_ += head.size;
+        value = head.value;
+        return kind == CborKind::number || value <= (kind == CborKind::map ? left() / 2 : left()) ||
+               truncated();
+    }
+
+    [[nodiscard]] bool next_number(std::uint64_t &value, const char *expected) {
+        if (at_ == end_ || *at_ >= 24) {
+            return next(CborKind::number, value, expected);
+        }
+        item_at_ = at_; // most keys, many numbers
+        value = *at_++;
+        return true;
+    }
+
+    /// The same for any head.
+    [[nodiscard, gnu::cold]] bool next_item(CborKind kind, std::uint64_t &value,
+                                            const char *expected) {
+        Item item{};
+        const ItemStatus status = read_item({at_, end_}, item);
         if (status == ItemStatus::cut_off) {
             return truncated();
         }
         if (status == ItemStatus::malformed) {
             return malformed("not a CBOR item");
         }
-        if (item.kind >= ItemKind::tag) {
+        if (item.kind >= CborKind::tag) {
             return malformed("a tag, negative number, simple value, float or indefinite length");
         }
         if (!is_shortest(item)) {
             return malformed("not in its shortest form");
         }
-        at_ += item.size;
-        if (item.kind != ItemKind::array && item.kind != ItemKind::map) {
-            return true;
-        }
-        const std::size_t left = bytes_.size() - at_;
-        return item.value <= (item.kind == ItemKind::map ? left / 2 : left) || truncated();
-    }
-
-    [[nodiscard]] bool next(Item &item, ItemKind kind, const char *expected) {
-        if (!next(item)) {
-            return false;
+        value = item.value;
+        const bool is_string = item.kind == CborKind::bytes || item.kind == CborKind::text;
+        at_ += item.size - (is_string ? value : 0);
+        if ((item.kind == CborKind::array && value > left()) ||
+            (item.kind == CborKind::map && value > left() / 2)) {
+            return truncated();
         }
         return item.kind == kind || malformed(expected);
+    }
+
+    /// A string's content, which it goes behind.
+    [[nodiscard]] bool next_string(CborKind kind, std::string_view &content, const char *expected) {
+        std::uint64_t length = 0;
+        if (!next(kind, length, expected)) {
+            return false;
+        }
+        content = {reinterpret_cast<const char *>(at_), static_cast<std::size_t>(length)};
+        at_ += length;
+        return true;
     }
 
     /// Type name and fingerprint: the bytes that the definition has ready, or
@@ -85,67 +116,64 @@ class Decoder {
         const auto &expected = definition.head;
         if (bytes_.size() > expected.size() &&
             std::memcmp(bytes_.data(), expected.data(), expected.size()) == 0) {
-            at_ = expected.size();
+            at_ += expected.size();
             return true;
         }
-        Item item{};
-        if (!next(item, ItemKind::array, "expected an array of three")) {
+        std::uint64_t parts = 0;
+        if (!next(CborKind::array, parts, "expected an array of three")) {
             return false;
         }
-        if (item.value != 3) {
+        if (parts != 3) {
             return malformed("expected an array of three");
         }
-        Item name{};
-        if (!next(name, ItemKind::text, "expected the type's name")) {
+        std::string_view name;
+        std::string_view digest;
+        if (!next_string(CborKind::text, name, "expected the type's name") ||
+            !next_string(CborKind::bytes, digest, "expected a fingerprint")) {
             return false;
         }
-        Item digest{};
-        if (!next(digest, ItemKind::bytes, "expected a fingerprint")) {
-            return false;
-        }
-        if (digest.value != 8) {
+        if (digest.size() != 8) {
             return malformed("expected a fingerprint of 8 bytes");
         }
-        if (at_ == bytes_.size()) {
+        if (at_ == end_) {
             return truncated();
         }
         std::uint64_t found = 0;
-        for (const std::uint8_t byte : bytes_.subspan(at_ - 8, 8)) {
-            found = found << 8 | byte;
+        for (const char byte : digest) {
+            found = found << 8 | static_cast<std::uint8_t>(byte);
         }
         return fail(BagStatus::mismatch,
                     "the encoding is of type %.*s, fingerprint %016" PRIx64
                     "; expected %s, fingerprint %016" PRIx64,
-                    static_cast<int>(name.value < 64 ? name.value : 64),
-                    reinterpret_cast<const char *>(name.data), found, definition.type_name.c_str(),
-                    definition.fingerprint);
+                    static_cast<int>(name.size() < 64 ? name.size() : 64), name.data(), found,
+                    definition.type_name.c_str(), definition.fingerprint);
     }
 
     [[nodiscard]] bool fields(const RecordType &type, std::uint8_t *record,
                               bool may_be_empty = true) {
-        Item map{};
-        if (!next(map, ItemKind::map, "expected a map")) {
+        std::uint64_t count = 0;
+        if (!next(CborKind::map, count, "expected a map")) {
             return false;
         }
-        if (map.value == 0 && !may_be_empty) {
+        if (count == 0 && !may_be_empty) {
             return malformed("an empty sub-record");
         }
         std::uint64_t lowest = 0; // key that may follow
-        for (std::uint64_t i = 0; i < map.value; ++i) {
+        for (; count > 0; --count) {
             member_ = nullptr;
-            Item key{};
-            if (!next(key, ItemKind::number, "expected a member's index")) {
+            std::uint64_t key = 0;
+            if (!next_number(key, "expected a member's index")) {
                 return false;
             }
-            if (key.value < lowest) {
+            if (key < lowest) {
                 return malformed("a member repeated or out of order");
             }
-            if (key.value >= type.members.size()) {
+            if (key >= type.members.size()) {
                 return malformed("no member has this index");
             }
-            lowest = key.value + 1;
-            const Member &member = type.members[key.value];
-            member_ = type.names[key.value].c_str();
+            lowest = key + 1;
+            const Member &member = type.members[key];
+            member_ = type.names[key].c_str();
             if (!value(member, record + member.offset)) {
                 return false;
             }
@@ -179,15 +207,15 @@ class Decoder {
 
     template <typename Number>
     [[nodiscard]] bool number(std::uint8_t *field) {
-        Item item{};
-        if (!next(item, ItemKind::number, "expected a number")) {
+        std::uint64_t value = 0;
+        if (!next_number(value, "expected a number")) {
             return false;
         }
-        if (item.value == 0) {
+        if (value == 0) {
             return malformed("an explicit zero");
         }
-        const auto number = static_cast<Number>(item.value);
-        if (number != item.value) {
+        const auto number = static_cast<Number>(value);
+        if (number != value) {
             return malformed("a number beyond the member's width");
         }
         std::memcpy(field, &number, sizeof number);
@@ -205,66 +233,63 @@ class Decoder {
     }
 
     [[nodiscard]] bool string(std::uint8_t *field) {
-        Item item{};
-        if (!next(item)) {
+        const bool text_comes = at_ == end_ || *at_ >> 5U != static_cast<unsigned>(CborKind::bytes);
+        std::string_view content;
+        if (!next_string(text_comes ? CborKind::text : CborKind::bytes, content,
+                         "expected a string")) {
             return false;
         }
-        if (item.kind != ItemKind::text && item.kind != ItemKind::bytes) {
-            return malformed("expected a string");
-        }
-        if (item.value > max_string_bytes) {
+        if (content.size() > max_string_bytes) {
             return fail(BagStatus::too_large,
-                        "byte %zu, member %s: a string of more than %zu bytes", item_at_, member_,
-                        max_string_bytes);
+                        "byte %zu, member %s: a string of more than %zu bytes", offset(item_at_),
+                        member_, max_string_bytes);
         }
-        const auto length = static_cast<std::size_t>(item.value);
-        if (std::memchr(item.data, 0, length) != nullptr) {
+        if (content.find('\0') != content.npos) {
             return malformed("a NUL inside a string");
         }
-        const auto *const content = reinterpret_cast<const char *>(item.data);
-        if (is_utf8({content, length}) != (item.kind == ItemKind::text)) {
+        if (is_utf8(content) != text_comes) {
             return malformed("UTF-8 is to be a text string, other content a byte string");
         }
-        auto *const text = static_cast<char *>(std::malloc(length + 1));
+        auto *const text = static_cast<char *>(std::malloc(content.size() + 1));
         if (text == nullptr) {
-            return fail(BagStatus::no_memory, "no memory for a string of %zu bytes", length);
+            return fail(BagStatus::no_memory, "no memory for a string of %zu bytes",
+                        content.size());
         }
-        std::memcpy(text, item.data, length);
-        text[length] = '\0';
+        content.copy(text, content.size());
+        text[content.size()] = '\0';
         std::memcpy(field, &text, sizeof text);
         return true;
     }
 
     [[nodiscard]] bool bytes(std::uint8_t *field, std::size_t width) {
-        Item item{};
-        if (!next(item, ItemKind::bytes, "expected a byte string")) {
+        std::string_view content;
+        if (!next_string(CborKind::bytes, content, "expected a byte string")) {
             return false;
         }
-        if (item.value >= width) { // the last byte stays NUL
-            return fail(BagStatus::too_large, "byte %zu, member %s: more than %zu bytes", item_at_,
-                        member_, width - 1);
+        if (content.size() >= width) { // the last byte stays NUL
+            return fail(BagStatus::too_large, "byte %zu, member %s: more than %zu bytes",
+                        offset(item_at_), member_, width - 1);
         }
-        const auto length = static_cast<std::size_t>(item.value);
-        if (length == 0 || item.data[length - 1] == 0) {
+        if (content.empty() || content.back() == 0) {
             return malformed("an empty byte string or one that ends in a zero");
         }
-        std::memcpy(field, item.data, length);
+        std::memcpy(field, content.data(), content.size());
         return true;
     }
 
     [[nodiscard]] bool array(const RecordType &element, std::uint8_t *field) {
-        Item item{};
-        if (!next(item, ItemKind::array, "expected an array")) {
+        std::uint64_t announced = 0;
+        if (!next(CborKind::array, announced, "expected an array")) {
             return false;
         }
-        if (item.value == 0) {
+        if (announced == 0) {
             return malformed("an empty array");
         }
-        if (item.value > max_elements) {
+        if (announced > max_elements) {
             return fail(BagStatus::too_large, "byte %zu, member %s: more than %zu elements",
-                        item_at_, member_, max_elements);
+                        offset(item_at_), member_, max_elements);
         }
-        const auto count = static_cast<std::uint32_t>(item.value);
+        const auto count = static_cast<std::uint32_t>(announced);
         auto *const elements = static_cast<std::uint8_t *>(std::calloc(count, element.size));
         if (elements == nullptr) {
             return fail(BagStatus::no_memory, "no memory for %u elements", count);
@@ -280,10 +305,11 @@ class Decoder {
         return true;
     }
 
-    std::span<const std::uint8_t> bytes_;
-    std::size_t at_ = 0;
-    std::size_t item_at_ = 0;      // where the item last read starts
-    const char *member_ = nullptr; // that is being read
+    const std::span<const std::uint8_t> bytes_;
+    const std::uint8_t *at_;
+    const std::uint8_t *const end_;
+    const std::uint8_t *item_at_ = nullptr; // where the item last read starts
+    const char *member_ = nullptr;          // that is being read
 };
 
 [[nodiscard]] bool decode(const std::uint8_t *encoded, std::uint32_t length, void *record,

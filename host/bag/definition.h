@@ -26,6 +26,7 @@ constexpr std::size_t max_type_bytes = std::size_t{64} * 1024;
 
 /// What the encoder looks at together: zero words hold no member that is set.
 constexpr std::size_t word_bytes = 8;
+constexpr std::uint16_t no_member = 0xFFFF;
 
 /// Where a counted array keeps its element pointer, from its 32-bit count.
 constexpr std::size_t elements_pointer = 8;
@@ -36,9 +37,9 @@ enum class MemberKind : std::uint8_t {
     u32,
     u64,
     address, // 4 bytes in network byte order
-    string,
+    string,  // from here on, no numbers
     array,
-    bytes, // from here on, more than one number tells whether the member is set
+    bytes,
     record
 };
 
@@ -49,12 +50,7 @@ struct Member {
     std::uint32_t offset;
     std::uint32_t width;
     const RecordType *type; // of a sub-record or of an array's elements, else null
-};
-
-/// The members with bytes in one aligned word of a record, as a range of indices.
-struct WordMembers {
-    std::uint16_t begin;
-    std::uint16_t end;
+    std::uint64_t largest;  // of a number, else 0
 };
 
 /// Where a record keeps the address of a heap block that it owns.
@@ -67,8 +63,10 @@ struct OwnedBlock {
 struct RecordType {
     std::size_t size = 0;
     std::size_t alignment = 1;
-    std::vector<Member> members;        // in description order: the index is the map key
-    std::vector<WordMembers> words;     // of 8 bytes each; the last may reach beyond the record
+    std::vector<Member> members; // in description order: the index is the map key
+    // A byte for a byte of the record, up to a whole word: the member that is set when
+    // this byte is not zero.
+    std::vector<std::uint16_t> deciding;
     std::vector<OwnedBlock> blocks;     // also those of sub-records
     std::vector<std::string> names;     // parallel to members
     std::vector<std::string> spellings; // parallel to members: the type's text

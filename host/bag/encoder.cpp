@@ -1,6 +1,6 @@
 #include <algorithm>
 #include <arpa/inet.h>
-#include <array>
+#include <bit>
 #include <cstring>
 
 #include "host/bag/byte_sink.h"
@@ -18,22 +18,14 @@ Value load(const std::uint8_t *field) {
     return value;
 }
 
-/// A number's value; for strings and arrays what tells whether they are there:
-/// the pointer, the count.
-std::uint64_t load_number(MemberKind kind, const std::uint8_t *field) {
-    switch (kind) {
-    case MemberKind::u8:
-        return *field;
-    case MemberKind::u16:
-        return load<std::uint16_t>(field);
-    case MemberKind::address:
-        return ntohl(load<std::uint32_t>(field));
-    case MemberKind::u32:
-    case MemberKind::array:
-        return load<std::uint32_t>(field);
-    default:
-        return load<std::uint64_t>(field);
+/// Up to eight bytes, zeros behind them.
+std::uint64_t word_at(const std::uint8_t *bytes, std::size_t size) {
+    if (size >= word_bytes) {
+        return load<std::uint64_t>(bytes);
     }
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes, size);
+    return word;
 }
 
 /// A fixed array's content ends at its last byte that is not zero.
@@ -42,25 +34,6 @@ std::size_t content_length(const std::uint8_t *field, std::size_t width) {
         --width;
     }
     return width;
-}
-
-bool is_empty_block(const Member &member, const std::uint8_t *field);
-
-inline bool is_empty(const Member &member, const std::uint8_t *field) {
-    return member.kind < MemberKind::bytes ? load_number(member.kind, field) == 0
-                                           : is_empty_block(member, field);
-}
-
-bool is_empty_block(const Member &member, const std::uint8_t *field) {
-    if (member.kind == MemberKind::bytes) {
-        return content_length(field, member.width) == 0;
-    }
-    for (const Member &inner : member.type->members) {
-        if (!is_empty(inner, field + inner.offset)) {
-            return false;
-        }
-    }
-    return true;
 }
 
 [[nodiscard]] bool write_record(ByteSink &output, const RecordType &type,
@@ -109,8 +82,8 @@ bool is_empty_block(const Member &member, const std::uint8_t *field) {
     return true;
 }
 
-[[nodiscard]] bool write_value(ByteSink &output, const Member &member, const std::uint8_t *field,
-                               const char *name) {
+[[nodiscard, gnu::noinline]] bool write_value(ByteSink &output, const Member &member,
+                                              const std::uint8_t *field, const char *name) {
     switch (member.kind) {
     case MemberKind::string:
         return write_string(output, field, name);
@@ -120,40 +93,71 @@ bool is_empty_block(const Member &member, const std::uint8_t *field) {
         return write_array(output, *member.type, field, name);
     case MemberKind::record:
         return write_record(output, *member.type, field);
-    default:
-        return output.number(load_number(member.kind, field));
+    default: // a number
+        return false;
     }
 }
 
+/// The high bit of each byte that is not zero.
+constexpr std::uint64_t set_bytes(std::uint64_t word) {
+    constexpr std::uint64_t low = 0x7F7F7F7F7F7F7F7F;
+    return (((word & low) + low) | word) & ~low;
+}
+
+/// The members' values as they stand, one after the other: goes once over the bytes
+/// that are not zero, each of which says whose it is.
 bool write_record(ByteSink &output, const RecordType &type, const std::uint8_t *record) {
-    std::array<std::uint16_t, max_members> present; // the first `count` are set
+    static_assert(std::endian::native == std::endian::little); // a word's low byte is its first
+    std::size_t map = 0;
+    if (!output.begin_map(map)) {
+        return false;
+    }
+    const Member *const members = type.members.data();
+    const std::uint16_t *const deciding = type.deciding.data();
+    const std::size_t whole = type.size / word_bytes * word_bytes;
     std::size_t count = 0;
-    const std::size_t whole_words = type.size / word_bytes;
-    const WordMembers *const words = type.words.data();
-    std::size_t next = 0; // member; one that reaches into several words is looked at once
-    for (std::size_t word = 0; word < type.words.size(); ++word) {
-        if (word < whole_words && load<std::uint64_t>(record + word * word_bytes) == 0) {
-            continue;
+    std::size_t next = 0; // member that may follow
+    for (std::size_t start = 0;; start += word_bytes) {
+        while (start < whole && load<std::uint64_t>(record + start) == 0) {
+            start += word_bytes;
         }
-        const std::size_t end = words[word].end;
-        for (next = std::max<std::size_t>(next, words[word].begin); next < end; ++next) {
-            if (!is_empty(type.members[next], record + type.members[next].offset)) {
-                present[count++] = static_cast<std::uint16_t>(next);
+        if (start >= type.size) {
+            return output.end_map(map, count);
+        }
+        const std::uint64_t word = word_at(record + start, type.size - start);
+        std::uint64_t left = set_bytes(word);
+        while (left != 0) {
+            const auto byte = static_cast<unsigned>(std::countr_zero(left)) / 8;
+            const std::size_t index = deciding[start + byte];
+            left &= left - 1;
+            if (index < next || index == no_member) { // one more byte of a member, or padding
+                continue;
+            }
+            const Member &member = members[index];
+            next = index + 1;
+            ++count;
+            std::uint8_t *at = output.room();
+            if (at == nullptr) {
+                return false;
+            }
+            at = put_cbor_head(at, CborKind::number, index);
+            if (member.kind < MemberKind::string) {
+                const std::size_t shift = 8 * (member.offset - start);
+                const std::uint64_t value = word >> shift & member.largest;
+                left &= ~(member.largest << shift);
+                at = put_cbor_head(at, CborKind::number,
+                                   member.kind == MemberKind::address
+                                       ? ntohl(static_cast<std::uint32_t>(value))
+                                       : value);
+                output.take(at);
+                continue;
+            }
+            output.take(at);
+            if (!write_value(output, member, record + member.offset, type.names[index].c_str())) {
+                return false;
             }
         }
     }
-    if (!output.map(count)) {
-        return false;
-    }
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::size_t index = present[i];
-        const Member &member = type.members[index];
-        if (!output.number(index) ||
-            !write_value(output, member, record + member.offset, type.names[index].c_str())) {
-            return false;
-        }
-    }
-    return true;
 }
 
 [[nodiscard]] bool encode(std::uint8_t **encoded, std::uint32_t *length, const std::uint8_t *record,
