@@ -1,6 +1,8 @@
-"""The installed program, wherever its prefix has come to and its libraries lie in it."""
+"""What is installed: the program, wherever its prefix has come to and its libraries lie in it,
+and what others build against."""
 import os
 import pathlib
+import shlex
 import shutil
 import subprocess
 import unittest
@@ -10,13 +12,15 @@ from harness import Case
 SOURCE, BUILD = (pathlib.Path(os.environ["ACECONV_" + name]) for name in ("SOURCE", "BUILD"))
 CMAKE = os.environ["CMAKE"]
 DOC = SOURCE / "examples" / "border-filter.json"
+SANITIZE = ["-fsanitize=" + kinds] if (kinds := os.environ["ACECONV_SANITIZE"]) else []
+
+
+def install(build, prefix):
+    subprocess.run([CMAKE, "--install", build, "--prefix", prefix], check=True,
+                   stdout=subprocess.DEVNULL)
 
 
 class Installed(Case):
-    def install(self, build, prefix):
-        subprocess.run([CMAKE, "--install", build, "--prefix", prefix], check=True,
-                       stdout=subprocess.DEVNULL)
-
     def configured(self, libraries):
         """A build tree of that layout that installs the programs of the one under test."""
         build = self.dir / "build"
@@ -24,7 +28,7 @@ class Installed(Case):
                         "-DCMAKE_INSTALL_LIBDIR=" + libraries], check=True, stdout=subprocess.DEVNULL)
         for script in build.rglob("*/cmake_install.cmake"):
             script.write_text("".join(
-                line if "include(" in line else line.replace(str(build), str(BUILD))
+                line if ".cmake" in line or ".pc" in line else line.replace(str(build), str(BUILD))
                 for line in script.read_text().splitlines(keepends=True)))
         return build
 
@@ -42,7 +46,7 @@ class Installed(Case):
 
     def test_its_parts_are_found_from_where_it_lies(self):
         first, moved, other = self.dir / "first", self.dir / "moved", "lib/some-triplet"
-        self.install(self.configured(other), first)
+        install(self.configured(other), first)
         first.rename(moved)
         self.assertEqual(self.runs_from(moved), other)
         os.symlink("moved", self.dir / "linked")
@@ -54,12 +58,12 @@ class Installed(Case):
         (copied / other / "aceconv").mkdir()
         (copied / other / "libipv4_acl_ace.so").rename(copied / other / "aceconv/libipv4_acl_ace.so")
         self.assertEqual(self.runs_from(copied), other + "/aceconv")
-        self.install(BUILD, self.dir / "plain")
+        install(BUILD, self.dir / "plain")
         self.assertIn(self.runs_from(self.dir / "plain"), ("lib", "lib64"))
 
     def test_nothing_comes_from_the_tree_it_was_built_from(self):
         prefix = self.dir / "prefix"
-        self.install(BUILD, prefix)
+        install(BUILD, prefix)
         program, plugin = prefix / "bin/aceconv", next(prefix.rglob("libipv4_acl_ace.so"))
         beside = str(plugin.resolve())
         for part, option, given, said in (
@@ -72,6 +76,71 @@ class Installed(Case):
             self.assertEqual((done.returncode, said in done.stderr), (3, True), done.stderr)
             subprocess.run([program, "check", "-q", DOC, option, given], check=True)
             (self.dir / "aside").rename(part)
+
+
+# Beside the example host, what it does not need of the package.
+OUTSIDE = """
+cmake_minimum_required(VERSION 3.22)
+project(outside C)
+find_package(aceconv 2.0 QUIET)
+if(aceconv_FOUND)
+  message(FATAL_ERROR "found as 2.0")
+endif()
+find_package(aceconv 1.0 REQUIRED)
+file(READ ${aceconv_YANG_DIR}/aceconv-um.yang module)
+add_subdirectory(%s host)
+add_executable(names names.c)
+target_link_libraries(names PRIVATE aceconv::keywords)
+"""
+NAMES = """
+#include <stdio.h>
+#include "aceconv/keywords.h"
+int main(void) { return puts(acl_yang_acl_grant[1].name) < 0; }
+"""
+
+
+class BuiltAgainst(Case):
+    EXAMPLE = SOURCE / "examples" / "host"
+
+    def setUp(self):
+        super().setUp()
+        install(BUILD, self.dir / "first")
+        self.prefix = self.dir / "moved"
+        (self.dir / "first").rename(self.prefix)
+
+    def output(self, *program):
+        done = subprocess.run(program, check=False, capture_output=True, text=True)
+        self.assertEqual((done.returncode, done.stderr), (0, ""), program)
+        return done.stdout
+
+    def expect_the_conversions(self, program):
+        shown = "".join(f"    {line}\n" for line in self.output(program).splitlines())
+        self.assertIn(f"\n\n{shown}\n", (SOURCE / "docs" / "hosting.md").read_text())
+
+    def test_with_cmake(self):
+        self.file("CMakeLists.txt", OUTSIDE % self.EXAMPLE)
+        self.file("names.c", NAMES)
+        self.output(CMAKE, "-S", self.dir, "-B", self.dir / "build", "-G", "Ninja", "-Wno-dev",
+                    f"-DCMAKE_PREFIX_PATH={self.prefix}", f"-DCMAKE_C_FLAGS={' '.join(SANITIZE)}")
+        self.output(CMAKE, "--build", self.dir / "build")
+        self.expect_the_conversions(self.dir / "build/host/convert")
+        self.assertEqual(self.output(self.dir / "build/names"), "permit\n")
+
+    def test_with_pkg_config(self):
+        folder, = self.prefix.rglob("pkgconfig")
+        def config(*args):
+            return shlex.split(self.output("env", f"PKG_CONFIG_PATH={folder}", "pkg-config", *args))
+        (plugin,), (modules,) = (config(f"--variable={name}", "aceconv-plugin")
+                                 for name in ("plugin", "yangdir"))
+        self.assertTrue(os.path.exists(plugin) and os.path.exists(modules + "/aceconv-um.yang"))
+        self.output("cc", *SANITIZE, *self.EXAMPLE.glob("*.c"), "-o", self.dir / "convert",
+                    *config("--cflags", "--libs", "aceconv-plugin >= 1.0"),
+                    "-Wl,-rpath," + os.path.dirname(plugin))
+        self.expect_the_conversions(self.dir / "convert")
+        names = self.file("names.c", NAMES)
+        self.output("cc", *SANITIZE, names, "-o", self.dir / "names",
+                    *config("--cflags", "--libs", "aceconv-keywords"))
+        self.assertEqual(self.output(self.dir / "names"), "permit\n")
 
 
 if __name__ == "__main__":
