@@ -3,12 +3,16 @@
 // matter.
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "host/byte_block.h"
 
 namespace aceconv {
 
@@ -43,6 +47,19 @@ class JsonScan {
         }
     }
 
+    /// The place behind the bracket that closes the outermost open one, or the size of `text`.
+    std::size_t close(std::string_view text, std::size_t at) {
+        while (text.size() - at >= ByteBlock::size && depth_ > 0 && !escaped_) {
+            const ByteBlock block(text.data() + at);
+            if (block.where('\\') != 0) {
+                at = close_by_marks(text.substr(0, at + ByteBlock::size), at);
+            } else {
+                at += close_in(block);
+            }
+        }
+        return depth_ > 0 ? close_by_marks(text, at) : at;
+    }
+
     /// How many brackets are open; closing ones without an open one do not count.
     [[nodiscard]] std::size_t depth() const { return depth_; }
     [[nodiscard]] bool in_string() const { return in_string_; }
@@ -61,6 +78,30 @@ class JsonScan {
         table['\\'] = inside;
         return table;
     }();
+
+    std::size_t close_by_marks(std::string_view text, std::size_t at) {
+        while (at < text.size() && depth_ > 0) {
+            at = std::min(next(text, at) + 1, text.size());
+        }
+        return at;
+    }
+
+    /// The same of a block without escapes, which it counts as read if it does not end in it.
+    std::size_t close_in(const ByteBlock &block) {
+        const std::uint64_t strings =
+            ByteBlock::between(block.where('"')) ^ (in_string_ ? ~std::uint64_t{0} : 0);
+        const std::uint64_t opening = block.where_either('[', '{') & ~strings;
+        const std::uint64_t closing = block.where_either(']', '}') & ~strings;
+        for (std::uint64_t rest = opening | closing; rest != 0; rest &= rest - 1) {
+            depth_ += (opening & rest & -rest) != 0 ? std::size_t{1} : ~std::size_t{0};
+            if (depth_ == 0) {
+                in_string_ = false;
+                return static_cast<std::size_t>(std::countr_zero(rest)) + 1;
+            }
+        }
+        in_string_ = strings >> (ByteBlock::size - 1) != 0;
+        return ByteBlock::size;
+    }
 
     void note(char mark) {
         if (mark == '"') {

@@ -88,10 +88,9 @@ bool JsonCursor::object(std::string &text, std::size_t limit, std::string_view w
             throw StreamError("", "the input ends inside " + std::string(what));
         }
         const std::string_view view = window_.view();
-        std::size_t at = 0;
-        do {
-            at = std::min(scan_.next(view, at) + 1, view.size());
-        } while (at < view.size() && scan_.depth() > 0);
+        // The opening bracket is the first mark.
+        const std::size_t begun = scan_.depth() > 0 ? 0 : scan_.next(view, 0) + 1;
+        const std::size_t at = scan_.close(view, begun);
         fits_ = fits_ && text_.size() + at <= limit;
         if (fits_) {
             text_.append(view.substr(0, at));

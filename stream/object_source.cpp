@@ -43,6 +43,12 @@ std::optional<Schema> tell_schema(std::string_view object) {
 
 /// Whether this is an entry by itself, not {"acl": "X", "entry": {...}}.
 bool is_bare(std::string_view text) {
+    constexpr std::string_view quote = "{\"";
+    constexpr std::string_view wrapped = "ae\\"; // how either of the two names may start
+    if (text.size() > quote.size() && text.substr(0, quote.size()) == quote &&
+        wrapped.find(text[quote.size()]) == std::string_view::npos) {
+        return true;
+    }
     JsonWalk walk(text);
     if (walk.next() != JsonWalk::Step::open || walk.next() != JsonWalk::Step::name) {
         return true;

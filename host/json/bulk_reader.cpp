@@ -1,18 +1,23 @@
-// The bulk backend's reader: one pass of simdjson over an entry's text, checked
-// against the module's compiled form. simdjson refuses bad UTF-8 and control
-// characters inside strings; between them only JSON's tokens pass, and each string
-// is a name of the module or checked as a value.
+// The bulk backend's reader: one pass over an entry's text, checked against the module's
+// compiled form.
 //
-// It takes only what it is sure that the validating reader takes, with the same
-// values. Whatever else a text holds (a fault, or a rare way of writing) is read
-// again by the validating reader, whose verdict and message hold: so both
-// backends accept and refuse the same texts.
-#define SIMDJSON_EXCEPTIONS 0
-#include <simdjson.h>
-
-#include <cstring>
+// simdjson says where the text's tokens start (TokenIndex); the pass goes from token to
+// token and makes a node of each member, so it looks at what stands between two tokens only
+// where a value is read. The index is without gaps: a token is a bracket, a colon, a comma,
+// a string, or a run of other characters, and nothing but blanks stands behind one. simdjson
+// refuses bad UTF-8 and control characters inside strings, and each string is a name of the
+// module or checked as a value. Names of members and of values are looked up in the tables
+// of the schema (NameTable) as they are written; none holds an escape.
+//
+// It takes only what it is sure that the validating reader takes, with the same values.
+// Whatever else a text holds (a fault, or a rare way of writing) is read again by the
+// validating reader, whose verdict and message hold: so both backends accept and refuse
+// the same texts.
+#include <deque>
 
 #include "host/data_path.h"
+#include "host/json/token_index.h"
+#include "host/json_scan.h"
 #include "host/platform/entry_tree.h"
 #include "host/schema/entry_text.h"
 #include "host/schema/leaf_value.h"
@@ -22,33 +27,26 @@ namespace aceconv {
 
 namespace {
 
-namespace json = simdjson::ondemand;
+constexpr bool is_blank(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
 
-/// The entry's nodes from JSON text; the values point into the parser's buffers.
+/// The entry's nodes from JSON text; the values point into the index's copy of it.
 class BulkTree final : public EntryTree {
   public:
     explicit BulkTree(Schema schema) : module_(std::string(module_name(schema)) + ':') {}
 
     /// False for a text that has to be read the other way.
     bool assign(std::string_view text, const SchemaNode &entry) {
-        if (const std::size_t size = text.size() + simdjson::SIMDJSON_PADDING;
-            size > padded_.size()) {
-            padded_.resize(2 * size);
-        }
-        std::memcpy(padded_.data(), text.data(), text.size());
-        std::memset(padded_.data() + text.size(), 0, simdjson::SIMDJSON_PADDING);
-        // No node is shorter than a list entry "{},".
-        restart(2 + text.size() / 2);
-        members_ = 0;
-        json::document document;
-        json::object object;
-        if (parser_.iterate(padded_.data(), text.size(), padded_.size()).get(document) !=
-                simdjson::SUCCESS ||
-            document.get_object().get(object) != simdjson::SUCCESS) {
+        if (!tokens_.assign(text)) {
             return false;
         }
-        return take_members(object, add(entry, nullptr, NodeForm::entry)) &&
-               document.current_location().error() == simdjson::OUT_OF_BOUNDS; // nothing behind it
+        // No node is shorter than a list entry "{},".
+        restart(2 + text.size() / 2);
+        unescaped_.clear();
+        members_ = 0;
+        text_ = tokens_.text();
+        return take_object(tokens_.begin(), add(entry, nullptr, NodeForm::entry)) == tokens_.end();
     }
 
     /// The entry's key when the text has one.
@@ -58,128 +56,178 @@ class BulkTree final : public EntryTree {
     }
 
   private:
-    /// The child that a member names, with or without the module's prefix; null also
-    /// for a name that is written with escapes.
-    [[nodiscard]] const SchemaNode *child(const SchemaNode &parent, json::raw_json_string name,
-                                          std::size_t hint) const {
-        const auto is_name = [&](std::string_view key) { return name.unsafe_is_equal(key); };
-        const SchemaNode *found = parent.find_if(is_name, hint);
-        if (found != nullptr || std::strncmp(name.raw(), module_.data(), module_.size()) != 0) {
-            return found;
+    // What takes something is given its first token and returns the token behind it, or null
+    // for a text that has to be read the other way. Behind the last token stands one that
+    // nothing takes.
+    using Token = TokenIndex::Token;
+
+    [[nodiscard]] char mark(Token token) const { return text_[*token]; }
+
+    /// One token, of which all up to `end` has been read: nothing else may be there.
+    Token take_rest(Token token, const char *end) const {
+        const char *const next = text_ + token[1];
+        while (end != next) {
+            if (!is_blank(*end++)) {
+                return nullptr;
+            }
         }
-        const char *rest = name.raw() + module_.size();
-        const char *end = static_cast<const char *>(std::memchr(rest, '"', padded_.size()));
-        return parent.find({rest, static_cast<std::size_t>(end - rest)}, hint);
+        return token + 1;
     }
 
-    bool take_members(json::object object, Node &parent) {
+    /// A string; `content` is what stands between its quotes, as it is written.
+    Token take_string(Token token, std::string_view &content) const {
+        const char *const open = text_ + token[0];
+        const char *close = text_ + token[1] - 1;
+        while (*close != '"') {
+            if (!is_blank(*close--)) {
+                return nullptr;
+            }
+        }
+        content = {open + 1, static_cast<std::size_t>(close - open - 1)};
+        return *open == '"' && close != open ? token + 1 : nullptr;
+    }
+
+    /// The child that a member names, with or without the module's prefix.
+    [[nodiscard]] const SchemaNode *child(const SchemaNode &parent, std::string_view name) const {
+        const SchemaNode *found = parent.child(name);
+        return found == nullptr && name.substr(0, module_.size()) == module_
+                   ? parent.child(name.substr(module_.size()))
+                   : found;
+    }
+
+    Token take_object(Token token, Node &node) {
+        if (mark(token) != '{') {
+            return nullptr;
+        }
+        if (mark(++token) == '}') {
+            return token + 1;
+        }
+        const SchemaNode &schema = *node.schema;
         std::uint64_t given = 0;
-        std::size_t hint = 0;
-        for (auto member : object) {
-            json::field field;
-            if (std::move(member).get(field) != simdjson::SUCCESS || ++members_ > max_entry_nodes) {
-                return false;
+        for (;;) {
+            std::string_view name;
+            token = take_string(token, name);
+            if (token == nullptr || mark(token) != ':' || ++members_ > max_entry_nodes) {
+                return nullptr;
             }
-            const SchemaNode *schema = child(*parent.schema, field.key(), hint);
-            const std::uint64_t bit = schema == nullptr ? 0 : std::uint64_t{1} << schema->place;
-            if (bit == 0 || (given & bit) != 0) {
-                return false;
+            const SchemaNode *member = child(schema, name);
+            if (member == nullptr || (given >> member->place & 1U) != 0) {
+                return nullptr;
             }
-            given |= bit;
-            hint = schema->place + 1U;
-            if (!take(field.value(), *schema, parent)) {
-                return false;
+            given |= std::uint64_t{1} << member->place;
+            token = take_member(token + 1, *member, node);
+            if (token == nullptr || mark(token) != ',') {
+                return token != nullptr && mark(token) == '}' ? token + 1 : nullptr;
             }
+            ++token;
         }
-        return true;
     }
 
-    bool take(json::value value, const SchemaNode &schema, Node &parent) {
-        json::object object;
-        json::array array;
-        switch (schema.kind) {
-        case NodeKind::leaf:
-            return take_leaf(value, add(schema, &parent, NodeForm::leaf));
-        case NodeKind::container:
-            return value.get_object().get(object) == simdjson::SUCCESS &&
-                   take_members(object, add(schema, &parent, NodeForm::container));
-        case NodeKind::list:
-            break;
+    Token take_member(Token token, const SchemaNode &schema, Node &parent) {
+        if (schema.kind == NodeKind::leaf) {
+            return take_leaf(token, add(schema, &parent, NodeForm::leaf));
         }
-        return value.get_array().get(array) == simdjson::SUCCESS &&
-               take_entries(array, add(schema, &parent, NodeForm::list));
+        return schema.kind == NodeKind::container
+                   ? take_object(token, add(schema, &parent, NodeForm::container))
+                   : take_list(token, add(schema, &parent, NodeForm::list));
     }
 
-    bool take_entries(json::array array, Node &list) {
-        for (auto element : array) {
-            json::object object;
-            if (element.get_object().get(object) != simdjson::SUCCESS) {
-                return false;
-            }
+    /// An array of one object at least.
+    Token take_list(Token token, Node &list) {
+        if (mark(token) != '[') {
+            return nullptr;
+        }
+        do {
             Node &entry = add(*list.schema, &list, NodeForm::list_entry);
             ++list.entries;
-            if (!take_members(object, entry) || entry.child == nullptr ||
-                entry.child->schema->place != 0) {
-                return false;
+            token = take_object(token + 1, entry);
+            if (token == nullptr || entry.child == nullptr || entry.child->schema->place != 0) {
+                return nullptr;
             }
-        }
-        return list.entries != 0 && list.entries <= list.schema->most_entries &&
-               repeated_key(list) == nullptr;
+        } while (mark(token) == ',');
+        return mark(token) == ']' && list.entries <= list.schema->most_entries &&
+                       repeated_key(list) == nullptr
+                   ? token + 1
+                   : nullptr;
     }
 
-    bool take_leaf(json::value value, Node &leaf) {
-        std::uint64_t number = 0;
-        bool truth = false;
-        switch (const std::string_view token = value.raw_json_token(); token.front()) {
-        case '"':
-            return take_string(value, token, leaf);
-        case 't':
-        case 'f':
-            return leaf.schema->type == LeafType::boolean &&
-                   value.get_bool().get(truth) == simdjson::SUCCESS &&
-                   (leaf.value = {.kind = ValueKind::boolean, .number = truth ? 1U : 0U}, true);
-        case '[':
+    Token take_leaf(Token token, Node &leaf) {
+        switch (leaf.schema->type) {
+        case LeafType::number:
+            return take_number(token, leaf);
+        case LeafType::name_or_number:
+            return mark(token) == '"' ? take_name(token, leaf) : take_number(token, leaf);
+        case LeafType::enumeration:
+            return take_name(token, leaf);
+        case LeafType::boolean:
+            leaf.value = {.kind = ValueKind::boolean, .number = mark(token) == 't' ? 1U : 0U};
+            return take_word(token, leaf.value.number != 0 ? "true" : "false");
+        case LeafType::empty: // as [null] (RFC 7951, section 6.9)
             leaf.value = {.kind = ValueKind::empty};
-            return leaf.schema->type == LeafType::empty && is_empty_value(value);
+            token = mark(token) == '[' ? take_word(token + 1, "null") : nullptr;
+            return token != nullptr && mark(token) == ']' ? token + 1 : nullptr;
         default:
-            return value.get_uint64().get(number) == simdjson::SUCCESS &&
-                   number_value(*leaf.schema, number, leaf.value);
+            return take_text(token, leaf);
         }
     }
 
-    /// `token` ends where the next one starts, so behind the quote stand blanks at
-    /// most. Names and addresses are compared as they are written, without escapes.
-    static bool take_string(json::value value, std::string_view token, Node &leaf) {
+    Token take_word(Token token, std::string_view word) const {
+        const char *const start = text_ + *token;
+        return std::string_view(start, word.size()) == word ? take_rest(token, start + word.size())
+                                                            : nullptr;
+    }
+
+    Token take_number(Token token, Node &leaf) const {
+        constexpr std::ptrdiff_t most_digits = 18; // of which no number is too large
+        const char *const start = text_ + *token;
+        const char *end = start;
+        std::uint64_t number = 0;
+        for (unsigned digit = 0; (digit = static_cast<unsigned char>(*end) - '0') <= 9; ++end) {
+            number = number * 10 + digit;
+        }
+        return end != start && end - start <= most_digits && (*start != '0' || end == start + 1) &&
+                       number_value(*leaf.schema, number, leaf.value)
+                   ? take_rest(token, end)
+                   : nullptr;
+    }
+
+    Token take_name(Token token, Node &leaf) const {
+        leaf.value.kind = ValueKind::name;
+        token = take_string(token, leaf.value.text);
+        if (token == nullptr) {
+            return nullptr;
+        }
+        const std::size_t place = leaf.schema->name_place(leaf.value.text);
+        leaf.name = static_cast<std::uint16_t>(place + 1);
+        return place != NameTable::none ? token : nullptr;
+    }
+
+    Token take_text(Token token, Node &leaf) {
+        const SchemaNode &schema = *leaf.schema;
         std::string_view text;
-        if (leaf.schema->type == LeafType::string) {
-            return value.get_string().get(text) == simdjson::SUCCESS &&
-                   text_value(*leaf.schema, text, leaf.value);
-        }
-        json::raw_json_string raw;
-        token.remove_suffix(token.size() - 1 - token.rfind('"'));
-        return value.get_raw_json_string().get(raw) == simdjson::SUCCESS && token.size() >= 2 &&
-               text_value(*leaf.schema, token.substr(1, token.size() - 2), leaf.value);
+        token = take_string(token, text);
+        return token != nullptr && (schema.type != LeafType::string || unescape(text)) &&
+                       text_value(schema, text, leaf.value)
+                   ? token
+                   : nullptr;
     }
 
-    /// The value of an empty leaf is [null] (RFC 7951, section 6.9).
-    static bool is_empty_value(json::value value) {
-        json::array array;
-        if (value.get_array().get(array) != simdjson::SUCCESS) {
-            return false;
+    /// Replaces what stands in a string by its value.
+    bool unescape(std::string_view &text) {
+        if (text.find('\\') == std::string_view::npos) {
+            return true;
         }
-        std::size_t count = 0;
-        for (auto element : array) {
-            bool null = false;
-            if (++count > 1 || element.is_null().get(null) != simdjson::SUCCESS || !null) {
-                return false;
-            }
+        const auto value = json_string({text.data() - 1, text.size() + 2});
+        if (value) {
+            text = unescaped_.emplace_back(*value);
         }
-        return count == 1;
+        return value.has_value();
     }
 
     const std::string module_;
-    json::parser parser_;
-    std::vector<char> padded_;
+    TokenIndex tokens_;
+    const char *text_ = nullptr;        // that is indexed
+    std::deque<std::string> unescaped_; // values of strings with escapes
     std::size_t members_ = 0;
 };
 
@@ -194,7 +242,9 @@ class BulkReader final : public EntryReader {
         if (!sure_) {
             return validating().read(text, where);
         }
-        acl_ = where.acl;
+        if (acl_ != where.acl) {
+            acl_ = where.acl;
+        }
         return &tree_.root();
     }
 

@@ -66,6 +66,7 @@ struct ccv_yang_node {
     ccv_yang_node *last = nullptr;  // child
     ccv_yang_node *next = nullptr;
     NodeForm form = NodeForm::container;
+    std::uint16_t name = 0;    // the value's place among the leaf's names, from 1; 0: not known
     std::uint32_t entries = 0; // of a list
     aceconv::Value value = {}; // of a leaf
 };

@@ -12,11 +12,14 @@ struct ccv_yang_iter {
     /// Over the children of `start`.
     explicit ccv_yang_iter(ccv_yang_node &start) : owner_(start.owner), start_(&start) {}
 
+    ccv_yang_iter(const ccv_yang_iter &) = delete;
+    ccv_yang_iter &operator=(const ccv_yang_iter &) = delete;
+
     void restart(ccv_yang_node &start) {
         owner_ = start.owner;
         start_ = &start;
         started_ = false;
-        depth_ = 0;
+        innermost_ = levels_.data();
     }
 
     [[nodiscard]] aceconv::WalkedEntry &owner() const { return *owner_; }
@@ -26,41 +29,38 @@ struct ccv_yang_iter {
     [[nodiscard]] aceconv::YangStatus first(std::uint32_t step, ccv_yang_node *&current,
                                             std::int32_t *index) {
         ccv_yang_node *node = step == CCV_YANG_STEP_ENTRY ? start_ : current;
-        if (node == nullptr || !fits(step, node->form) || depth_ == aceconv::max_depth) {
+        if (node == nullptr || !fits(step, node->form) || innermost_ == &levels_.back()) {
             return aceconv::YangStatus::misplaced;
         }
-        levels_[depth_++] = {step, 0, node->child};
+        *++innermost_ = {node->child, step, 0};
         started_ = true;
         show(current, index);
         return aceconv::YangStatus::ok;
     }
 
     [[nodiscard]] bool finished(std::uint32_t step) const {
-        return depth_ == 0 || innermost().step != step || innermost().node == nullptr;
+        return innermost_->node == nullptr || innermost_->step != step;
     }
 
     void next(ccv_yang_node *&current, std::int32_t *index) {
-        if (depth_ != 0 && innermost().node == nullptr) {
-            --depth_;
+        if (innermost_->node == nullptr && innermost_ != levels_.data()) {
+            --innermost_;
         }
-        if (depth_ == 0) {
+        if (innermost_ == levels_.data()) {
             current = nullptr;
             return;
         }
-        Level &level = levels_[depth_ - 1];
-        level.node = level.node->next;
-        ++level.position;
+        innermost_->node = innermost_->node->next;
+        ++innermost_->position;
         show(current, index);
     }
 
   private:
     struct Level {
+        ccv_yang_node *node; // null at its end
         std::uint32_t step;
         std::int32_t position;
-        ccv_yang_node *node; // null at its end
     };
-
-    [[nodiscard]] const Level &innermost() const { return levels_[depth_ - 1]; }
 
     static bool fits(std::uint32_t step, NodeForm form) {
         switch (step) {
@@ -78,16 +78,16 @@ struct ccv_yang_iter {
     }
 
     void show(ccv_yang_node *&current, std::int32_t *index) const {
-        const Level &level = innermost();
-        current = level.node;
-        if (index != nullptr && level.node != nullptr && level.step == CCV_YANG_STEP_LIST) {
-            *index = level.position;
+        current = innermost_->node;
+        if (index != nullptr && current != nullptr && innermost_->step == CCV_YANG_STEP_LIST) {
+            *index = innermost_->position;
         }
     }
 
     aceconv::WalkedEntry *owner_;
     ccv_yang_node *start_;
     bool started_ = false;
-    std::size_t depth_ = 0;
-    std::array<Level, aceconv::max_depth> levels_; // the first `depth_` are set
+    // The first stands around all others, without a node; then up to the innermost.
+    std::array<Level, aceconv::max_depth + 1> levels_{};
+    Level *innermost_ = levels_.data();
 };

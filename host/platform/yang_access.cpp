@@ -35,8 +35,26 @@ const ccv_yang_keyword *find(const ccv_yang_keyword *table, std::string_view nam
     return nullptr;
 }
 
+/// The table's row for the leaf's name. A name that is met again is not looked for again:
+/// tables are constants of the plug-in.
+const ccv_yang_keyword *row_of(const ccv_yang_node &node, const ccv_yang_keyword *table) {
+    if (node.name == 0) {
+        return find(table, node.value.text);
+    }
+    const aceconv::SchemaNode &leaf = *node.schema;
+    if (leaf.keywords != table) {
+        leaf.keywords = table;
+        leaf.keyword_rows.assign(leaf.names.size(), nullptr);
+    }
+    const ccv_yang_keyword *&row = leaf.keyword_rows[node.name - 1U];
+    if (row == nullptr) {
+        row = find(table, node.value.text);
+    }
+    return row;
+}
+
 std::uint32_t read_name(ccv_yang_node *node, const ccv_yang_keyword *table, std::uint32_t *value) {
-    const ccv_yang_keyword *row = find(table, node->value.text);
+    const ccv_yang_keyword *row = row_of(*node, table);
     if (row == nullptr) {
         return refuse(node, YangStatus::no_keyword, {.table = table});
     }

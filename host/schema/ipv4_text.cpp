@@ -9,17 +9,26 @@ bool read_ipv4(std::string_view text, std::uint32_t &address) {
     std::array<std::uint8_t, 4> octets{};
     const char *at = text.data();
     const char *const end = at + text.size();
+    // The value of the next character as a digit, beyond 9 for any other and at the end.
+    const auto digit = [&] {
+        return at == end ? 10U : static_cast<unsigned>(static_cast<unsigned char>(*at)) - '0';
+    };
     for (std::uint8_t &octet : octets) {
         if (&octet != octets.data() && (at == end || *at++ != '.')) {
             return false;
         }
-        const char *const start = at;
-        unsigned number = 0;
-        for (; at != end && *at >= '0' && *at <= '9'; ++at) {
-            number = number * 10 + static_cast<unsigned>(*at - '0');
+        unsigned number = digit();
+        if (number > 9) {
+            return false;
         }
-        const auto digits = at - start;
-        if (digits == 0 || digits > 3 || number > 255 || (digits > 1 && *start == '0')) {
+        ++at;
+        const unsigned most_digits = number == 0 ? 1 : 3;
+        for (unsigned digits = 1, next = 0; digits < most_digits && (next = digit()) <= 9;
+             ++digits) {
+            number = number * 10 + next;
+            ++at;
+        }
+        if (number > 255) {
             return false;
         }
         octet = static_cast<std::uint8_t>(number);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/entry.h"
+#include "host/schema/name_table.h"
 
 struct lysc_node; // libyang's
 
@@ -71,6 +72,31 @@ struct SchemaNode {
     [[nodiscard]] const SchemaNode *find(std::string_view wanted, std::size_t hint = 0) const {
         return find_if([&](std::string_view candidate) { return candidate == wanted; }, hint);
     }
+
+    /// The child of that name, or null, and the place among `names`, or NameTable::none;
+    /// eight bytes from the start of `wanted` must be readable. A node and what it knows
+    /// belong to one thread.
+    [[nodiscard]] const SchemaNode *child(std::string_view wanted) const {
+        if (!child_table.made()) {
+            child_table.make(children.size(), [&](std::size_t i) { return children[i].key; });
+        }
+        const std::size_t found = child_table.find(wanted);
+        return found == NameTable::none ? nullptr : &children[found];
+    }
+    [[nodiscard]] std::size_t name_place(std::string_view wanted) const {
+        if (!name_table.made()) {
+            name_table.make(names.size(), [&](std::size_t i) { return names[i].text; });
+        }
+        return name_table.find(wanted);
+    }
+
+    // Made when they are first needed, since one entry needs few of them.
+    mutable NameTable child_table;
+    mutable NameTable name_table;
+    // By the place among `names`: the rows of the keyword table that converters read the
+    // leaf with, as far as they have been looked for.
+    mutable const ccv_yang_keyword *keywords = nullptr;
+    mutable std::vector<const ccv_yang_keyword *> keyword_rows;
 };
 
 /// Siblings fit a 64-bit set.

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <malloc.h>
+#include <random>
 
 #include "stream/errors.h"
 #include "stream/node_line.h"
@@ -120,6 +121,21 @@ TEST(Source, ChunksMayEndAnywhere) {
                     << text << "\nsplit at " << split << (pauses ? ", with pauses" : "");
             }
         }
+    }
+}
+
+// Objects are found in blocks of 64 bytes, and byte by byte where fewer are there.
+TEST(Source, BlocksAndBytesFindTheSameObjects) {
+    std::mt19937 random(3);
+    constexpr std::string_view alphabet = "{}[]\"\"\"\\ \n:,ab01";
+    for (int run = 0; run < 3000; ++run) {
+        std::string text = "{\"aceconv-base:acls\":{\"acl\":[{\"name\":\"A\",\"entry\":[{";
+        for (std::size_t rest = random() % 300; rest > 0; --rest) {
+            // Most of it is text without marks, as in real entries.
+            text += random() % 4 == 0 ? alphabet[random() % alphabet.size()] : 'x';
+        }
+        text += run % 2 == 0 ? "\"}]}},{}]}]}}" : "}]}},{}]}]}}";
+        ASSERT_EQ(told_by(text, text.size()), told_by(text, 0)) << text;
     }
 }
 
