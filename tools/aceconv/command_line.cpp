@@ -174,6 +174,8 @@ void add_options(CLI::App &verb, DiffOptions &options) {
     add_losses(verb, options.losses);
 }
 
+using Arguments = std::vector<std::string>; // last one first
+
 /// What the command line asks for.
 struct Calls {
     CommonOptions common; // of whichever verb it is
@@ -186,10 +188,15 @@ struct Calls {
     std::function<int()> chosen; // what runs it
 };
 
+/// The options of a verb that no argument names are left out: they take longer to describe
+/// than an entry to convert.
 template <class Options>
-void add_verb(CLI::App &app, Calls &calls, const char *name, const char *help, Options &options,
-              int (*run)(const Options &)) {
+void add_verb(CLI::App &app, Calls &calls, const Arguments &arguments, const char *name,
+              const char *help, Options &options, int (*run)(const Options &)) {
     CLI::App *verb = app.add_subcommand(name, help);
+    if (std::find(arguments.begin(), arguments.end(), name) == arguments.end()) {
+        return;
+    }
     add_options(*verb, options);
     add_common(*verb, calls.common);
     verb->final_callback([&calls, &options, run] {
@@ -198,23 +205,22 @@ void add_verb(CLI::App &app, Calls &calls, const char *name, const char *help, O
     });
 }
 
-void add_verbs(CLI::App &app, Calls &calls) {
-    add_verb(app, calls, "encode", "Encode entries of access lists", calls.encode, run_encode);
-    add_verb(app, calls, "decode", "Decode encodings to entries of access lists", calls.decode,
-             run_decode);
-    add_verb(app, calls, "inspect",
-             "Show the records of encodings, or of entries: every field that is present",
-             calls.inspect, run_inspect);
-    add_verb(app, calls, "convert",
-             "Convert entries from one schema to the other, and list what is lost", calls.convert,
-             run_convert);
-    add_verb(app, calls, "check",
-             "Encode, decode and encode again; show what does not come back the same", calls.check,
-             run_check);
-    add_verb(app, calls, "diff",
-             "Compare two inputs, of either schema or encodings, entry by entry and field by "
-             "field; the order of entries does not matter",
-             calls.diff, run_diff);
+void add_verbs(CLI::App &app, Calls &calls, const Arguments &arguments) {
+    const auto add = [&](const char *name, const char *help, auto &options, auto run) {
+        add_verb(app, calls, arguments, name, help, options, run);
+    };
+    add("encode", "Encode entries of access lists", calls.encode, run_encode);
+    add("decode", "Decode encodings to entries of access lists", calls.decode, run_decode);
+    add("inspect", "Show the records of encodings, or of entries: every field that is present",
+        calls.inspect, run_inspect);
+    add("convert", "Convert entries from one schema to the other, and list what is lost",
+        calls.convert, run_convert);
+    add("check", "Encode, decode and encode again; show what does not come back the same",
+        calls.check, run_check);
+    add("diff",
+        "Compare two inputs, of either schema or encodings, entry by entry and field by "
+        "field; the order of entries does not matter",
+        calls.diff, run_diff);
 }
 
 /// The fault of an argument that `app`, which may be a verb, has no place for.
@@ -238,9 +244,9 @@ UsageError misplaced(const CLI::App &app, const std::string &argument) {
     return UsageError("unknown verb " + argument + did_you_mean(argument, names));
 }
 
-/// The arguments, last one first; "help VERB" means "VERB --help".
-std::vector<std::string> arguments_of(int argc, char **argv) {
-    std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+/// "help VERB" means "VERB --help".
+Arguments arguments_of(int argc, char **argv) {
+    Arguments arguments(argv + std::min(argc, 1), argv + argc);
     if (!arguments.empty() && arguments.front() == "help") {
         arguments.erase(arguments.begin());
         arguments.emplace_back("--help");
@@ -249,7 +255,7 @@ std::vector<std::string> arguments_of(int argc, char **argv) {
     return arguments;
 }
 
-void parse(CLI::App &app, std::vector<std::string> arguments) {
+void parse(CLI::App &app, Arguments arguments) {
     try {
         app.parse(std::move(arguments));
     } catch (const CLI::ParseError &fault) {
@@ -272,11 +278,12 @@ int run_command_line(int argc, char **argv) {
     app.footer(footer);
     app.require_subcommand(0, 1);
     Calls calls;
+    Arguments arguments = arguments_of(argc, argv);
     add_general(app, calls.common);
-    add_verbs(app, calls);
+    add_verbs(app, calls, arguments);
     try {
         try {
-            parse(app, arguments_of(argc, argv));
+            parse(app, std::move(arguments));
         } catch (const CLI::CallForVersion &) {
             return show_version(calls.common);
         } catch (const CLI::Success &help) {

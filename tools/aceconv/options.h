@@ -12,13 +12,15 @@
 
 namespace aceconv::tool {
 
+inline const unsigned processors = std::max(std::thread::hardware_concurrency(), 1U);
+
 /// Of every verb.
 struct CommonOptions {
     std::string plugin;  // empty: found beside the program
     std::string modules; // empty: found beside the program
     Backend backend = Backend::bulk;
     std::string trace; // an expression for function names; empty: off
-    unsigned jobs = std::max(std::thread::hardware_concurrency(), 1U);
+    unsigned jobs = processors;
     bool keep_going = false;
     bool quiet = false; // no progress, no summary
     bool progress = false;
