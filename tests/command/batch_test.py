@@ -90,6 +90,11 @@ class Partner(Case):
             b"" if n else b'<acls xmlns="urn:aceconv:base"><acl><name>A</name>', n + 1)
             for n in range(19)]
         convert = ("convert", "--from", "base", "--to", "um", "--to-format", "ndjson")
+        other = self.file("other", b"".join(lines).replace(b"deny", b"permit"))
+        differences = [b"entry %d: grant" % n for n in range(1, 20)]
+        for sides in (("-", other), (other, "-")):
+            self.assertEqual(self.ask([(p, w, 1) for p, w in zip(lines, differences)], "diff", "-q",
+                                      *sides), 1)
         lines[3:3] = [b'{"grant":"drop"}\n']
         for pieces, wanted, ending, args in (
                 (lines, results[:3] + [b"drop"] + results[3:], b"", convert),
@@ -197,6 +202,17 @@ class Progress(Case):
         self.assertRegex(shown, r"\x1b\[K[^\n]*aceconv:[^\n]* <stdin>:701: ")  # not behind the line
         self.assertRegex(shown, r"aceconv: stopped: 701 entries, 1 error; [\d.]+ s, \d+ entries a")
         self.assertNotIn("a second", self.run_slowly("-q")[1])
+        # Asked for, a line of its own each time, with how much of a file is left.
+        args = ("convert", "--no-losses", "--progress", "-j1", "--from", "base", "--to", "um",
+                "--to-format", "ndjson", self.file("source", generated()))
+        with subprocess.Popen([ACECONV, *args], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                              text=True) as process:
+            time.sleep(1.2)  # while its output is full
+            said = process.communicate()[1]
+        entries, rate, percent, left = map(int, re.search(
+            r"\Aaceconv: (\d+) entries, (\d+) entries a second, (\d+) %, (\d+) s left\n", said).groups())
+        self.assertTrue(100 * entries // COUNT <= percent <= 100 * entries // COUNT + 30, said)
+        self.assertAlmostEqual(left, entries / rate * (100 - percent) / percent, delta=2 + left / 10)
         lines = self.file("lines", generated(count=100))
         self.assertEqual(self.run_command("encode", "--schema", "base", "-o", self.dir / "o", lines)[2],
                          "")

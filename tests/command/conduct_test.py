@@ -398,6 +398,7 @@ class Output(Case):
                      (*doc_only, "-o", "new", report, "dangling"), (*doc_only, report, "/dev/fd/1"),
                      (*doc_only, report, "-"), (*doc_only, "link", "-o", "../%s/doc" % self.dir.name),
                      ("encode", "doc", "--stored", "stored", "-o", "stored"),
+                     ("diff", "doc", "stored", report, "hard"), ("diff", "stored", "doc", report, "hard"),
                      ("inspect", "stored", "doc", "-o", "hard")):
             code, out, err = self.run_command(*args, cwd=self.dir)
             self.assertEqual((code, out), (2, b""), args)
