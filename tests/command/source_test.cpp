@@ -147,6 +147,44 @@ TEST(Source, EveryPrefixOfADocumentIsRefused) {
     }
 }
 
+TEST(Source, LongestEntries) {
+    constexpr std::size_t most = 1 << 20;
+    constexpr std::size_t line = most + 6 * 4096 + 64; // with the longest name around the entry
+    const std::string declared = " xmlns=\"urn:aceconv:um\"";
+    const struct {
+        std::string head, open, close, tail;
+        std::size_t limit; // of all but head and tail
+        const char *fault;
+        std::optional<InputFormat> format = std::nullopt;
+    } rows[] = {
+        {R"({"aceconv-um:acls":{"acl":[{"name":"A","entry":[)", "{", "}", "]}]}}", most,
+         "@1 /aceconv-um:acls/acl[name='A']: an entry longer than 1048576 bytes"},
+        {R"({"aceconv-um:acls":{"acl":[{"entry":[)", "{", "}", R"(],"name":"A"}]}})", most,
+         "@1 /aceconv-um:acls/acl[1]: an entry longer than 1048576 bytes"},
+        {"", R"({"deny":{)", "}}", "", line, "@1 : an entry longer than 1073216 bytes"},
+        {"\n", R"({"deny":{)", "}}", "", line, "@2 : an entry longer than 1073216 bytes",
+         InputFormat::ndjson},
+        {"<acls" + declared + "><acl><name>A</name>", "<entry>", "</entry>", "</acl></acls>",
+         most - declared.size(), "@1 : an entry longer than 1048576 bytes"},
+        {"<acls" + declared + "><acl>", "<entry>", "</entry>", "<name>A</name></acl></acls>",
+         most - declared.size(), "@1 : an entry longer than 1048576 bytes"},
+        {"", std::string("\x5A\x00\x0F\xFF\xFB", 5), "", "", most,
+         "@0 : the encoding at byte 0 is malformed or longer than 1048576 bytes",
+         InputFormat::cbor},
+    };
+    for (const auto &row : rows) {
+        const std::string padding(row.limit - row.open.size() - row.close.size(), ' ');
+        const std::string longest = row.head + row.open + padding + row.close + row.tail;
+        const std::string told = told_by(longest, longest.size(), false, row.format);
+        EXPECT_EQ(told.find("longer than"), told.npos) << row.head << told.substr(0, 200);
+        std::string longer = row.head + row.open + " " + padding + row.close + row.tail;
+        if (row.open.front() == '\x5A') {
+            longer[4] = '\xFC';
+        }
+        EXPECT_EQ(told_by(longer, longer.size(), false, row.format).substr(0, 200), row.fault);
+    }
+}
+
 struct Place {
     Format format;
     const char *text;
