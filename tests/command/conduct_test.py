@@ -402,7 +402,8 @@ class Output(Case):
                      ("inspect", "stored", "doc", "-o", "hard")):
             code, out, err = self.run_command(*args, cwd=self.dir)
             self.assertEqual((code, out), (2, b""), args)
-            self.assertRegex(err, " to be (written twice|read and written at once)\naceconv: see ")
+            self.assertRegex(err, r"\Aaceconv: \S+ (is|and \S+ are one file that is) to be "
+                             r"(written twice|read and written at once)\naceconv: see ")
         with open(doc, "r+b") as file:
             for verb in (("check",), ("diff", doc)):  # standard input and output of one file
                 done = subprocess.run([ACECONV, *verb, "-"], stdin=file, stdout=file, check=False,
@@ -426,19 +427,28 @@ class Output(Case):
                 self.assertEqual(len(self.records(stdin=text[7:-7])), 1)
 
     def test_told_to_stop(self):
+        umask = os.umask(0)
+        os.umask(umask)
         for sign in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
-            with subprocess.Popen([ACECONV, "encode", "-", "-o", str(self.dir / "out")],
-                                  stdin=subprocess.PIPE) as process:
-                process.stdin.write(b'{"grant":"deny"}\n{"grant":"deny"}\n')
-                process.stdin.flush()
-                for _ in range(200):
-                    if self.left():
-                        break
-                    time.sleep(0.05)
-                self.assertTrue(self.left()[0].startswith(".out."))
-                process.send_signal(sign)
-                self.assertEqual(process.wait(20), -sign)
-            self.assertEqual(self.left(), [])
+            for ignored in (False, True):  # as under nohup
+                args = ("encode", "-q", "--report", self.dir / "report", "-", "-o", self.dir / "out")
+                with subprocess.Popen([ACECONV, *args], stdin=subprocess.PIPE, preexec_fn=lambda:
+                                      signal.signal(sign, (signal.SIG_DFL, signal.SIG_IGN)[ignored])
+                                      ) as process:
+                    process.stdin.write(b'{"grant":"deny"}\n{"grant":"deny"}\n')
+                    process.stdin.flush()
+                    for _ in range(200):
+                        if len(self.left()) == 2:
+                            break
+                        time.sleep(0.05)
+                    self.assertEqual([name[:5] for name in self.left()], [".out.", ".repo"])
+                    process.send_signal(sign)
+                    process.stdin.close()
+                    self.assertEqual(process.wait(20), 0 if ignored else -sign)
+                self.assertEqual(self.left(), ["out", "report"] if ignored else [])
+            for name in self.left():
+                self.assertEqual(os.stat(self.dir / name).st_mode & 0o777, 0o666 & ~umask)
+                os.unlink(self.dir / name)
 
     def test_a_closed_pipe_ends_it_quietly(self):
         doc = self.file("doc", document("base", ("X", numbered(*[GOOD] * 4000))))
