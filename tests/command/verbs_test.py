@@ -46,6 +46,8 @@ class Inspect(Case):
         entry = {"permit": {**UDF["permit"], "police": {
             "value": 5, "unit": "kbps", "priority": "medium"}}}
         record, = self.records(stdin=json.dumps(entry))
+        self.assertEqual((record["ConfigurationMask"], record["ConfigurationMask2"]),
+                         ("0x0000000000000001", "0x0000000013010101"))
         rows = {f["name"]: (f["bits"], f["offset"], f["value"], f.get("keyword"))
                 for f in record["fields"]}
         self.assertEqual(rows, {
