@@ -91,6 +91,7 @@ BAD_INPUT = [
      r"1: /aceconv-base:acls: a tag, a comment or blanks longer than 1048576 bytes"),
     (f"<acls {XMLNS}><acl><name>{'x' * 4097}</name></acl></acls>", r"1: .*: longer than 4096 bytes"),
     (f"<acls {XMLNS}>\n<!--\n-->\ntext</acls>", r"4: .*unexpected text"),
+    (f"<acls {XMLNS}>\x01</acls>", r"1: .*: not well-formed XML: unexpected character\n"),
     (f"<acls {XMLNS}>\n<acl>\n<name>X</name><?x\ny?></acl>", r"3: acl 'X': .*instruction 'x'"),
     (f"<acls {XMLNS}>\n<acl>\n\n</acl></acls>", r'2: .*an access list without "name"'),
     (f"<acls {XMLNS}><acl><name>X</name></acl>\n<acl>\n<name\n>X</name></acl></acls>",

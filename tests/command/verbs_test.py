@@ -121,16 +121,16 @@ class Formats(Case):
 
     def test_document_has_an_entry_a_line(self):
         source = document("base", ("A", numbered({"remark": "1"}, {"remark": "2"})), ("B", []),
-                          ("C\n<&\"", numbered({"remark": "3"})))
+                          ("C\n<&>\"", numbered({"remark": "3"})))
         encoded = self.ok("encode", stdin=source)
         lines = self.ok("decode", stdin=encoded).decode().splitlines()
         self.assertEqual(lines[1], '{"name":"A","entry":[')
         self.assertTrue(lines[2].endswith("},") and "\"remark\":\"1\"" in lines[2])
         again = json.loads("".join(lines))["aceconv-base:acls"]["acl"]
-        self.assertEqual([acl["name"] for acl in again], ["A", "C\n<&\""])
+        self.assertEqual([acl["name"] for acl in again], ["A", "C\n<&>\""])
         xml = self.ok("decode", "--to", "xml", stdin=encoded)
         names = [e.text for e in ElementTree.fromstring(xml).iter("{urn:aceconv:base}name")]
-        self.assertEqual(names, ["A", "C\n<&\""])
+        self.assertEqual(names, ["A", "C\n<&>\""])
         self.assertEqual(self.ok("encode", stdin=xml), encoded)
 
     def test_the_longest_name_and_control_characters_go_through_every_format(self):
@@ -231,12 +231,13 @@ class Formats(Case):
         for name, text in same.items():
             with self.subTest(name):
                 self.assertEqual(self.ok("encode", stdin=text), wanted)
-        xml = f"""<?xml version="1.0"?><!-- c --><a:acls xmlns:a="urn:aceconv:base">
-            <a:acl><a:entry><a:sequence-number>10</a:sequence-number><a:remark>&lt;</a:remark>
-            </a:entry><a:name>X</a:name></a:acl></a:acls>"""
-        record, = self.records(stdin=xml)
-        self.assertEqual((record["acl"], record["sequence"], record["fields"][0]["value"]),
-                         ("X", 10, "<"))
+        for encoding in ("", ' encoding="Utf-8"', ' encoding="us-ascii"'):
+            xml = f"""<?xml version="1.0"{encoding}?><!-- c --><a:acls xmlns:a="urn:aceconv:base">
+                <a:acl><a:entry><a:sequence-number>10</a:sequence-number><a:remark>&lt;</a:remark>
+                </a:entry><a:name>X</a:name></a:acl></a:acls>"""
+            record, = self.records(stdin=xml)
+            self.assertEqual((record["acl"], record["sequence"], record["fields"][0]["value"]),
+                             ("X", 10, "<"))
         record, = self.records(stdin=f"<entry {ns}><remark>r</remark></entry>")
         self.assertEqual(record["acl"], None)
 

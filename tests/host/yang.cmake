@@ -1,5 +1,6 @@
 add_executable(host_yang_test
   nearest_test.cpp
+  text_test.cpp
   yang_modules_test.cpp
   yang_reader_test.cpp
   yang_refusal_test.cpp
