@@ -184,18 +184,32 @@ TEST(YangRefusal, TheSequenceNumbersOfTextAndCallerMustAgree) {
 }
 
 TEST(YangRefusal, ManyNodesAreRefusedBeforeTheyCost) {
-    std::string members = "{";
-    std::string elements = "<entry><permit><udf-entries>";
-    for (int i = 0; i < 4200; ++i) {
-        members += "\"m" + std::to_string(i) + "\":1,";
-        elements += "<udf><udf-name>a</udf-name></udf>";
-    }
     const auto from_json = make_validating_reader(modules(), um, json);
-    EXPECT_NE(error_of([&] { from_json->read(members + "}", {}); }).find("4096"),
-              std::string::npos);
     const auto from_xml = make_validating_reader(modules(), um, xml);
-    elements += "</udf-entries></permit></entry>";
-    EXPECT_NE(error_of([&] { from_xml->read(elements, {}); }).find("4096"), std::string::npos);
+    std::string members = "{\"m\":1";
+    std::string elements = "<entry><permit><udf-entries><udf/>";
+    for (int i = 1; i < 4096; ++i) {
+        members += ",\"m" + std::to_string(i) + "\":1";
+        elements += i < 4093 ? "<udf/>" : "";
+    }
+    const std::string ends[] = {"}", "</udf-entries></permit></entry>"};
+    for (const char *more : {"", "one more"}) {
+        const bool too_many = *more != '\0';
+        const std::string one[] = {too_many ? ",\"x\":1" : "", too_many ? "<udf/>" : ""};
+        EXPECT_EQ(error_of([&] {
+                      from_json->read(members + one[0] + ends[0], {});
+                  }).ends_with("more than 4096 members"),
+                  too_many);
+        EXPECT_EQ(error_of([&] {
+                      from_xml->read(elements + one[1] + ends[1], {});
+                  }).ends_with("more than 4096 elements"),
+                  too_many);
+        const std::string blanks((1 << 20) - (too_many ? 1 : 2), ' ');
+        EXPECT_EQ(error_of([&] {
+                      from_json->read('{' + blanks + '}', {});
+                  }).ends_with("more than 1048576 bytes"),
+                  too_many);
+    }
 }
 
 /// A damaged text is refused or read as something else; it never does more.
