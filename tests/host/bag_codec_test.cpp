@@ -154,6 +154,28 @@ TEST(BagCodec, RecordsThatCannotBeStored) {
     bag_free_indirections(&largest, &small);
 }
 
+TEST(BagCodec, LongestEncoding) {
+    constexpr std::size_t most = 16 * 1024 * 1024;
+    std::string name(60000, 'n');
+    std::string last(1000, 'l');
+    std::vector<Small::List::Element> elements(280, {0, name.data()});
+    const Small record{.list = {280, elements.data()}};
+    elements.back().name = last.data();
+    last.resize(last.size() + most - encode(small, &record).size(), 'l');
+    elements.back().name = last.data();
+    EXPECT_EQ(probe<Small>(small, encode(small, &record)), 0U);
+    last += 'l';
+    elements.back().name = last.data();
+    for (const std::uint32_t count : {280U, 400U}) { // seen at the end, and before the next item
+        elements.resize(count, {0, name.data()});
+        const Small larger{.list = {count, elements.data()}};
+        std::uint32_t status = 0;
+        EXPECT_TRUE(encode(small, &larger, &status).empty());
+        EXPECT_EQ(status, code(aceconv::BagStatus::too_large));
+        EXPECT_EQ(aceconv::bag_last_error(), "an encoding of more than 16777216 bytes");
+    }
+}
+
 TEST(BagCodec, ReleaseTolerates) {
     Small record{};
     record.list.count = 3; // counted, then not allocated
