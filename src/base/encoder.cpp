@@ -82,7 +82,8 @@ void encode_level(Walk &walk, std::uint32_t step, std::span<const Row> rows, Rec
         }
         switch (row->kind) {
         case RowKind::leaf:
-            walk.status = read_leaf(record, walk.current, row->leaf);
+            record.ConfigurationMask |= row->leaf.bit.first; // the only one of the schema
+            walk.status = read_value(record, walk.current, row->leaf);
             break;
         case RowKind::icmp_message:
             walk.status = read_icmp_message(record, walk.current, row->leaf);

@@ -203,7 +203,7 @@ constexpr Row action_rows[] = {
 };
 
 /// The children from one name to another; none when one of them is missing.
-constexpr Rows part(const char *first, const char *last) {
+constexpr Rows children(const char *first, const char *last) {
     const Rows rows = action_rows;
     for (std::size_t i = 0; i < rows.size(); ++i) {
         for (std::size_t j = i; j < rows.size(); ++j) {
@@ -216,9 +216,13 @@ constexpr Rows part(const char *first, const char *last) {
     return {};
 }
 
+constexpr Part part(const char *first, const char *last) {
+    return {children(first, last), bits_of(children(first, last))};
+}
+
 constexpr Row entry_rows[] = {
     action("deny",   0, action_rows),
-    action("permit", 1, part("protocol", "set")),
+    action("permit", 1, children("protocol", "set")),
     text  ("remark", FIELD(remark), bit(31)),
     node  (Kind::ignored, "sequence-number"),
 };
@@ -229,8 +233,11 @@ constexpr Row entry_rows[] = {
 } // namespace
 
 constexpr ActionParts action_parts = {
-    part("source", "destination"), part("tcp-flags", "police"),       part("default", "nexthop3"),
-    part("capture", "set"),        part("protocol", "police").size(),
+    children("source", "destination"),
+    part("tcp-flags", "police"),
+    part("default", "nexthop3"),
+    part("capture", "set"),
+    children("protocol", "nexthop3").size(),
 };
 
 constexpr Row entry = node(Kind::container, "", {}, entry_rows);
@@ -247,17 +254,20 @@ static_assert([] {
            tables.used.second == std::uint64_t{0x3F} << 24;
 }());
 
-// Both sides have the same nodes, and the parts of an action are all there.
-static_assert(std::size(source_rows) == std::size(destination_rows));
+// Both sides have the same nodes, with bits of the first mask alone, and the parts of
+// an action are all there.
+static_assert(std::size(source_rows) == std::size(destination_rows) &&
+              (bits_of(source) | bits_of(destination)).second == 0);
 static_assert([] {
     for (std::size_t i = 0; i < source.size(); ++i) {
         if (!guard::same_text(source[i].leaf.name, destination[i].leaf.name)) {
             return false;
         }
     }
-    return action_parts.after_matches ==
-               protocol.forms.size() + action_parts.sides.size() + action_parts.matches.size() &&
-           !action_parts.next_hops.empty() && !action_parts.options.empty();
+    return action_parts.before_options == protocol.forms.size() + action_parts.sides.size() +
+                                              action_parts.matches.rows.size() +
+                                              action_parts.next_hops.rows.size() &&
+           !action_parts.options.rows.empty();
 }());
 
 } // namespace ace::um

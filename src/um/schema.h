@@ -102,10 +102,17 @@ using Rows = std::span<const Row>;
 /// An entry; its children "deny" and "permit" hold theirs.
 extern const Row entry;
 
+/// Rows one after another, and the bits one of which has any of them written.
+struct Part {
+    Rows rows;
+    Bits under;
+};
+
 /// The children of an action, in the parts that are written one by one.
 struct ActionParts {
-    Rows sides, matches, next_hops, options;
-    std::size_t after_matches; // the place of the first next hop among the children
+    Rows sides; // always written
+    Part matches, next_hops, options;
+    std::size_t before_options; // how many children
 };
 extern const ActionParts action_parts;
 

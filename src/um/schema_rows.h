@@ -41,13 +41,18 @@ constexpr Row action(const char *name, std::uint8_t value, Rows children) {
             children};
 }
 
+/// The bits of all of the rows.
+constexpr Bits bits_of(Rows rows) {
+    Bits bits;
+    for (const Row &row : rows) {
+        bits = bits | row.leaf.bit;
+    }
+    return bits;
+}
+
 /// A container of leaves, written when one of them is present.
 constexpr Row container(const char *name, Rows leaves, Kind kind = Kind::container) {
-    Bits under;
-    for (const Row &row : leaves) {
-        under = under | row.leaf.bit;
-    }
-    return node(kind, name, under, leaves);
+    return node(kind, name, bits_of(leaves), leaves);
 }
 
 /// A next hop, written when one of its leaves is present and hops are regular.

@@ -20,8 +20,13 @@ enum Node : std::uint8_t {
 } // namespace
 
 void emit_side(ccv_yang_output *output, const Record &record, Rows side) {
-    const auto present = [&](Node node) { return is_present(record, side[node].leaf.bit); };
-    const auto write = [&](Node node) { write_leaf(output, record, side[node].leaf); };
+    const std::uint64_t mask = record.ConfigurationMask;
+    const auto present = [&](Node node) { return (mask & side[node].leaf.bit.first) != 0; };
+    const auto write = [&](Node node) {
+        if (present(node)) {
+            write_value(output, record, side[node].leaf);
+        }
+    };
     const bool has_address = present(address);
     if (has_address && (present(wildcard_mask) || present(prefix_length))) {
         write(address);

@@ -6,17 +6,16 @@ namespace ace::um {
 
 namespace {
 
+std::uint32_t emit_part(ccv_yang_output *output, const Record &record, const Part &part) {
+    return is_present(record, part.under) ? emit_rows(output, record, part.rows) : 0;
+}
+
 /// What the entry matches on, and its policing.
 std::uint32_t emit_matches(ccv_yang_output *output, const Record &record) {
     for (const Row &side : action_parts.sides) { // always written
         (void)emit_node(output, record, side);
     }
-    return emit_rows(output, record, action_parts.matches);
-}
-
-/// Parts that cannot fail.
-void emit_part(ccv_yang_output *output, const Record &record, Rows part) {
-    (void)emit_rows(output, record, part);
+    return emit_part(output, record, action_parts.matches);
 }
 
 /// The action container, closed also after a failure inside it.
@@ -25,8 +24,9 @@ std::uint32_t emit_action(ccv_yang_output *output, const Record &record, const R
     ccv_yang_presence(output);
     emit_operator_group(output, record, protocol);
     const std::uint32_t status = emit_matches(output, record);
-    if (status == 0) {
-        emit_part(output, record, action.rows().subspan(action_parts.after_matches));
+    if (status == 0) { // neither of these can fail
+        (void)emit_part(output, record, action_parts.next_hops);
+        (void)emit_rows(output, record, action.rows().subspan(action_parts.before_options));
     }
     ccv_yang_container_end(output);
     return status;
@@ -61,11 +61,11 @@ std::uint32_t acl_yang_ace_common(ccv_yang_output *output, ipv4_acl_config_ace r
 }
 
 void acl_yang_nexthops(ccv_yang_output *output, ipv4_acl_config_ace record) noexcept {
-    ace::um::emit_part(output, record, ace::um::action_parts.next_hops);
+    (void)ace::um::emit_part(output, record, ace::um::action_parts.next_hops);
 }
 
 void acl_yang_match_option_common(ccv_yang_output *output, ipv4_acl_config_ace record) noexcept {
-    ace::um::emit_part(output, record, ace::um::action_parts.options);
+    (void)ace::um::emit_part(output, record, ace::um::action_parts.options);
 }
 
 std::uint32_t ccv_custom_decoder_ipv4_acl_ace_um(ccv_yang_output *output,
