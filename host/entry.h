@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -60,6 +61,11 @@ class EntryReader {
     /// path and supplies what the text leaves out. The node stays valid until
     /// the next read.
     virtual ccv_yang_node *read(std::string_view text, const EntryKey &where) = 0;
+
+    /// Names texts that are read next, in this order; others may be read between them. They
+    /// stay as and where they are until they have been read or others are named. It saves
+    /// time to look at them together, and changes nothing else. Ends the node's validity.
+    virtual void look_ahead(std::span<const std::string_view> texts) { (void)texts; }
 
     /// The sequence number of the entry last read, from its text or `where`.
     [[nodiscard]] virtual std::optional<std::uint32_t> sequence() const = 0;

@@ -80,6 +80,17 @@ EntryWriter &Codec::writer(Schema schema, Format format) {
     return *writer;
 }
 
+void Codec::look_ahead(Schema schema, std::span<const std::string_view> texts) {
+    for (const auto &reader : readers_) {
+        if (reader) {
+            reader->look_ahead({});
+        }
+    }
+    if (!texts.empty()) {
+        reader(schema, Format::json).look_ahead(texts);
+    }
+}
+
 Encoding Codec::encode(Entry &entry, Encoding stored) {
     read_ = nullptr;
     if (!entry.format) {

@@ -34,6 +34,10 @@ class Codec {
     /// `entry.position` moved on to the line of the node at fault.
     Encoding encode(Entry &entry, Encoding stored = {});
 
+    /// Names the JSON texts of entries that are encoded next, and forgets those that were
+    /// named before, see EntryReader::look_ahead.
+    void look_ahead(Schema schema, std::span<const std::string_view> texts);
+
     /// Appends the text of an entry, on one line. Throws DataError, also for a text
     /// that is too long to be read again.
     void decode(Encoding encoding, Schema schema, Format format, const EntryKey &key,

@@ -37,8 +37,13 @@ bool SequenceNumbers::insert(Block &block, std::uint16_t number) {
 SequenceNumbers::Block &SequenceNumbers::block(const std::string &list, std::uint16_t upper) {
     if (last_ == nullptr || last_->first != list) {
         last_ = &*lists_.try_emplace(list, std::uint64_t{lists_.size()} << bits).first;
+        block_ = nullptr;
     }
-    return blocks_[last_->second | upper];
+    if (block_ == nullptr || upper != upper_) {
+        block_ = &blocks_[last_->second | upper];
+        upper_ = upper;
+    }
+    return *block_;
 }
 
 bool SequenceNumbers::insert(const std::string &list, std::uint32_t number) {

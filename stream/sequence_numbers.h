@@ -26,9 +26,12 @@ class SequenceNumbers {
     static bool insert(Block &block, std::uint16_t number);
     Block &block(const std::string &list, std::uint16_t upper);
 
-    std::unordered_map<std::string, std::uint64_t> lists_;              // where its blocks are
-    std::unordered_map<std::uint64_t, Block> blocks_;                   // by list and upper half
-    const std::pair<const std::string, std::uint64_t> *last_ = nullptr; // the list last asked for
+    std::unordered_map<std::string, std::uint64_t> lists_; // where its blocks are
+    std::unordered_map<std::uint64_t, Block> blocks_;      // by list and upper half
+    // The list and the block last asked for.
+    const std::pair<const std::string, std::uint64_t> *last_ = nullptr;
+    Block *block_ = nullptr;
+    std::uint16_t upper_ = 0; // of the block's numbers
 };
 
 } // namespace aceconv

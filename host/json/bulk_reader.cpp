@@ -13,6 +13,7 @@
 // Whatever else a text holds (a fault, or a rare way of writing) is read again by the
 // validating reader, whose verdict and message hold: so both backends accept and refuse
 // the same texts.
+#include <algorithm>
 #include <deque>
 
 #include "host/data_path.h"
@@ -31,22 +32,50 @@ constexpr bool is_blank(char c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r';
 }
 
-/// The entry's nodes from JSON text; the values point into the index's copy of it.
+/// The entry's nodes from JSON text; the values point into the copy that is indexed.
 class BulkTree final : public EntryTree {
   public:
     explicit BulkTree(Schema schema) : module_(std::string(module_name(schema)) + ':') {}
 
+    void look_ahead(std::span<const std::string_view> texts) {
+        constexpr std::size_t most_bytes = std::size_t{1} << 17;
+        ahead_.clear();
+        next_ = 0;
+        many_.clear();
+        std::size_t bytes = 0;
+        for (const std::string_view text : texts) {
+            bytes += text.size();
+            if (bytes > most_bytes) {
+                break;
+            }
+            ahead_.push_back({text, many_.add(text)});
+        }
+        if (ahead_.empty() || !many_.find_tokens()) {
+            ahead_.clear(); // one of them is bad, so that each has to be looked at by itself
+        } else {
+            behind_ = many_.begin();
+        }
+    }
+
     /// False for a text that has to be read the other way.
     bool assign(std::string_view text, const SchemaNode &entry) {
-        if (!tokens_.assign(text)) {
-            return false;
-        }
-        // No node is shorter than a list entry "{},".
-        restart(2 + text.size() / 2);
+        // No node is shorter than a list entry "{},", and half of them are members at least.
+        restart(2 + std::min(text.size() / 2, 2 * max_entry_nodes));
         unescaped_.clear();
         members_ = 0;
-        text_ = tokens_.text();
-        return take_object(tokens_.begin(), add(entry, nullptr, NodeForm::entry)) == tokens_.end();
+        if (next_ != ahead_.size() && ahead_[next_].text.data() == text.data() &&
+            ahead_[next_].text.size() == text.size()) {
+            const std::uint32_t begin = ahead_[next_++].begin;
+            // Behind the text before it, unless that was not read to its end.
+            const Token first =
+                *behind_ == begin ? behind_ : std::lower_bound(many_.begin(), many_.end(), begin);
+            const Token behind = take_entry(many_, first, begin + text.size(), entry);
+            behind_ = behind != nullptr ? behind : first;
+            return behind != nullptr;
+        }
+        one_.clear();
+        one_.add(text);
+        return one_.find_tokens() && take_entry(one_, one_.begin(), text.size(), entry) != nullptr;
     }
 
     /// The entry's key when the text has one.
@@ -60,6 +89,14 @@ class BulkTree final : public EntryTree {
     // for a text that has to be read the other way. Behind the last token stands one that
     // nothing takes.
     using Token = TokenIndex::Token;
+
+    /// All tokens before `end`, where the entry's text ends.
+    Token take_entry(const TokenIndex &tokens, Token token, std::size_t end,
+                     const SchemaNode &entry) {
+        text_ = tokens.text();
+        token = take_object(token, add(entry, nullptr, NodeForm::entry));
+        return token != nullptr && token[-1] < end && *token >= end ? token : nullptr;
+    }
 
     [[nodiscard]] char mark(Token token) const { return text_[*token]; }
 
@@ -225,8 +262,16 @@ class BulkTree final : public EntryTree {
     }
 
     const std::string module_;
-    TokenIndex tokens_;
-    const char *text_ = nullptr;        // that is indexed
+    struct Ahead {
+        std::string_view text;
+        std::uint32_t begin; // in the index
+    };
+    TokenIndex many_; // of the texts to come
+    std::vector<Ahead> ahead_;
+    std::size_t next_ = 0;              // of them
+    Token behind_ = nullptr;            // what was last taken of them
+    TokenIndex one_;                    // of any other text
+    const char *text_ = nullptr;        // that is being read
     std::deque<std::string> unescaped_; // values of strings with escapes
     std::size_t members_ = 0;
 };
@@ -235,6 +280,8 @@ class BulkReader final : public EntryReader {
   public:
     BulkReader(Modules &modules, Schema schema)
         : modules_(modules), schema_(schema), tree_(schema) {}
+
+    void look_ahead(std::span<const std::string_view> texts) override { tree_.look_ahead(texts); }
 
     ccv_yang_node *read(std::string_view text, const EntryKey &where) override {
         sure_ = text.size() <= max_entry_bytes &&

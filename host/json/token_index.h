@@ -4,7 +4,6 @@
 #define SIMDJSON_EXCEPTIONS 0
 #include <simdjson.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -13,43 +12,54 @@
 
 namespace aceconv {
 
-/// Indexes a copy of a text. Strings, numbers and words are there with their first
-/// character, and every bracket, colon and comma outside strings; whatever else stands
-/// between strings, but for blanks, is a token too. Between two tokens lie the rest of the
-/// first, then blanks.
+/// Indexes copies of texts, which stand one behind the other, a line each. Strings, numbers
+/// and words are there with their first character, and every bracket, colon and comma outside
+/// strings; whatever else stands between strings, but for blanks, is a token too. Between two
+/// tokens lie the rest of the first, then blanks.
 class TokenIndex {
   public:
     /// Points at the place of its first character.
     using Token = const std::uint32_t *;
 
-    /// False for a text without tokens, with bad UTF-8, control characters inside a string
-    /// or a string that does not end.
-    bool assign(std::string_view text) {
-        if (text.size() + simdjson::SIMDJSON_PADDING > padded_.size()) {
-            padded_.resize(2 * (text.size() + simdjson::SIMDJSON_PADDING));
+    void clear() { size_ = 0; }
+    /// Adds a text, which begins at the place that is returned.
+    std::uint32_t add(std::string_view text) {
+        const std::size_t begin = size_;
+        if (begin + text.size() + simdjson::SIMDJSON_PADDING >= bytes_.size()) {
+            bytes_.resize(bytes_.size() + text.size() + least_room);
         }
-        std::memcpy(padded_.data(), text.data(), text.size());
-        std::memset(padded_.data() + text.size(), 0, simdjson::SIMDJSON_PADDING);
-        return make_room(text.size()) &&
-               stages_->stage1(reinterpret_cast<const std::uint8_t *>(padded_.data()), text.size(),
+        std::memcpy(bytes_.data() + begin, text.data(), text.size());
+        size_ = begin + text.size() + 1;
+        bytes_[size_ - 1] = '\n';
+        return static_cast<std::uint32_t>(begin);
+    }
+    /// Finds the tokens. False where a text holds bad UTF-8, control characters inside a
+    /// string or a string that does not end, which the end of its line shows; or no token is
+    /// there at all.
+    bool find_tokens() {
+        std::memset(bytes_.data() + size_, 0, simdjson::SIMDJSON_PADDING);
+        return make_room() &&
+               stages_->stage1(reinterpret_cast<const std::uint8_t *>(bytes_.data()), size_,
                                simdjson::stage1_mode::regular) == simdjson::SUCCESS;
     }
 
-    /// The copy, with zeros behind it.
-    [[nodiscard]] const char *text() const { return padded_.data(); }
-    /// Behind the last token stand two with the text's size.
+    /// The texts, with zeros behind them.
+    [[nodiscard]] const char *text() const { return bytes_.data(); }
+    /// Behind the last token stand two with the size of the texts.
     [[nodiscard]] Token begin() const { return stages_->structural_indexes.get(); }
     [[nodiscard]] Token end() const { return begin() + stages_->n_structural_indexes; }
 
   private:
-    bool make_room(std::size_t size) {
-        constexpr std::size_t least = 4096;
-        return (stages_ && stages_->capacity() >= size) ||
+    static constexpr std::size_t least_room = 4096;
+
+    bool make_room() {
+        return (stages_ && stages_->capacity() >= size_) ||
                simdjson::get_active_implementation()->create_dom_parser_implementation(
-                   std::max(2 * size, least), 1, stages_) == simdjson::SUCCESS;
+                   size_ + least_room, 1, stages_) == simdjson::SUCCESS;
     }
 
-    std::vector<char> padded_;
+    std::vector<char> bytes_;
+    std::size_t size_ = 0;
     std::unique_ptr<simdjson::internal::dom_parser_implementation> stages_;
 };
 

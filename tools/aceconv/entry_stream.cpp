@@ -97,7 +97,23 @@ void EntryStream::fill(Batch &batch, bool wait) {
     }
 }
 
+/// Has the codec look at the texts of the batch together, those of its first schema.
+void EntryStream::look_ahead(Codec &codec, Batch &batch) {
+    batch.texts.clear();
+    Schema schema = Schema::base;
+    for (std::size_t i = 0; i < batch.count; ++i) {
+        const Entry &entry = batch.items[i].entry;
+        if (!batch.items[i].fault && entry.format == Format::json &&
+            (batch.texts.empty() || entry.schema == schema)) {
+            schema = entry.schema;
+            batch.texts.push_back(entry.text);
+        }
+    }
+    codec.look_ahead(schema, batch.texts);
+}
+
 void EntryStream::work_on(Codec &codec, Batch &batch) const {
+    look_ahead(codec, batch);
     for (std::size_t i = 0; i < batch.count; ++i) {
         Item &item = batch.items[i];
         if (item.fault) {
@@ -109,6 +125,7 @@ void EntryStream::work_on(Codec &codec, Batch &batch) const {
             item.fault = std::current_exception();
         }
     }
+    codec.look_ahead(Schema::base, {}); // the texts are gone before long
 }
 
 /// Works on the next batch that no one has taken; false when there is none.

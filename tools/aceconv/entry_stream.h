@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -55,12 +56,14 @@ class EntryStream {
   private:
     struct Batch {
         std::vector<Item> items;
-        std::size_t count = 0; // of the items in use
+        std::size_t count = 0;               // of the items in use
+        std::vector<std::string_view> texts; // of them
         bool done = false;
     };
 
     bool read(Entry &entry, bool wait);
     void fill(Batch &batch, bool wait);
+    static void look_ahead(Codec &codec, Batch &batch);
     void work_on(Codec &codec, Batch &batch) const;
     void read_ahead(std::unique_lock<std::mutex> &lock);
     bool take_batch(Codec &codec, std::unique_lock<std::mutex> &lock);

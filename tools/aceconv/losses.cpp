@@ -51,8 +51,10 @@ LossAccount::LossAccount(const LossOptions &options, const std::string &about, R
 LossAccount::~LossAccount() = default;
 
 void LossAccount::add(const Entry &entry, const Losses &losses) {
-    count(entry, losses);
-    say_losses(run_.file(entry.position), entry, losses);
+    if (!losses.empty()) {
+        count(entry, losses);
+        say_losses(run_.file(entry.position), entry, losses);
+    }
 }
 
 void LossAccount::add(const std::string &file, const Entry &entry, const Losses &losses) {
