@@ -26,6 +26,7 @@ BAD_INPUT = [
     ('{"remark":"r"}\n"x"\n', r"2: expected a JSON object, found '\"x\"'"),
     ('{"remark":"r"}\n{"remark":"r" hello}\n', r"2: not JSON: found 'hello}'"),
     ('{"remark":"r"\n', r"1: the input ends inside an entry"),
+    ('{"remark":"r",\n"remark":tru}', r"2: not JSON: found '}'"),
     ('{"x:acl":{}}', r'1: unknown member "x:acl"; expected "aceconv-base:acls", "aceconv-um:acls" or a node'),
     ('{"other:acls":{}}', r'1: unknown member "other:acls"; expected "aceconv-base:acls" or'),
     ('{"aceconv-base:acls":{"acl":[],"x":1}}', r"1: expected '}', the end of \"acls\", found ','"),
