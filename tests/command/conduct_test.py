@@ -140,6 +140,8 @@ BAD_INPUT = [
 ]
 ENCODINGS = [  # what to make of a good encoding, what must be said, and how many are still read
     (lambda e: e[:-1], r": the encoding at byte 0 is cut off or malformed", 0),
+    (lambda e: b"\xdf" + e, r": the encoding at byte 0 is cut off or malformed", 0),
+    (lambda e: b"\xe0" + e, r"1: expected a JSON object, XML or encodings, found '", 0),
     (lambda e: e + e[:9], r": the encoding at byte %d is cut off", 1),
     (lambda e: e + b"\x1c" + e, r": the encoding at byte %d is cut off or malformed", 1),
     (lambda e: b"\x82\x61X\x0a", r"#1: acl 'X' entry 10: a label without an encoding", 0),
