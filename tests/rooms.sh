@@ -24,6 +24,7 @@ check src/um 'aceconv/|record/|common/|um/'
 check host 'aceconv/|host/'
 check stream "$host|stream/"
 check compare "$host|stream/|compare/"
+check tools/hostcheck 'aceconv/|tools/hostcheck/'
 check tools "$host|stream/|compare/|tools/"
 check testing 'aceconv/|testing/'
 exit $failed

@@ -124,6 +124,8 @@ class BuiltAgainst(Case):
                     f"-DCMAKE_PREFIX_PATH={self.prefix}", f"-DCMAKE_C_FLAGS={' '.join(SANITIZE)}")
         self.output(CMAKE, "--build", self.dir / "build")
         self.expect_the_conversions(self.dir / "build/host/convert")
+        host, = (self.dir / "build/host").glob("libexample_host.so")
+        self.assertIn(" 0 of them found", self.output(self.prefix / "bin/aceconv-hostcheck", host))
         self.assertEqual(self.output(self.dir / "build/names"), "permit\n")
 
     def test_with_pkg_config(self):

@@ -1,0 +1,131 @@
+// aceconv-hostcheck: says which promises of aceconv/host/ a host breaks.
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <string>
+
+#include "tools/hostcheck/watch.h"
+
+namespace {
+
+using namespace aceconv::hostcheck;
+
+enum : int { all_kept = 0, some_broken = 1, usage = 2, input_output = 3 };
+
+constexpr Trial trials[] = {
+    {"the walk over an entry", walk_entries},
+    {"a second walk", walk_again},
+    {"two walks at once", walk_two_at_once},
+    {"a failure on its way out of a walk", keep_the_status},
+    {"reading leaves", read_leaves},
+    {"refusing values", refuse_values},
+    {"writing an entry", emit_entries},
+    {"failures of writing", emit_failures},
+    {"registration", register_type},
+    {"encoding and decoding a record", encode_records},
+    {"encodings cut off", decode_cut_bytes},
+    {"releasing a record", release_records},
+    {"trace and append", trace_and_append},
+    {"memory", hold_no_memory},
+    {"threads", run_threads},
+    {"conversions", convert_entries},
+    {"conversions that fail", convert_with_failures},
+};
+
+constexpr const char *help =
+    R"(usage: aceconv-hostcheck [--plugin FILE] [--limit SECONDS] [--first] HOST.so
+
+Loads a host of the plug-in, a library with the functions of aceconv/host/ and
+aceconv/hostcheck.h, and says which of their promises it breaks. Every trial has a
+process of its own, so that one that crashes or hangs does not hide the others.
+
+  --plugin FILE     the plug-in, if not the one that was installed with this program
+  --limit SECONDS   how long a trial may take (10)
+  --first           ends with the first broken promise
+  --version
+
+Exit codes: 0 every promise was kept, 1 one was broken, 2 usage, 3 no process can be made.
+)";
+
+struct Options {
+    std::string host, plugin;
+    std::chrono::seconds limit{10};
+    bool first = false;
+};
+
+/// False when the words mean nothing.
+bool parse(int count, char **words, Options &options) {
+    for (int i = 1; i < count; ++i) {
+        const std::string word = words[i];
+        if (word == "--plugin" && i + 1 < count) {
+            options.plugin = words[++i];
+        } else if (word == "--limit" && i + 1 < count) {
+            int seconds = 0;
+            char rest = '\0';
+            if (std::sscanf(words[++i], "%d%c", &seconds, &rest) != 1 || seconds <= 0 ||
+                seconds > 3600) {
+                return false;
+            }
+            options.limit = std::chrono::seconds(seconds);
+        } else if (word == "--first") {
+            options.first = true;
+        } else if (word.starts_with('-') || !options.host.empty()) {
+            return false;
+        } else {
+            options.host = word;
+        }
+    }
+    return !options.host.empty();
+}
+
+/// Does nothing but being there: host and plug-in can be loaded.
+void nothing(Check & /*check*/) {}
+
+int run(const Options &options) {
+    const auto tried = [&](const Trial &trial) {
+        const Verdict verdict = watch(trial, options.host, options.plugin, options.limit);
+        if (!verdict.kept) {
+            std::printf("%s: %s\n", trial.name, verdict.words.c_str());
+            std::fflush(stdout);
+        }
+        return verdict.kept;
+    };
+    if (!tried({"loading", nothing})) {
+        return some_broken;
+    }
+    int done = 0, broken = 0;
+    for (const Trial &trial : trials) {
+        if (options.first && broken != 0) {
+            break;
+        }
+        ++done;
+        broken += tried(trial) ? 0 : 1;
+    }
+    std::printf("%s: %d trials, %d of them found a broken promise\n", options.host.c_str(), done,
+                broken);
+    return broken == 0 ? all_kept : some_broken;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    if (argc == 2 && (std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0)) {
+        std::fputs(help, stdout);
+        return all_kept;
+    }
+    if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
+        std::puts("aceconv-hostcheck " ACECONV_VERSION);
+        return all_kept;
+    }
+    Options options;
+    if (!parse(argc, argv, options)) {
+        std::fputs(help, stderr);
+        return usage;
+    }
+    try {
+        return run(options);
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "aceconv-hostcheck: %s\n", error.what());
+        return input_output;
+    }
+}
