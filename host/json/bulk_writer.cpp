@@ -1,7 +1,10 @@
 // The bulk backend's writer: the emitters' calls appended as JSON text.
+#include <array>
 #include <charconv>
+#include <cstring>
 #include <stdexcept>
 
+#include "host/schema/ipv4_text.h"
 #include "host/schema/leaf_value.h"
 #include "host/schema/modules.h"
 #include "host/schema/text_buffer.h"
@@ -21,7 +24,8 @@ class BulkOutput final : public ccv_yang_output {
         restart(where);
         text_.clear();
         text_ += '{';
-        levels_.assign(1, {});
+        level_ = levels_.data();
+        *level_ = {};
         started_ = true;
         if (where.sequence) {
             (void)leaf("sequence-number", {.kind = ValueKind::number, .number = *where.sequence});
@@ -33,62 +37,75 @@ class BulkOutput final : public ccv_yang_output {
             throw std::logic_error("finish without begin");
         }
         check_complete();
+        close();
         text += text_.text();
-        text += '}';
     }
 
   protected:
     bool open(const SchemaNode &container, std::string & /*why*/) override {
-        name(container);
-        text_ += '{';
-        levels_.emplace_back();
+        char *at = put_name(container, 1);
+        *at++ = '{';
+        text_.finish(at);
+        *++level_ = {};
         return true;
     }
 
     // The list itself has no call of its own: the first entry opens the array,
     // and the next node behind the last entry, or the end around it, closes it.
     bool open_entry(const SchemaNode &list, std::string_view key, std::string &why) override {
-        if (levels_.back().list == &list) {
-            text_ += ',';
+        char *at = nullptr;
+        if (level_->list == &list) {
+            at = text_.room(2);
+            *at++ = ',';
         } else {
-            name(list);
-            text_ += '[';
-            levels_.back().list = &list;
+            at = put_name(list, 2);
+            *at++ = '[';
+            level_->list = &list;
         }
-        text_ += '{';
-        levels_.emplace_back();
+        *at++ = '{';
+        text_.finish(at);
+        *++level_ = {};
         return put(list.children[0], {.kind = ValueKind::text, .text = key}, why);
     }
 
     void close() override {
-        end_list();
-        text_ += '}';
-        levels_.pop_back();
+        char *at = text_.room(2);
+        *at = ']';
+        at += level_->list != nullptr ? 1 : 0;
+        *at++ = '}';
+        text_.finish(at);
+        --level_;
     }
 
     bool put(const SchemaNode &leaf, const Value &value, std::string &why) override {
         if (!takes_value(leaf, value, why)) {
             return false;
         }
-        name(leaf);
+        char *at = put_name(leaf, max_plain + max_escape * value.text.size());
         switch (value.kind) {
         case ValueKind::number:
-            number(value.number);
+            at = std::to_chars(at, at + max_plain, value.number).ptr;
             break;
         case ValueKind::boolean:
-            text_ += std::string_view(value.number != 0 ? "true" : "false");
+            at = copy(value.number != 0 ? "true" : "false", at);
             break;
         case ValueKind::empty:
-            text_ += std::string_view("[null]");
+            at = copy("[null]", at);
+            break;
+        case ValueKind::ipv4:
+            *at++ = '"';
+            at = write_ipv4(at, static_cast<std::uint32_t>(value.number));
+            *at++ = '"';
             break;
         case ValueKind::text:
-            quoted(value.text);
+            at = put_quoted(value.text, at);
             break;
-        default: // names and addresses hold nothing to escape
-            text_ += '"';
-            text_ += value.text;
-            text_ += '"';
+        default: // names hold nothing to escape
+            *at++ = '"';
+            at = copy(value.text, at);
+            *at++ = '"';
         }
+        text_.finish(at);
         return true;
     }
 
@@ -97,63 +114,59 @@ class BulkOutput final : public ccv_yang_output {
         bool holds_nodes = false;
         const SchemaNode *list = nullptr; // whose array is open here
     };
+    // Bytes of text:
+    static constexpr std::size_t max_plain = 24; // of what is no text, and of quotes
+    static constexpr std::size_t max_escape = 6; // of a character
 
-    void end_list() {
-        if (levels_.back().list != nullptr) {
-            text_ += ']';
-            levels_.back().list = nullptr;
+    static char *copy(std::string_view text, char *at) { return at + text.copy(at, text.size()); }
+
+    /// Writes the name of the next node here, behind what it stands behind, where room is
+    /// for so many bytes more. Returns its end.
+    char *put_name(const SchemaNode &node, std::size_t more) {
+        char *at = text_.room(2 + node.member.size() + more);
+        *at = ']';
+        at += level_->list != nullptr ? 1 : 0;
+        *at = ',';
+        at += level_->holds_nodes ? 1 : 0;
+        *level_ = {.holds_nodes = true};
+        for (std::size_t block = 0; block < node.member_bytes; block += member_block) {
+            std::memcpy(at + block, node.member.data() + block, member_block);
         }
-    }
-
-    /// The name of the next node here.
-    void name(const SchemaNode &node) {
-        end_list();
-        if (levels_.back().holds_nodes) {
-            text_ += ',';
-        }
-        levels_.back().holds_nodes = true;
-        text_ += node.member;
-    }
-
-    void number(std::uint64_t value) {
-        constexpr std::size_t most = 20; // digits
-        char *digits = text_.room(most);
-        text_.grow(
-            static_cast<std::size_t>(std::to_chars(digits, digits + most, value).ptr - digits));
+        return at + node.member_bytes;
     }
 
     /// A JSON string (RFC 8259, section 7) with the escapes that libyang writes.
-    void quoted(std::string_view value) {
-        text_ += '"';
-        std::size_t plain = 0;
-        for (std::size_t at = 0; at < value.size(); ++at) {
-            const char byte = value[at];
+    static char *put_quoted(std::string_view text, char *at) {
+        *at++ = '"';
+        for (const char byte : text) {
+            *at = byte;
             if (static_cast<unsigned char>(byte) >= 0x20 && byte != '"' && byte != '\\') {
-                continue;
+                ++at;
+            } else {
+                at = put_escaped(byte, at);
             }
-            text_ += value.substr(plain, at - plain);
-            plain = at + 1;
-            escape(byte);
         }
-        text_ += value.substr(plain);
-        text_ += '"';
+        *at++ = '"';
+        return at;
     }
 
-    void escape(char byte) {
+    static char *put_escaped(char byte, char *at) {
+        *at++ = '\\';
         if (byte == '"' || byte == '\\') {
-            text_ += '\\';
-            text_ += byte;
-            return;
+            *at++ = byte;
+            return at;
         }
         constexpr char digits[] = "0123456789ABCDEF";
         const auto code = static_cast<unsigned char>(byte);
-        text_ += std::string_view("\\u00");
-        text_ += digits[code >> 4U];
-        text_ += digits[code & 0xFU];
+        at = copy("u00", at);
+        *at++ = digits[code >> 4U];
+        *at++ = digits[code & 0xFU];
+        return at;
     }
 
     TextBuffer text_;
-    std::vector<Level> levels_;
+    std::array<Level, max_depth> levels_;
+    Level *level_ = nullptr; // the innermost
     bool started_ = false;
 };
 

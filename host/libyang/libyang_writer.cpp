@@ -5,6 +5,7 @@
 #include "host/error.h"
 #include "host/libyang/libyang_tree.h"
 #include "host/platform/backend.h"
+#include "host/schema/ipv4_text.h"
 #include "host/schema/leaf_value.h"
 #include "host/schema/modules.h"
 
@@ -75,6 +76,8 @@ class LibyangOutput final : public ccv_yang_output {
             text_ = std::to_string(value.number);
         } else if (value.kind == ValueKind::boolean) {
             text_ = value.number != 0 ? "true" : "false";
+        } else if (value.kind == ValueKind::ipv4) {
+            text_ = Ipv4Text(static_cast<std::uint32_t>(value.number)).text();
         }
         return lyd_new_term(current_, nullptr, leaf.name, text_.c_str(), 0, nullptr) ==
                    LY_SUCCESS ||

@@ -26,8 +26,8 @@ class EmittedTree;
 enum class ValueKind : std::uint8_t { none, text, name, number, bits, boolean, empty, ipv4 };
 
 /// The value of a leaf. `text` holds text, one name, names of bits separated by
-/// blanks or a dotted quad; `number` a number, a boolean, 0 or 1, or, where a leaf
-/// is read, the IPv4 address in network byte order.
+/// blanks or, where a leaf is read, a dotted quad; `number` a number, a boolean, 0 or
+/// 1, or the IPv4 address in network byte order.
 struct Value {
     ValueKind kind = ValueKind::none;
     std::string_view text = {};
@@ -128,6 +128,8 @@ struct ccv_yang_output {
 
     [[nodiscard]] std::string position(const char *name) const;
     const aceconv::SchemaNode *child(const char *name, aceconv::NodeKind kind);
+    void refuse_child(const char *name, aceconv::NodeKind kind);
+    std::uint32_t refuse_value(const aceconv::SchemaNode &leaf, const aceconv::Value &value);
     bool open_pending(std::size_t last);
     std::uint32_t end(NodeForm form);
     std::uint32_t entry_key(const aceconv::SchemaNode &leaf, std::string_view key);

@@ -1,6 +1,7 @@
 #include "host/platform/emitted_tree.h"
 
 #include "host/schema/entry_text.h"
+#include "host/schema/ipv4_text.h"
 #include "host/schema/leaf_value.h"
 #include "host/schema/modules.h"
 
@@ -45,11 +46,13 @@ bool EmittedTree::put(const SchemaNode &leaf, const Value &value, std::string &w
         return false;
     }
     node->value = value;
+    if (value.kind == ValueKind::ipv4) {
+        node->value.text = keep(Ipv4Text(static_cast<std::uint32_t>(value.number)).text());
+        return true;
+    }
     node->value.text = keep(value.text);
     if (value.kind == ValueKind::text && leaf.type == LeafType::enumeration) {
         node->value.kind = ValueKind::name;
-    } else if (value.kind == ValueKind::ipv4) {
-        (void)ipv4_value(node->value.text, node->value); // for the number
     }
     return true;
 }

@@ -2,7 +2,6 @@
 #include <new>
 
 #include "host/platform/backend.h"
-#include "host/schema/ipv4_text.h"
 #include "host/utf8.h"
 
 using aceconv::SchemaNode;
@@ -120,8 +119,7 @@ std::uint32_t ccv_yang_bool(ccv_yang_output *output, const char *name, std::uint
 }
 
 std::uint32_t ccv_yang_ipv4(ccv_yang_output *output, const char *name, std::uint32_t address) {
-    const aceconv::Ipv4Text quad(address);
-    return emit_leaf(output, name, {.kind = ValueKind::ipv4, .text = quad.text()});
+    return emit_leaf(output, name, {.kind = ValueKind::ipv4, .number = address});
 }
 
 std::uint32_t ccv_yang_string(ccv_yang_output *output, const char *name, const char *text) {

@@ -1,5 +1,4 @@
 // What the emitters of aceconv/host/yang_access.h do, for any backend.
-#include <cstring>
 #include <new>
 
 #include "host/data_path.h"
@@ -16,34 +15,25 @@ using aceconv::YangStatus;
 
 namespace {
 
-bool takes(LeafType type, ValueKind kind) {
-    switch (kind) {
-    case ValueKind::text: // a name may also be written as plain text
-        return type == LeafType::string || type == LeafType::enumeration;
-    case ValueKind::name:
-        return type == LeafType::enumeration || type == LeafType::name_or_number;
-    case ValueKind::number:
-        return type == LeafType::number || type == LeafType::name_or_number;
-    case ValueKind::bits:
-        return type == LeafType::bits;
-    case ValueKind::boolean:
-        return type == LeafType::boolean;
-    case ValueKind::empty:
-        return type == LeafType::empty;
-    case ValueKind::ipv4:
-        return type == LeafType::ipv4;
-    case ValueKind::none:
-        break;
-    }
-    return false;
+template <class... Types>
+constexpr unsigned set_of(Types... types) {
+    return (0U | ... | (1U << static_cast<unsigned>(types)));
 }
 
-const SchemaNode *find_child(const SchemaNode &parent, const char *name, std::size_t hint) {
-    // Most names differ in their first character.
-    const auto is_named = [&](std::string_view key) {
-        return key.front() == name[0] && std::strcmp(key.data(), name) == 0;
-    };
-    return parent.find_if(is_named, hint);
+/// The leaves that take a value of a kind, by ValueKind.
+constexpr unsigned takers[] = {
+    set_of(),                                                // none
+    set_of(LeafType::string, LeafType::enumeration),         // text: a name may be plain text
+    set_of(LeafType::enumeration, LeafType::name_or_number), // name
+    set_of(LeafType::number, LeafType::name_or_number),      // number
+    set_of(LeafType::bits),
+    set_of(LeafType::boolean),
+    set_of(LeafType::empty),
+    set_of(LeafType::ipv4),
+};
+
+bool takes(LeafType type, ValueKind kind) {
+    return (takers[static_cast<std::size_t>(kind)] >> static_cast<unsigned>(type) & 1U) != 0;
 }
 
 } // namespace
@@ -117,36 +107,42 @@ std::uint32_t ccv_yang_output::fail(YangStatus status, const char *name, std::st
 }
 
 const SchemaNode *ccv_yang_output::peek(const char *name) const {
-    return find_child(*innermost().schema, name, innermost().hint);
+    return innermost().schema->named(name, innermost().hint);
 }
 
 /// The child that a call names, checked and noted as given; null after a failure.
-const SchemaNode *ccv_yang_output::child(const char *name, NodeKind kind) {
-    if (failure_ != YangStatus::ok) {
-        return nullptr;
-    }
+inline const SchemaNode *ccv_yang_output::child(const char *name, NodeKind kind) {
     Level &level = innermost();
-    if (level.form == NodeForm::list) {
-        fail(YangStatus::misplaced, name, "a node between the entries of a list");
-        return nullptr;
+    if (failure_ == YangStatus::ok && level.form != NodeForm::list) {
+        const SchemaNode *found = level.schema->named(name, level.hint);
+        const std::uint64_t bit = found == nullptr ? 0 : std::uint64_t{1} << found->place;
+        if (found != nullptr && found->kind == kind && (level.given & bit) == 0) {
+            level.given |= bit;
+            level.hint = static_cast<std::uint8_t>(found->place + 1);
+            return found;
+        }
     }
-    const SchemaNode *found = find_child(*level.schema, name, level.hint);
+    refuse_child(name, kind);
+    return nullptr;
+}
+
+/// Keeps why there can be no such child here.
+void ccv_yang_output::refuse_child(const char *name, NodeKind kind) {
+    if (failure_ != YangStatus::ok) {
+        return;
+    }
+    if (innermost().form == NodeForm::list) {
+        fail(YangStatus::misplaced, name, "a node between the entries of a list");
+        return;
+    }
+    const SchemaNode *found = peek(name);
     if (found == nullptr) {
         fail(YangStatus::unknown_node, name, {});
-        return nullptr;
-    }
-    if (found->kind != kind) {
+    } else if (found->kind != kind) {
         fail(YangStatus::wrong_type, name, "expected " + expected(*found));
-        return nullptr;
-    }
-    const std::uint64_t bit = std::uint64_t{1} << found->place;
-    if ((level.given & bit) != 0) {
+    } else {
         fail(YangStatus::repeated, name, {});
-        return nullptr;
     }
-    level.given |= bit;
-    level.hint = static_cast<std::uint8_t>(found->place + 1);
-    return found;
 }
 
 /// Opens what was held back, up to the level at depth `last`.
@@ -274,18 +270,15 @@ std::uint32_t ccv_yang_output::leaf(const char *name, const Value &value) {
     if (found == nullptr) {
         return code(failure_);
     }
-    if (!takes(found->type, value.kind)) {
-        return fail(YangStatus::wrong_type, name, "expected " + expected(*found));
-    }
-    if (value.kind == ValueKind::number &&
-        (value.number < found->smallest || value.number > found->largest)) {
-        return fail(YangStatus::out_of_range, name,
-                    std::to_string(value.number) + "; expected " + expected(*found));
+    if (!takes(found->type, value.kind) ||
+        (value.kind == ValueKind::number &&
+         (value.number < found->smallest || value.number > found->largest))) {
+        return refuse_value(*found, value);
     }
     if (innermost().form == NodeForm::list_entry && found->place == 0) {
         return entry_key(*found, value.text);
     }
-    if (!open_pending(depth_)) {
+    if (!innermost().opened && !open_pending(depth_)) {
         return code(failure_);
     }
     if (!put(*found, value, failure_why_) ||
@@ -293,4 +286,12 @@ std::uint32_t ccv_yang_output::leaf(const char *name, const Value &value) {
         fail(YangStatus::refused, name, std::move(failure_why_));
     }
     return code(failure_);
+}
+
+std::uint32_t ccv_yang_output::refuse_value(const SchemaNode &leaf, const Value &value) {
+    if (!takes(leaf.type, value.kind)) {
+        return fail(YangStatus::wrong_type, leaf.name, "expected " + expected(leaf));
+    }
+    return fail(YangStatus::out_of_range, leaf.name,
+                std::to_string(value.number) + "; expected " + expected(leaf));
 }

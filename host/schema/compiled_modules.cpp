@@ -20,6 +20,7 @@ void restore(const CompiledNode *nodes, const CompiledNode &node, SchemaNode &re
         child.parent = &result;
         restore(nodes, nodes[node.first_child + place], child);
     }
+    index_children(result);
 }
 
 } // namespace

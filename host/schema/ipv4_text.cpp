@@ -1,6 +1,5 @@
 #include "host/schema/ipv4_text.h"
 
-#include <charconv>
 #include <cstring>
 
 namespace aceconv {
@@ -37,17 +36,41 @@ bool read_ipv4(std::string_view text, std::uint32_t &address) {
     return at == end;
 }
 
-Ipv4Text::Ipv4Text(std::uint32_t address) {
-    std::array<std::uint8_t, 4> octets{};
-    std::memcpy(octets.data(), &address, sizeof address);
-    char *end = text_.data();
-    for (const std::uint8_t octet : octets) {
-        if (end != text_.data()) {
-            *end++ = '.';
+namespace {
+
+struct Octet {
+    std::array<char, 4> text; // a dot behind the digits
+    std::uint8_t size;
+};
+
+constexpr auto octets = [] {
+    std::array<Octet, 256> all{};
+    for (unsigned value = 0; value < all.size(); ++value) {
+        Octet &octet = all[value];
+        for (unsigned unit = 100; unit > 0; unit /= 10) {
+            if (value >= unit || unit == 1) {
+                octet.text[octet.size++] = static_cast<char>('0' + value / unit % 10);
+            }
         }
-        end = std::to_chars(end, text_.data() + text_.size(), octet).ptr;
+        octet.text[octet.size++] = '.';
     }
-    size_ = static_cast<std::size_t>(end - text_.data());
+    return all;
+}();
+
+} // namespace
+
+char *write_ipv4(char *at, std::uint32_t address) {
+    std::array<std::uint8_t, 4> bytes{};
+    std::memcpy(bytes.data(), &address, sizeof address);
+    for (const std::uint8_t byte : bytes) {
+        const Octet &octet = octets[byte];
+        std::memcpy(at, octet.text.data(), octet.text.size());
+        at += octet.size;
+    }
+    return at - 1;
 }
+
+Ipv4Text::Ipv4Text(std::uint32_t address)
+    : size_(static_cast<std::size_t>(write_ipv4(text_.data(), address) - text_.data())) {}
 
 } // namespace aceconv

@@ -10,6 +10,9 @@ namespace aceconv {
 /// Reads a dotted quad without leading zeros; false for any other text.
 [[nodiscard]] bool read_ipv4(std::string_view text, std::uint32_t &address);
 
+/// Writes the dotted quad of `address`; up to 16 bytes are overwritten. Returns its end.
+char *write_ipv4(char *at, std::uint32_t address);
+
 /// The dotted quad of an address.
 class Ipv4Text {
   public:
@@ -17,7 +20,7 @@ class Ipv4Text {
     [[nodiscard]] std::string_view text() const { return {text_.data(), size_}; }
 
   private:
-    std::array<char, 15> text_;
+    std::array<char, 16> text_;
     std::size_t size_;
 };
 

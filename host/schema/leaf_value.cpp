@@ -93,21 +93,11 @@ bool text_value(const SchemaNode &leaf, std::string_view text, Value &value) {
     }
 }
 
-bool takes_value(const SchemaNode &leaf, const Value &value, std::string &why) {
+bool takes_emitted_text(const SchemaNode &leaf, const Value &value, std::string &why) {
     Value taken;
-    bool takes = true; // others are checked by type and range already
-    switch (value.kind) {
-    case ValueKind::text: // an emitter has looked at the characters
-        takes = leaf.type == LeafType::string ? takes_text(leaf, value.text)
-                                              : text_value(leaf, value.text, taken);
-        break;
-    case ValueKind::name:
-    case ValueKind::bits:
-        takes = text_value(leaf, value.text, taken);
-        break;
-    default:
-        break;
-    }
+    // An emitter has looked at the characters.
+    const bool takes = leaf.type == LeafType::string ? takes_text(leaf, value.text)
+                                                     : text_value(leaf, value.text, taken);
     if (!takes) {
         why = not_taken(leaf, value.text);
     }

@@ -144,6 +144,15 @@ void name_schema(const char *name, SchemaNode &result) {
     result.name = name;
     result.key = name;
     result.member = '"' + std::string(name) + "\":";
+    result.member_bytes = result.member.size();
+    const std::size_t blocks = (result.member_bytes + member_block - 1) / member_block;
+    result.member.resize(blocks * member_block, ' ');
+}
+
+void index_children(SchemaNode &node) {
+    for (const SchemaNode &child : node.children) {
+        node.starting[SchemaNode::start_of(child.name)] |= std::uint64_t{1} << child.place;
+    }
 }
 
 void link_schema(const lysc_node *node, SchemaNode &compiled) {
@@ -192,6 +201,7 @@ void compile_schema(const lysc_node *node, SchemaNode &result) {
         compiled.parent = &result;
         compile_schema(child, compiled);
     }
+    index_children(result);
 }
 
 std::string expected(const SchemaNode &leaf) {

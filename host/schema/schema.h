@@ -2,7 +2,10 @@
 // as both backends need them.
 #pragma once
 
+#include <array>
+#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,8 +38,9 @@ struct SchemaNode {
     };
 
     const char *name = "";
-    std::string_view key = {}; // the name, for comparing
-    std::string member;        // "name": as JSON has it
+    std::string_view key = {};    // the name, for comparing
+    std::string member;           // "name": as JSON has it, and blanks up to whole blocks
+    std::size_t member_bytes = 0; // without the blanks
     NodeKind kind = NodeKind::container;
     LeafType type = LeafType::none;
     std::uint8_t place = 0;         // among its siblings, from 0; below max_siblings
@@ -46,9 +50,32 @@ struct SchemaNode {
     std::string pattern;            // of a string; empty when there is none
     std::vector<Name> names;        // of enumeration, name_or_number and bits
     const SchemaNode *parent = nullptr;
-    const lysc_node *compiled = nullptr; // null until libyang is needed
-    Modules::Context *modules = nullptr; // of an entry
-    std::vector<SchemaNode> children;    // in the module's order; a list's key is the first
+    const lysc_node *compiled = nullptr;         // null until libyang is needed
+    Modules::Context *modules = nullptr;         // of an entry
+    std::vector<SchemaNode> children;            // in the module's order; a list's key is the first
+    std::array<std::uint64_t, 32> starting = {}; // places of children by how their names start
+
+    /// Of `starting`, for a name that is not empty.
+    static std::size_t start_of(const char *text) {
+        return (static_cast<unsigned char>(text[0]) + 5U * static_cast<unsigned char>(text[1])) %
+               32;
+    }
+    /// The child of this name, which may be anything. Looks at place `hint` first, 0 or the
+    /// place behind a child, and on from there.
+    [[nodiscard]] const SchemaNode *named(const char *text, std::size_t hint) const {
+        if (*text == '\0') {
+            return nullptr;
+        }
+        const auto turned = std::rotr(starting[start_of(text)], static_cast<int>(hint));
+        for (std::uint64_t left = turned; left != 0; left &= left - 1) {
+            const auto steps = static_cast<std::size_t>(std::countr_zero(left));
+            const SchemaNode &child = children[(hint + steps) % 64];
+            if (std::strcmp(child.name, text) == 0) {
+                return &child;
+            }
+        }
+        return nullptr;
+    }
 
     /// The child whose name `is_wanted`; `hint` is where the search starts, 0 or the
     /// place behind a child.
@@ -99,6 +126,8 @@ struct SchemaNode {
     mutable std::vector<const ccv_yang_keyword *> keyword_rows;
 };
 
+/// `member` consists of blocks of so many bytes, which are copied whole.
+constexpr std::size_t member_block = 32;
 /// Siblings fit a 64-bit set.
 constexpr std::size_t max_siblings = 64;
 /// How deep nodes nest, a list and its entry counting as two; far beyond what
@@ -115,6 +144,9 @@ void link_schema(const lysc_node *node, SchemaNode &compiled);
 
 /// The fields that a node's name makes up.
 void name_schema(const char *name, SchemaNode &result);
+
+/// What its children are found by, once they have their names.
+void index_children(SchemaNode &node);
 
 /// What the leaf takes, for messages: "one of: deny, permit", "a number 0 to 255".
 std::string expected(const SchemaNode &leaf);

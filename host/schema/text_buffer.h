@@ -14,14 +14,14 @@ class TextBuffer {
     [[nodiscard]] std::string_view text() const { return {bytes_.get(), size_}; }
     void clear() { size_ = 0; }
 
-    /// Room for `most` more bytes, of which `grow` then says how many were used.
+    /// Room for `most` more bytes; `finish` then says where those that count end.
     [[nodiscard]] char *room(std::size_t most) {
         if (capacity_ - size_ < most) {
             enlarge(2 * (size_ + most));
         }
         return bytes_.get() + size_;
     }
-    void grow(std::size_t used) { size_ += used; }
+    void finish(const char *end) { size_ = static_cast<std::size_t>(end - bytes_.get()); }
 
     TextBuffer &operator+=(char byte) {
         *room(1) = byte;
