@@ -40,7 +40,9 @@ void emit_side(ccv_yang_output *output, const Record &record, Rows side) {
         (void)emit_node(output, record, side[any]);
     }
     write(port_group);
-    (void)emit_row(output, record, side[port]); // cannot fail
+    if (present(port)) {
+        (void)emit_node(output, record, side[port]); // cannot fail
+    }
 }
 
 } // namespace ace::um
