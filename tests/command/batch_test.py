@@ -173,12 +173,13 @@ class CutShort(Case):
 
 
 class Progress(Case):
-    def run_slowly(self, *args):
-        """Standard error of an encoding whose input takes two seconds to come."""
+    def run_slowly(self, *args, call=("encode", "--schema", "base"), **streams):
+        """Standard error of a run whose input takes two seconds to come."""
         main, side = pty.openpty()
         lines = generated(count=400).splitlines(keepends=True)
-        with subprocess.Popen([ACECONV, "encode", "-o", str(self.dir / "out"), "--schema", "base",
-                               *args], stdin=subprocess.PIPE, stdout=side, stderr=side) as process:
+        call = [*call, "-o", str(self.dir / "out")] if call[0] == "encode" else call
+        with subprocess.Popen([ACECONV, *call, *args], stdin=subprocess.PIPE, stderr=side,
+                              **{"stdout": side, **streams}) as process:
             os.close(side)
             for part in (lines[:300], lines[300:] + [b"{}\n"] * 300, [b"bad\n"]):
                 process.stdin.write(b"".join(part))
@@ -202,6 +203,11 @@ class Progress(Case):
         self.assertRegex(shown, r"\x1b\[K[^\n]*aceconv:[^\n]* <stdin>:701: ")  # not behind the line
         self.assertRegex(shown, r"aceconv: stopped: 701 entries, 1 error; [\d.]+ s, \d+ entries a")
         self.assertNotIn("a second", self.run_slowly("-q")[1])
+        # Of two inputs the first one keeps the pace.
+        one = self.file("one", generated(count=1))
+        code, shown = self.run_slowly("--progress", "-", call=("diff", "--schema-a", "base",
+                                      "--schema-b", "base", one), stdout=subprocess.DEVNULL)
+        self.assertEqual((code, shown.count("a second")), (2, 1), shown)
         # Asked for, a line of its own each time, with how much of a file is left.
         args = ("convert", "--no-losses", "--progress", "-j1", "--from", "base", "--to", "um",
                 "--to-format", "ndjson", self.file("source", generated()))

@@ -26,6 +26,7 @@ BAD_INPUT = [
     ('{"remark":"r"}\n"x"\n', r"2: expected a JSON object, found '\"x\"'"),
     ('{"remark":"r"}\n{"remark":"r" hello}\n', r"2: not JSON: found 'hello}'"),
     ('{"remark":"r"\n', r"1: the input ends inside an entry"),
+    ('{"remark":"r",\n"remark":tru}', r"2: not JSON: found '}'"),
     ('{"x:acl":{}}', r'1: unknown member "x:acl"; expected "aceconv-base:acls", "aceconv-um:acls" or a node'),
     ('{"other:acls":{}}', r'1: unknown member "other:acls"; expected "aceconv-base:acls" or'),
     ('{"aceconv-base:acls":{"acl":[],"x":1}}', r"1: expected '}', the end of \"acls\", found ','"),
@@ -139,6 +140,8 @@ BAD_INPUT = [
 ]
 ENCODINGS = [  # what to make of a good encoding, what must be said, and how many are still read
     (lambda e: e[:-1], r": the encoding at byte 0 is cut off or malformed", 0),
+    (lambda e: b"\xdf" + e, r": the encoding at byte 0 is cut off or malformed", 0),
+    (lambda e: b"\xe0" + e, r"1: expected a JSON object, XML or encodings, found '", 0),
     (lambda e: e + e[:9], r": the encoding at byte %d is cut off", 1),
     (lambda e: e + b"\x1c" + e, r": the encoding at byte %d is cut off or malformed", 1),
     (lambda e: b"\x82\x61X\x0a", r"#1: acl 'X' entry 10: a label without an encoding", 0),
