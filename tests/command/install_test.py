@@ -21,16 +21,23 @@ def install(build, prefix):
 
 
 class Installed(Case):
-    def configured(self, libraries):
-        """A build tree of that layout that installs the programs of the one under test."""
-        build = self.dir / "build"
+    def install_with(self, libraries, prefix):
+        """What a build of that layout installs, but of the files under test: its run path is as
+        long as theirs and takes its place."""
+        build, ours, its = self.dir / "build", "$ORIGIN/../lib", "$ORIGIN/../" + libraries
         subprocess.run([CMAKE, "-S", SOURCE, "-B", build, "-G", "Ninja", "-DACECONV_TESTS=OFF",
                         "-DCMAKE_INSTALL_LIBDIR=" + libraries], check=True, stdout=subprocess.DEVNULL)
+        commands = subprocess.run([CMAKE, "--build", build, "--", "-t", "commands", "aceconv"],
+                                  check=True, capture_output=True, text=True).stdout
+        self.assertIn(f'-rpath,"\\{its}"', commands)
         for script in build.rglob("*/cmake_install.cmake"):
             script.write_text("".join(
-                line if ".cmake" in line or ".pc" in line else line.replace(str(build), str(BUILD))
+                line if ".cmake" in line or ".pc" in line else
+                line.replace(f"{build}/{libraries}/", f"{BUILD}/lib/").replace(str(build), str(BUILD))
                 for line in script.read_text().splitlines(keepends=True)))
-        return build
+        install(build, prefix)
+        program = prefix / "bin/aceconv"
+        program.write_bytes(program.read_bytes().replace(ours.encode() + b"\0", its.encode() + b"\0"))
 
     def runs_from(self, prefix, program=None):
         """The folder of its plug-in; the parts must all be those of this prefix."""
@@ -45,8 +52,8 @@ class Installed(Case):
         return str(plugin.parent.relative_to(real))
 
     def test_its_parts_are_found_from_where_it_lies(self):
-        first, moved, other = self.dir / "first", self.dir / "moved", "lib/some-triplet"
-        install(self.configured(other), first)
+        first, moved, other = self.dir / "first", self.dir / "moved", "l/a"
+        self.install_with(other, first)
         first.rename(moved)
         self.assertEqual(self.runs_from(moved), other)
         os.symlink("moved", self.dir / "linked")
