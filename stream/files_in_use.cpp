@@ -1,6 +1,9 @@
 #include "stream/files_in_use.h"
 
+#include <cerrno>
 #include <charconv>
+#include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <sys/sysmacros.h>
 #include <unistd.h>
@@ -22,10 +25,16 @@ std::optional<int> number(const std::string &text) {
                                                                     : std::nullopt;
 }
 
+/// Whether it was open at start; all that are opened since are to be closed by exec.
+bool inherited(int descriptor) {
+    const int flags = fcntl(descriptor, F_GETFD);
+    return flags >= 0 && (flags & FD_CLOEXEC) == 0;
+}
+
 } // namespace
 
 Place find_place(const std::string &path) {
-    const std::string own_descriptors = "/proc/" + std::to_string(getpid()) + "/fd";
+    const std::string own = "/proc/" + std::to_string(getpid()) + "/"; // of its threads too
     fs::path at = path;
     for (int links = 0; links < most_links; ++links) {
         std::error_code fault;
@@ -35,7 +44,7 @@ Place find_place(const std::string &path) {
             break; // as whoever opens it will find
         }
         const fs::path here = folder / at.filename();
-        if (folder == own_descriptors) {
+        if (folder.filename() == "fd" && folder.native().starts_with(own)) {
             return {here.string(), number(at.filename().string())};
         }
         const fs::path link = fs::read_symlink(here, fault);
@@ -64,6 +73,10 @@ void FilesInUse::add(const std::string &path, int standard, bool written) {
     Used used{path, written, place.target, std::nullopt};
     if (path == "-") {
         used.name = written ? "<stdout>" : "<stdin>";
+    }
+    if (place.descriptor && !inherited(*place.descriptor)) {
+        throw IoError(used.name + (written ? ": cannot write: " : ": cannot read: ") +
+                      std::strerror(EBADF));
     }
     struct stat status {};
     if ((place.descriptor ? fstat(*place.descriptor, &status)

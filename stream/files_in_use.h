@@ -22,9 +22,9 @@ Place find_place(const std::string &path);
 /// of its names; devices and pipes may be read and written, and /dev/null is no file.
 class FilesInUse {
   public:
-    /// "-" is standard input. Throws UsageError.
+    /// "-" is standard input. Throws UsageError, IoError where a descriptor is not open.
     void reads(const std::string &path);
-    /// "-" is standard output. Throws UsageError.
+    /// "-" is standard output. Throws UsageError, IoError likewise.
     void writes(const std::string &path);
 
   private:

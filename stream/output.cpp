@@ -1,52 +1,24 @@
 #include "stream/output.h"
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
-#include <csignal>
-#include <cstdlib>
+#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
 #include "stream/errors.h"
 #include "stream/files_in_use.h"
+#include "stream/unfinished_files.h"
 
 namespace aceconv {
 namespace {
 
 constexpr std::size_t buffer_bytes = 1 << 16;
-
-// The names of unfinished files, for the signal handler: the main output and a report.
-std::array<const char *volatile, 2> unfinished{};
-
-void forget(const char *name) {
-    for (auto &slot : unfinished) {
-        if (slot == name) {
-            slot = nullptr;
-        }
-    }
-}
-
-void remember(const char *name) {
-    for (auto &slot : unfinished) {
-        if (slot == nullptr) {
-            slot = name;
-            return;
-        }
-    }
-}
-
-extern "C" void stop(int signal) {
-    for (auto &slot : unfinished) {
-        if (slot != nullptr) {
-            unlink(slot);
-        }
-    }
-    std::signal(signal, SIG_DFL);
-    raise(signal);
-}
+// Of a file's name in that of the unfinished one, which is longer by a few, and may
+// have 255 at most, on some file systems 143.
+constexpr std::size_t shown_of_name = 100;
 
 mode_t current_umask() {
     const mode_t mask = umask(0);
@@ -54,17 +26,30 @@ mode_t current_umask() {
     return mask;
 }
 
-} // namespace
+/// Gives the file to who owns the other one, as far as that is allowed; the mode that
+/// it may have then.
+mode_t take_ownership(int file, const struct stat &other) {
+    const mode_t mode = other.st_mode & 07777U;
+    if (fchown(file, other.st_uid, other.st_gid) == 0) {
+        return mode;
+    }
+    const mode_t plain = mode & 0777U;
+    return fchown(file, static_cast<uid_t>(-1), other.st_gid) == 0
+               ? plain
+               : (plain & 0707U) | ((plain & 07U) << 3U);
+}
 
-void install_signal_handlers() {
-    std::signal(SIGPIPE, SIG_IGN); // shows as EPIPE instead
-    std::signal(SIGXFSZ, SIG_IGN); // as EFBIG
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        if (std::signal(signal, stop) == SIG_IGN) {
-            std::signal(signal, SIG_IGN); // stays ignored, as under nohup
-        }
+/// So that a name in it stays after a crash, where its file system can do that.
+void sync_folder(const std::string &file) {
+    const int folder =
+        open(file.substr(0, file.rfind('/') + 1).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder >= 0) {
+        (void)fsync(folder);
+        close(folder);
     }
 }
+
+} // namespace
 
 Output::Output(const std::string &path, ReaderGone gone)
     : path_(path == "-" ? "<stdout>" : path), gone_(gone) {
@@ -80,32 +65,42 @@ Output::Output(const std::string &path, ReaderGone gone)
     } else if (there && !S_ISREG(status.st_mode)) {
         fd_ = open(target_.c_str(), O_WRONLY | O_CLOEXEC);
     } else {
-        const std::size_t name_at = target_.rfind('/') + 1; // npos + 1 is 0
-        std::string name = target_.substr(0, name_at) + "." + target_.substr(name_at) + ".XXXXXX";
-        fd_ = mkostemp(name.data(), O_CLOEXEC);
-        if (fd_ >= 0) {
-            temporary_ = name;
-            remember(temporary_.c_str());
-            if (there) {
-                static_cast<void>(fchown(fd_, status.st_uid, status.st_gid) == 0 ||
-                                  fchown(fd_, static_cast<uid_t>(-1), status.st_gid) == 0);
-            }
-            (void)fchmod(fd_, there ? status.st_mode & 0777 : 0666 & ~current_umask());
-        }
+        create_beside(there ? &status : nullptr);
     }
     if (fd_ < 0) {
-        throw IoError(path_ + ": cannot write: " + std::strerror(errno));
+        fail(errno);
     }
 }
 
 Output::~Output() {
     if (!temporary_.empty()) {
         unlink(temporary_.c_str());
-        forget(temporary_.c_str());
+        forget_unfinished(temporary_);
     }
     if (own_ && fd_ >= 0) {
         close(fd_);
     }
+}
+
+void Output::fail(int error) const {
+    throw IoError(path_ + ": cannot write: " + std::strerror(error));
+}
+
+/// A file beside the target, which takes over what it can of the one to be replaced.
+void Output::create_beside(const struct stat *replaced) {
+    const std::size_t name_at = target_.rfind('/') + 1; // npos + 1 is 0
+    std::size_t shown = std::min(target_.size() - name_at, shown_of_name);
+    while (name_at + shown < target_.size() && (target_[name_at + shown] & 0xC0) == 0x80) {
+        --shown; // not inside a character
+    }
+    temporary_ = target_.substr(0, name_at) + "." + target_.substr(name_at, shown) + ".XXXXXX";
+    fd_ = create_unfinished(temporary_);
+    if (fd_ < 0) {
+        temporary_.clear();
+        return;
+    }
+    (void)fchmod(fd_,
+                 replaced != nullptr ? take_ownership(fd_, *replaced) : 0666U & ~current_umask());
 }
 
 void Output::write(std::string_view bytes) {
@@ -129,7 +124,7 @@ void Output::flush() {
             closed_ = true;
             rest = {};
         } else if (errno != EINTR) {
-            throw IoError(path_ + ": cannot write: " + std::strerror(errno));
+            fail(errno);
         }
     }
     const bool ended = closed_ && !buffer_.empty() && gone_ == ReaderGone::ends;
@@ -139,17 +134,43 @@ void Output::flush() {
     }
 }
 
-void Output::commit() {
+/// Everything is where it is to be, but under its name.
+void Output::complete() {
     flush();
+    if (!temporary_.empty() && (fsync(fd_) != 0 || close(std::exchange(fd_, -1)) != 0)) {
+        fail(errno);
+    }
+}
+
+void Output::put_in_place() {
     if (temporary_.empty()) {
         return;
     }
-    if (fsync(fd_) != 0 || close(std::exchange(fd_, -1)) != 0 ||
-        std::rename(temporary_.c_str(), target_.c_str()) != 0) {
-        throw IoError(path_ + ": cannot write: " + std::strerror(errno));
+    if (std::rename(temporary_.c_str(), target_.c_str()) != 0) {
+        fail(errno);
     }
-    forget(temporary_.c_str());
+    forget_unfinished(temporary_);
     temporary_.clear();
+    placed_ = true;
+}
+
+void Output::commit(std::initializer_list<Output *> outputs) {
+    for (Output *output : outputs) {
+        if (output != nullptr) {
+            output->complete();
+        }
+    }
+    const SignalsHeld held; // all or none
+    for (Output *output : outputs) {
+        if (output != nullptr) {
+            output->put_in_place();
+        }
+    }
+    for (const Output *output : outputs) {
+        if (output != nullptr && output->placed_) {
+            sync_folder(output->target_);
+        }
+    }
 }
 
 } // namespace aceconv

@@ -2,8 +2,10 @@
 // only when it is complete.
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 
 namespace aceconv {
 
@@ -14,9 +16,11 @@ enum class ReaderGone { ends, is_ignored };
 class Output {
   public:
     /// "-" is standard output. A regular file, or one that is not there yet, is
-    /// written beside its place, and takes over the mode and, if it may, the owner of
-    /// the one that it replaces; a link to nothing creates what it leads to. A device,
-    /// a pipe, and what names a descriptor (/dev/stdout) are written to directly.
+    /// written beside its place, and takes over mode, owner and group of the one that
+    /// it replaces; where it may not have the group, the group has what all others
+    /// have. A link to nothing creates what it leads to; hard links stay with what
+    /// stood there before. A device, a pipe, and what names a descriptor (/dev/stdout)
+    /// are written to directly.
     explicit Output(const std::string &path, ReaderGone gone = ReaderGone::ends);
     /// Leaves no trace of a file that was not committed.
     ~Output();
@@ -28,8 +32,10 @@ class Output {
     void write(std::string_view bytes);
     /// Hands over everything that has been written, now.
     void flush();
-    /// Flushes and puts the file in its place; only destruction may follow.
-    void commit();
+    /// Puts files in their places, none before they are all complete on the disk, and
+    /// the first one first; null stands for none. Only destruction may follow.
+    static void commit(std::initializer_list<Output *> outputs);
+    void commit() { commit({this}); }
 
     /// Written where readers can see it already, so what is there should be whole.
     [[nodiscard]] bool visible() const { return temporary_.empty(); }
@@ -37,18 +43,21 @@ class Output {
     [[nodiscard]] bool empty() const { return empty_; }
 
   private:
+    [[noreturn]] void fail(int error) const;
+    void create_beside(const struct stat *replaced);
+    void complete();
+    void put_in_place();
+
     std::string path_;
     std::string target_;    // path_ with symbolic links followed
     std::string temporary_; // empty when written directly
     std::string buffer_;
     int fd_ = -1;
-    bool own_ = true; // the descriptor is to be closed
+    bool own_ = true;     // the descriptor is to be closed
+    bool placed_ = false; // under its name
     const ReaderGone gone_;
     bool closed_ = false; // there is no reader any more
     bool empty_ = true;   // nothing has been written
 };
-
-/// Removes unfinished files when the program is told to stop.
-void install_signal_handlers();
 
 } // namespace aceconv

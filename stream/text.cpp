@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "host/utf8.h"
 
@@ -9,27 +10,36 @@ namespace aceconv {
 namespace {
 constexpr std::size_t longest_shown = 200; // bytes of data in one message
 constexpr std::array all_schemas = {Schema::base, Schema::um};
+
+/// Control characters, line separators, and what turns the direction of writing: from the first
+/// to the last, in UTF-8.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 7> driving_characters = {
+    {{{"\0", 1}, "\x1F"},
+     {"\x7F", "\x7F"},
+     {"\xC2\x80", "\xC2\x9F"},
+     {"\xD8\x9C", "\xD8\x9C"},
+     {"\xE2\x80\x8E", "\xE2\x80\x8F"},
+     {"\xE2\x80\xA8", "\xE2\x80\xAE"},
+     {"\xE2\x81\xA6", "\xE2\x81\xA9"}}};
 } // namespace
 
 std::string escaped(std::string_view text) {
     const bool utf8 = text_fault(text) == nullptr;
     std::string shown;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        // The control characters U+0080 to U+009F are C2 80 to C2 9F.
-        const auto lead = static_cast<unsigned char>(i > 0 ? text[i - 1] : 0);
-        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
-        const bool control = byte < 0x20 || byte == 0x7F || (byte >= 0x80 && !utf8) ||
-                             (byte == 0xC2 && next < 0xA0) ||
-                             (lead == 0xC2 && byte >= 0x80 && byte < 0xA0);
-        if (!control) {
-            shown += static_cast<char>(byte);
-            continue;
+    for (std::size_t i = 0; i < text.size();) {
+        std::size_t driving = !utf8 && static_cast<unsigned char>(text[i]) >= 0x80 ? 1 : 0;
+        for (const auto &[first, last] : driving_characters) {
+            const std::string_view character = text.substr(i, first.size());
+            driving = character >= first && character <= last ? first.size() : driving;
         }
-        constexpr std::string_view digits = "0123456789abcdef";
-        shown += "\\x";
-        shown += digits[byte >> 4];
-        shown += digits[byte & 15];
+        if (driving == 0) {
+            shown += text[i++];
+        }
+        for (; driving > 0; --driving, ++i) {
+            constexpr std::string_view digits = "0123456789abcdef";
+            const auto byte = static_cast<unsigned char>(text[i]);
+            shown += {'\\', 'x', digits[byte >> 4], digits[byte & 15]};
+        }
     }
     return shown;
 }

@@ -14,8 +14,8 @@ constexpr bool is_json_blank(char c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r';
 }
 
-/// `text` with control characters and what is no UTF-8 as \xNN, so that data
-/// cannot drive a terminal.
+/// `text` with what is no UTF-8, control characters and those that turn the direction of
+/// writing as \xNN, so that data cannot drive a terminal.
 std::string escaped(std::string_view text);
 
 /// The same, cut when it is long: data inside a message.

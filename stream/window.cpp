@@ -13,10 +13,10 @@
 namespace aceconv {
 
 ReadChunk open_input(const std::string &path, std::shared_ptr<InputMeter> meter) {
-    const auto fail = [path](int error) {
-        return IoError(path + ": cannot read: " + std::strerror(error));
-    };
     const bool standard = path == "-";
+    const auto fail = [name = standard ? "<stdin>" : path](int error) {
+        return IoError(name + ": cannot read: " + std::strerror(error));
+    };
     const int fd = standard ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) {
         throw fail(errno);

@@ -1,6 +1,7 @@
 #include "host/schema/modules.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <mutex>
 #include <new>
 
@@ -17,6 +18,14 @@ namespace {
 void quieten_libyang() {
     static std::once_flag once;
     std::call_once(once, [] { ly_log_options(LY_LOSTORE_LAST); });
+}
+
+/// Anything else could keep whoever reads it waiting.
+void require_regular(const std::string &file) {
+    std::error_code none;
+    if (std::filesystem::exists(file, none) && !std::filesystem::is_regular_file(file, none)) {
+        throw DataError("", file + ": not a regular file");
+    }
 }
 
 bool is_text_of(const std::string &file, std::string_view text) {
@@ -74,6 +83,9 @@ const lysc_node &compiled_node(const SchemaNode &node) {
 }
 
 Modules::Context::Context(const std::string &directory) {
+    for (const Schema schema : schemas) {
+        require_regular(module_file(directory, schema));
+    }
     for (const Schema schema : schemas) {
         if (!is_text_of(module_file(directory, schema), compiled_module(schema).text)) {
             load(&directory);

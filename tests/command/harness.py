@@ -3,6 +3,7 @@ import json
 import os
 import pathlib
 import re
+import resource
 import signal
 import subprocess
 import tempfile
@@ -18,6 +19,10 @@ MODULE = {"base": "aceconv-base", "um": "aceconv-um"}
 # Under nohup and in background jobs these come ignored, and would be for the command.
 for sign in (signal.SIGHUP, signal.SIGINT, signal.SIGQUIT):
     signal.signal(sign, signal.SIG_DFL)
+resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+# Sanitizers would take these signals for themselves.
+for name in ("ASAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS"):
+    os.environ[name] = os.environ.get(name, "") + ":handle_segv=0:handle_sigbus=0"
 
 
 def document(schema, *lists):

@@ -9,6 +9,7 @@
 
 #include "host/nearest.h"
 #include "stream/errors.h"
+#include "stream/output.h"
 #include "tools/aceconv/exit_code.h"
 #include "tools/aceconv/report.h"
 #include "tools/aceconv/verbs/verbs.h"
@@ -286,8 +287,11 @@ int run_command_line(int argc, char **argv) {
             parse(app, std::move(arguments));
         } catch (const CLI::CallForVersion &) {
             return show_version(calls.common);
-        } catch (const CLI::Success &help) {
-            return app.exit(help);
+        } catch (const CLI::Success &) {
+            Output output("-");
+            output.write(app.help());
+            output.commit();
+            return exit_ok;
         } catch (const CLI::ParseError &fault) {
             throw UsageError(fault.what());
         }

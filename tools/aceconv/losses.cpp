@@ -19,12 +19,12 @@ class LossAccount::Report {
         output_.write(std::exchange(first_, false) ? "\n" : ",\n");
         output_.write(change_json(loss, entry, file));
     }
-    void finish(const Tally &tally) {
+    Output *finish(const Tally &tally) {
         output_.write("\n],\"entries\":" + std::to_string(tally.entries) +
                       ",\"entries-with-losses\":" + std::to_string(tally.entries_with_losses) +
                       ",\"entries-that-match-more\":" + std::to_string(tally.entries_widened) +
                       "}\n");
-        output_.commit();
+        return &output_;
     }
 
   private:
@@ -37,7 +37,7 @@ bool losses_wanted(const LossOptions &options) {
 }
 
 ReaderGone reader_gone(const LossOptions &options) {
-    return options.strict ? ReaderGone::is_ignored : ReaderGone::ends;
+    return options.strict || !options.report.empty() ? ReaderGone::is_ignored : ReaderGone::ends;
 }
 
 LossAccount::LossAccount(const LossOptions &options, const std::string &about, Run &run)
@@ -91,10 +91,11 @@ void LossAccount::say_losses(const std::string &file, const Entry &entry,
     }
 }
 
-int LossAccount::finish() {
-    if (report_ && !run_.stopped()) {
-        report_->finish(run_.tally());
-    }
+Output *LossAccount::finish_report() {
+    return report_ && !run_.stopped() ? report_->finish(run_.tally()) : nullptr;
+}
+
+int LossAccount::verdict() const {
     return options_.strict && run_.tally().losses != 0 ? exit_verdict : exit_ok;
 }
 

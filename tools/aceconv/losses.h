@@ -14,7 +14,8 @@ namespace aceconv::tool {
 /// Whether anyone asks for losses; where no one does they need not be found.
 bool losses_wanted(const LossOptions &options);
 
-/// What the end of the output's reader means: the exit code may still tell of losses.
+/// What the end of the output's reader means: the exit code or the report may still tell
+/// of losses.
 ReaderGone reader_gone(const LossOptions &options);
 
 class LossAccount {
@@ -31,9 +32,10 @@ class LossAccount {
     /// Like the first, but says nothing: for a verb whose output they are.
     void count(const Entry &entry, const Losses &losses);
 
-    /// Completes the report, unless the run has stopped; exit_verdict when losses are
-    /// to be told so.
-    int finish();
+    /// The report, with its end written; null when there is none, or the run has stopped.
+    Output *finish_report();
+    /// exit_verdict when losses are to be told so.
+    [[nodiscard]] int verdict() const;
 
   private:
     class Report;

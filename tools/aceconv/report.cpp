@@ -12,11 +12,30 @@ namespace {
 
 constexpr const char *erase_line = "\r\033[K";
 bool status_stands = false; // on the terminal
+// The most of a message that is shown: its begin says where, its end what was expected.
+constexpr std::size_t longest_begin = 1200;
+constexpr std::size_t longest_end = 400;
+
+std::string shortened(std::string line) {
+    const auto continues = [&line](std::size_t at) { return (line[at] & 0xC0) == 0x80; };
+    if (line.size() > longest_begin + longest_end) {
+        std::size_t begin = longest_begin; // neither inside a character
+        std::size_t end = line.size() - longest_end;
+        while (continues(begin)) {
+            --begin;
+        }
+        while (continues(end)) {
+            --end;
+        }
+        line.replace(begin, end - begin, "... (" + std::to_string(end - begin) + " bytes) ...");
+    }
+    return line;
+}
 
 void write_line(const std::string &prefix, std::string_view line) {
     std::string text = std::exchange(status_stands, false) ? erase_line : "";
     text += prefix;
-    text += escaped(line);
+    text += shortened(escaped(line));
     text += '\n';
     std::fwrite(text.data(), 1, text.size(), stderr); // unbuffered, so one call a line
 }

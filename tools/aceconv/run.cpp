@@ -5,6 +5,7 @@
 
 #include "compare/schema_dependence.h"
 #include "stream/errors.h"
+#include "stream/text.h"
 #include "tools/aceconv/exit_code.h"
 #include "tools/aceconv/setup.h"
 
@@ -51,7 +52,8 @@ void Run::begin(Work work, unsigned jobs, OnFault on_fault) {
 }
 
 std::string Run::shown(const Entry &entry) const {
-    return (several() ? file(entry.position) + ": " : "") + shown_entry(entry.key, entry.position);
+    return (several() ? escaped(file(entry.position)) + ": " : "") +
+           shown_entry(entry.key, entry.position);
 }
 
 EntryStream::Item *Run::next() {
@@ -133,14 +135,12 @@ void Run::each(Work work, const Emit &emit) {
     }
 }
 
-void Run::finish(Output &output, Sink *sink) {
+void Run::finish(Output &output, Output *report, Sink *sink) {
     try {
         if (sink != nullptr && (!stopped() || (output.visible() && !output.empty()))) {
             sink->close();
         }
-        if (!stopped() || output.visible()) {
-            output.commit();
-        }
+        Output::commit({report, !stopped() || output.visible() ? &output : nullptr});
     } catch (const PipeClosed &) {
         closed_ = true;
     }

@@ -59,9 +59,9 @@ class Run {
     [[nodiscard]] bool stopped() const {
         return stopped_ || closed_ || (tally_.errors != 0 && tally_.entries == 0);
     }
-    /// Completes the output of the run. When it was stopped, a file is dropped, while
-    /// what readers can see already is made whole.
-    void finish(Output &output, Sink *sink = nullptr);
+    /// Completes the output of the run, and with it the report if there is one. When it
+    /// was stopped, a file is dropped, while what readers can see already is made whole.
+    void finish(Output &output, Output *report, Sink *sink = nullptr);
     /// Other files of the run beside its inputs and its output. Throw UsageError when
     /// one of them is in use already.
     void also_reads(const std::string &path) { files_.reads(path); }

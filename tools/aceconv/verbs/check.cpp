@@ -34,9 +34,9 @@ int run_check(const CheckOptions &options) {
                      counted(tally.entries_with_losses, "does", "do") +
                      " not come back the same\n");
     }
-    run.finish(output);
+    run.finish(output, account.finish_report());
     const int verdict = tally.losses != 0 ? exit_verdict : exit_ok;
-    return std::max({account.finish(), verdict, run.conclude()});
+    return std::max({account.verdict(), verdict, run.conclude()});
 }
 
 } // namespace aceconv::tool

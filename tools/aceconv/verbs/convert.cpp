@@ -49,8 +49,8 @@ int run_convert(const ConvertOptions &options) {
             sink->write(entry.key, to, product.bytes);
             account.add(entry, product.changes);
         });
-    run.finish(output, sink.get());
-    return std::max(account.finish(), run.conclude());
+    run.finish(output, account.finish_report(), sink.get());
+    return std::max(account.verdict(), run.conclude());
 }
 
 } // namespace aceconv::tool

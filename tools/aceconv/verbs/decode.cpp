@@ -29,8 +29,8 @@ int run_decode(const DecodeOptions &options) {
             sink->write(entry.key, entry.schema, product.bytes);
             account.add(entry, product.changes);
         });
-    run.finish(output, sink.get());
-    return std::max(account.finish(), run.conclude());
+    run.finish(output, account.finish_report(), sink.get());
+    return std::max(account.verdict(), run.conclude());
 }
 
 } // namespace aceconv::tool

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "stream/errors.h"
+#include "stream/text.h"
 #include "tools/aceconv/exit_code.h"
 #include "tools/aceconv/losses.h"
 #include "tools/aceconv/verbs/verbs.h"
@@ -108,15 +109,12 @@ class Comparison {
         for (const auto &[key, entry] : side.waiting()) {
             if (other.lacks(key)) {
                 ++different_;
-                write(entry, mark + " only in " + side.run().file());
+                write(entry, mark + " only in " + escaped(side.run().file()));
             }
         }
     }
 
-    int finish() {
-        output_.commit();
-        return different_ == 0 ? exit_ok : exit_verdict;
-    }
+    [[nodiscard]] int verdict() const { return different_ == 0 ? exit_ok : exit_verdict; }
 
     [[nodiscard]] const Style &style() const { return style_; }
     [[nodiscard]] Output &output() { return output_; }
@@ -181,8 +179,8 @@ int run_diff(const DiffOptions &options) {
         comparison.rest(right, left, comparison.style().green("+"));
     }
     left.run().merge(right.run());
-    const int status = comparison.finish();
-    return std::max({account.finish(), left.run().conclude(), status});
+    left.run().finish(comparison.output(), account.finish_report());
+    return std::max({account.verdict(), left.run().conclude(), comparison.verdict()});
 }
 
 } // namespace aceconv::tool

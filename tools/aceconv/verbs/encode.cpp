@@ -76,14 +76,14 @@ int run_encode(const EncodeOptions &options) {
             sink->write(entry.key, entry.schema, product.bytes);
             account.add(entry, product.changes);
         });
-    run.finish(output, sink.get());
     if (!run.stopped()) {
         for (const StoredRecords::Left &left : stored.left()) {
             account.add(shown_name(options.stored), left.stored,
                         losses_of_stored(view, run.descriptor(), left.stored.encoding, left.why));
         }
     }
-    return std::max(account.finish(), run.conclude());
+    run.finish(output, account.finish_report(), sink.get());
+    return std::max(account.verdict(), run.conclude());
 }
 
 } // namespace aceconv::tool

@@ -148,8 +148,8 @@ int run_inspect(const InspectOptions &options) {
             output.write(product.bytes);
             account.add(entry, product.changes);
         });
-    run.finish(output);
-    return std::max(account.finish(), run.conclude());
+    run.finish(output, account.finish_report());
+    return std::max(account.verdict(), run.conclude());
 }
 
 } // namespace aceconv::tool
