@@ -83,7 +83,7 @@ FAULTS = {
     "null_text_passes": "ccv_yang_string takes what it cannot write, and keeps no failure (a null text)",
     "control_characters_pass": "ccv_yang_string takes what it cannot write, and keeps no failure (a control",
     "no_failure_is_kept": "ccv_yang_string changes the failure that the output keeps",
-    "text_is_not_copied": "ccv_yang_string keeps ",
+    "text_is_not_copied": 'ccv_yang_string keeps "####" as the value of "vrf-name", not "blue"',
     "empty_leaf_is_lost": 'ccv_yang_empty loses the node: "icmp-off" "" was written and is not shown',
     "abort_registers": "bag_register_abort leaves the type registered",
     "definition_not_set": "bag_definition_init reports success and sets no definition",

@@ -115,13 +115,14 @@ void Output::expect(const Entry &entry) {
     }
 }
 
-void emit(Check &check, ccv_yang_output *output, const Entry &entry, ccv_yang_node *tree) {
+Overwritten emit(Check &check, ccv_yang_output *output, const Entry &entry, ccv_yang_node *tree) {
     std::map<const Row *, std::uint32_t> addresses;
     walk(check, tree, entry, [&](const Row &row, ccv_yang_node *node) {
         if (row.kind == address) {
             check.expect_success(CALL(check, ccv_yang_get_ipv4)(node, &addresses[&row]));
         }
     });
+    Overwritten texts;
     std::vector<const Row *> open;
     const auto close = [&](std::uint32_t depth) {
         for (; open.size() > depth; open.pop_back()) {
@@ -156,7 +157,7 @@ void emit(Check &check, ccv_yang_output *output, const Entry &entry, ccv_yang_no
         case address:
             return CALL(check, ccv_yang_ipv4)(output, row.name, addresses[&row]);
         case string: {
-            std::string text = row.value; // gone after the call
+            std::string &text = texts.emplace_back(row.value);
             const std::uint32_t status =
                 CALL(check, ccv_yang_string)(output, row.name, text.c_str());
             std::fill(text.begin(), text.end(), '#');
@@ -178,6 +179,7 @@ void emit(Check &check, ccv_yang_output *output, const Entry &entry, ccv_yang_no
     }
     close(0);
     check.at(entry.name);
+    return texts;
 }
 
 } // namespace aceconv::hostcheck

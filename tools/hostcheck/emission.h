@@ -1,6 +1,8 @@
 // Writing rows with the host's emitters, and comparing what it shows.
 #pragma once
 
+#include <deque>
+
 #include "tools/hostcheck/walk.h"
 
 namespace aceconv::hostcheck {
@@ -32,7 +34,12 @@ class Output {
     ccv_yang_output *handle_;
 };
 
-/// Writes the entry as a decoder does. Addresses are as the host's reader gives them.
-void emit(Check &check, ccv_yang_output *output, const Entry &entry, ccv_yang_node *tree);
+/// Texts that were handed to an emitter, overwritten since.
+using Overwritten = std::deque<std::string>;
+
+/// Writes the entry as a decoder does. Addresses are as the host's reader gives them. To
+/// be held while the output is looked at: a host that kept a text itself shows it so.
+[[nodiscard]] Overwritten emit(Check &check, ccv_yang_output *output, const Entry &entry,
+                               ccv_yang_node *tree);
 
 } // namespace aceconv::hostcheck

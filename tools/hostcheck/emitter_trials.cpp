@@ -45,7 +45,7 @@ void emit_entries(Check &check) {
     for (const Entry &entry : entries) {
         const Tree tree(check, entry);
         Output output(check, entry.schema), other(check, entries[0].schema);
-        emit(check, output.handle(), entry, tree.node());
+        const Overwritten texts = emit(check, output.handle(), entry, tree.node());
         CALL(check, ccv_yang_bool)(other.handle(), "capture", 7);
         check.expect(output.status() == 0, "keeps a failure where none was");
         output.expect(entry);

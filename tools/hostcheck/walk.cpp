@@ -79,17 +79,21 @@ class Walker {
         const char *const name = CALL(check_, ccv_yang_get_node_name)(current_);
         check_.expect(name != nullptr, "gives null for a name");
         Level &here = level();
+        if (here.shown == here.nodes.size() ||
+            std::strcmp(rows_[here.nodes[here.shown]].name, name) != 0) {
+            explain(step, name);
+        }
+        return here.nodes[here.shown++];
+    }
+
+    /// Says what is wrong with a node of that name in this place.
+    [[noreturn]] void explain(std::uint32_t step, const char *name) {
+        const Level &here = level();
         const std::string shown = std::string("\"") + name + "\"";
-        if (here.shown < here.nodes.size()) {
-            const std::size_t row = here.nodes[here.shown];
-            if (std::strcmp(rows_[row].name, name) == 0) {
-                ++here.shown;
-                return row;
-            }
-            if (const char *const colon = std::strrchr(name, ':');
-                colon != nullptr && std::strcmp(rows_[row].name, colon + 1) == 0) {
-                check_.broken("gives " + shown + ", a name with a prefix");
-            }
+        const char *const colon = std::strrchr(name, ':');
+        if (colon != nullptr && here.shown < here.nodes.size() &&
+            std::strcmp(rows_[here.nodes[here.shown]].name, colon + 1) == 0) {
+            check_.broken("ccv_yang_get_node_name", "gives " + shown + ", a name with a prefix");
         }
         if (step == CCV_YANG_STEP_ENTRY && here.shown == here.nodes.size() && passes_ > 1) {
             check_.broken("ccv_yang_iter_is_active",
@@ -97,12 +101,9 @@ class Walker {
         }
         const std::string where = " in " + here.name;
         const char *const mover = here.shown == 0 ? "ccv_yang_iter_first" : "ccv_yang_iter_next";
-        const auto in_level = [&](const Level &level) {
-            return std::find_if(level.nodes.begin(), level.nodes.end(), [&](std::size_t row) {
-                return std::strcmp(rows_[row].name, name) == 0;
-            });
-        };
-        const auto same = in_level(here);
+        const auto same = std::find_if(here.nodes.begin(), here.nodes.end(), [&](std::size_t row) {
+            return std::strcmp(rows_[row].name, name) == 0;
+        });
         if (here.shown == here.nodes.size() && step != CCV_YANG_STEP_ENTRY &&
             (same == here.nodes.end() || step == CCV_YANG_STEP_LIST)) {
             check_.broken(mover, "leaves a level too early: behind the last node of " + here.name +
