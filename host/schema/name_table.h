@@ -24,7 +24,7 @@ class NameTable {
     /// 255 bytes; the place of each is its number in this order. Made for `count` of them.
     template <class NameAt>
     void make(std::size_t count, NameAt name_at) {
-        const auto bits = static_cast<unsigned>(std::bit_width(4 * count)) + 1;
+        const auto bits = static_cast<unsigned>(std::bit_width(4 * count | 1U));
         shift_ = 64 - bits;
         slots_.assign(std::size_t{1} << bits, {});
         for (std::size_t place = 0; place < count; ++place) {

@@ -167,6 +167,54 @@ void expect_same(const SchemaNode &table, const SchemaNode &libyang) {
     }
 }
 
+// By any of the texts that differ from one of them in a byte or in their length, too.
+template <class Find>
+void expect_names_found(const std::vector<std::string> &names, Find find) {
+    const auto place = [&](const std::string &text) -> std::size_t {
+        const auto found = std::find(names.begin(), names.end(), text);
+        return found == names.end() ? NameTable::none : found - names.begin();
+    };
+    for (const std::string &name : names) {
+        std::string text = name + "        "; // as many bytes may be read
+        for (std::size_t length = 0; length <= name.size() + 1; ++length) {
+            EXPECT_EQ(find({text.data(), length}), place(text.substr(0, length))) << text;
+        }
+        for (std::size_t at = 0; at < name.size(); ++at) {
+            text[at] ^= 1;
+            EXPECT_EQ(find({text.data(), name.size()}), place(text.substr(0, name.size())));
+            text[at] ^= 1;
+        }
+    }
+}
+
+void expect_names_found(const SchemaNode &node) {
+    std::vector<std::string> names;
+    for (const SchemaNode &child : node.children) {
+        names.emplace_back(child.key);
+        expect_names_found(child);
+    }
+    expect_names_found(names, [&](std::string_view text) -> std::size_t {
+        const SchemaNode *child = node.child(text);
+        return child == nullptr ? NameTable::none : child->place;
+    });
+    names.clear();
+    for (const SchemaNode::Name &name : node.names) {
+        names.emplace_back(name.text);
+    }
+    expect_names_found(names, [&](std::string_view text) { return node.name_place(text); });
+}
+
+TEST(YangModules, NamesAreFoundInTheirTables) {
+    expect_names_found(modules().context().entry(Schema::base));
+    expect_names_found(modules().context().entry(Schema::um));
+    // With the same ends, so that they share a slot of the table.
+    const std::vector<std::string> names{"12345678-a-12345678", "12345678-b-12345678",
+                                         "12345678-c-12345678", "1234567812345678", "12345678"};
+    NameTable table;
+    table.make(names.size(), [&](std::size_t i) { return std::string_view(names[i]); });
+    expect_names_found(names, [&](std::string_view text) { return table.find(text); });
+}
+
 TEST(YangModules, OtherTextsThanThoseOfTheBuildAreCompiled) {
     const Modules built(ACECONV_YANG_DIRECTORY);
     const TemporaryDirectory other;
