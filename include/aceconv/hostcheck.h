@@ -43,9 +43,10 @@ typedef struct hostcheck_row {
 
 typedef enum hostcheck_schema { HOSTCHECK_BASE, HOSTCHECK_UM } hostcheck_schema;
 
-/* An entry of these rows, to be handed to ccv_yang_iter_create and the encoders.
- * Null when the host refuses the rows: some hold values outside their type, and a
- * host that checks types on the way in need not let its readers see them. */
+/* An entry of these rows, the first of them its sequence number, to be handed to
+ * ccv_yang_iter_create and the encoders. Null when the host refuses the rows: some hold values
+ * outside their type, and a host that checks types on the way in need not let its readers see them.
+ */
 ccv_yang_node *hostcheck_tree_create(hostcheck_schema schema, const hostcheck_row *rows);
 void hostcheck_tree_free(ccv_yang_node *entry);
 

@@ -15,7 +15,7 @@ GROWS = " leaves memory in use: "
 
 # A fault of broken_host.c, and what the first line says after the name of the trial.
 FAULTS = {
-    "nodes_out_of_order": 'ccv_yang_iter_first shows "protocol-operator" where "grant" "permit" comes next',
+    "nodes_out_of_order": 'ccv_yang_iter_first shows "grant" where "sequence-number" "10" comes next',
     "list_entries_as_nodes": "ccv_yang_iter_first shows \"udf-name\" where the entries of the list \"udf\" come",
     "no_tree": "hostcheck_tree_create makes no tree of valid rows",
     "iterator_not_set": "ccv_yang_iter_create reports success and sets no iterator",
@@ -24,7 +24,7 @@ FAULTS = {
     "never_active": "ccv_yang_iter_is_active is 0 before the first pass",
     "always_active": "ccv_yang_iter_is_active is not 0 after the last pass",
     "first_clears_status": "ccv_yang_iter_first clears or changes the status",
-    "first_passes_over": 'ccv_yang_iter_first shows "protocol-operator" where "grant" "permit" comes next',
+    "first_passes_over": 'ccv_yang_iter_first shows "grant" where "sequence-number" "10" comes next',
     "index_from_1": "ccv_yang_iter_first keeps index at 1 on entry 0 of the list",
     "finished_on_last_node": 'ccv_yang_iter_is_finished says that "source-network" is at its end, and '
                              '"source-prefix-length" "24" is still to come',
@@ -38,13 +38,13 @@ FAULTS = {
     "next_clears_status": "ccv_yang_iter_next clears or changes the status",
     "next_fails": "ccv_yang_iter_next fails with 0x77 where nothing is wrong",
     "index_stays": "ccv_yang_iter_next keeps index at 0 on entry 1 of the list",
-    "walk_uses_up_the_tree": "ccv_yang_iter_first shows the end of the entry, and \"grant\" \"permit\" "
+    "walk_uses_up_the_tree": "ccv_yang_iter_first shows the end of the entry, and \"sequence-number\" \"10\" "
                              "is still to come",
     "null_iterator": "ccv_yang_iter_destroy" + CRASHES,
     "walks_are_kept": "ccv_yang_iter_destroy" + GROWS,
-    "names_with_prefix": 'ccv_yang_get_node_name gives "ab:grant", a name with a prefix',
+    "names_with_prefix": 'ccv_yang_get_node_name gives "ab:sequence-number", a name with a prefix',
     "names_do_not_last": "ccv_yang_get_node_name gives a name that does not last as long as the tree: "
-                         '"grant" has become "sequence-str"',
+                         '"sequence-number" has become "sequence-str"',
     "null_name": "ccv_yang_get_node_name gives null for a name",
     "uint8_writes_4_bytes": "ccv_yang_get_uint8 writes more than the 1 bytes of its destination",
     "uint8_cuts": 'ccv_yang_get_uint8 accepts "256"',

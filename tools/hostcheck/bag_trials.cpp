@@ -227,7 +227,8 @@ void hold_no_memory(Check &check) {
                           copy);
                }
            });
-    const hostcheck_row rows[] = {{0, HOSTCHECK_NAME, "grant", "permit"}, {}};
+    const hostcheck_row rows[] = {
+        {0, HOSTCHECK_NUMBER, "sequence-number", "10"}, {0, HOSTCHECK_NAME, "grant", "permit"}, {}};
     ccv_yang_node *const tree = CALL(check, hostcheck_tree_create)(HOSTCHECK_BASE, rows);
     check.expect(tree != nullptr, "makes no tree of valid rows");
     steady("ccv_yang_iter_destroy", "a walk begun and given up", [&] {

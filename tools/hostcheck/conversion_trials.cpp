@@ -80,8 +80,10 @@ void convert_entries(Check &check) {
         encoding.expect_decoded(entry);
     }
     // The base schema has no leaves for user-defined fields; they come from what is stored.
-    const Row plain[] = {{0, Kind::keyword, "grant", "permit", acl_yang_acl_grant}};
+    const Row plain[] = {sequence_number,
+                         {0, Kind::keyword, "grant", "permit", acl_yang_acl_grant}};
     const Row fields[] = {
+        sequence_number,
         {0, Kind::presence, "permit"},
         {1, Kind::container, "source"},
         {2, Kind::presence, "any"},
@@ -106,11 +108,13 @@ void convert_with_failures(Check &check) {
     check.calling("bag_register");
     check.expect_success(check.host.bag_register_all_ipv4_acl_bags());
     // A node that the schema does not have: a host may refuse it on the way in.
-    const Row unknown[] = {{0, Kind::presence, "permit"},
+    const Row unknown[] = {sequence_number,
+                           {0, Kind::presence, "permit"},
                            {1, Kind::container, "source"},
                            {2, Kind::string, "no-such-leaf", "x"},
                            {0, Kind::string, "remark", "behind it"}};
-    const Row value[] = {{0, Kind::presence, "permit"},
+    const Row value[] = {sequence_number,
+                         {0, Kind::presence, "permit"},
                          {1, Kind::container, "source"},
                          {2, Kind::address, "address", "not an address"},
                          {0, Kind::string, "remark", "behind it"}};
@@ -126,7 +130,7 @@ void convert_with_failures(Check &check) {
                 expected = CALL(check, ccv_yang_get_ipv4)(at, &address);
             }
         });
-        check.at("the node " + quoted(rows[2]) + " of a um entry");
+        check.at("the node " + quoted(rows[3]) + " of a um entry");
         void *out_a = nullptr, *out_b = nullptr;
         check.expect_success(CALL(check, hostcheck_encoding_create)(&out_a, &out_b));
         const std::uint32_t status =

@@ -60,6 +60,7 @@ std::string quoted(const Shown &node) {
 } // namespace
 
 void Output::expect(const Entry &entry) {
+    const Rows rows = written(entry.rows);
     std::vector<Shown> nodes;
     CALL(check_, hostcheck_output_show)
     (
@@ -70,9 +71,9 @@ void Output::expect(const Entry &entry) {
                  row->value != nullptr ? row->value : ""});
         },
         &nodes);
-    nodes = without_empty(std::move(nodes), entry.rows);
-    for (std::size_t i = 0; i < entry.rows.size(); ++i) {
-        const Row &row = entry.rows[i];
+    nodes = without_empty(std::move(nodes), rows);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const Row &row = rows[i];
         const char *const emitter = emitter_of(row);
         if (i == nodes.size()) {
             check_.broken(emitter,
@@ -96,7 +97,7 @@ void Output::expect(const Entry &entry) {
                               std::to_string(row.depth));
         }
         if (is_leaf(row) && node.value != written(row)) {
-            if (i != 0 && entry.rows[i - 1].kind == list_entry &&
+            if (i != 0 && rows[i - 1].kind == list_entry &&
                 std::any_of(nodes.begin() + static_cast<std::ptrdiff_t>(i), nodes.end(),
                             [&](const Shown &later) {
                                 return later.name == row.name && later.value == written(row);
@@ -109,9 +110,9 @@ void Output::expect(const Entry &entry) {
                                        "\", not \"" + written(row) + "\"");
         }
     }
-    if (nodes.size() > entry.rows.size()) {
-        check_.broken(emitter_of(entry.rows.back()),
-                      "adds a node: " + quoted(nodes[entry.rows.size()]) + " was not written");
+    if (nodes.size() > rows.size()) {
+        check_.broken(emitter_of(rows.back()),
+                      "adds a node: " + quoted(nodes[rows.size()]) + " was not written");
     }
 }
 
@@ -169,7 +170,7 @@ Overwritten emit(Check &check, ccv_yang_output *output, const Entry &entry, ccv_
             return CALL(check, ccv_yang_uint32)(output, row.name, number_of(row));
         }
     };
-    for (const Row &row : entry.rows) {
+    for (const Row &row : written(entry.rows)) {
         close(row.depth);
         check.at("the node " + quoted(row) + " of " + entry.name);
         check.expect_success(write(row));

@@ -13,6 +13,7 @@ using enum Kind;
 
 // clang-format off
 const Row base_all[] = {
+    sequence_number,
     {0, keyword, "grant", "permit", acl_yang_acl_grant},
     {0, keyword, "protocol-operator", "range", acl_yang_acl_operator},
     {0, named_number, "protocol", "tcp", acl_yang_acl_protocol},
@@ -71,6 +72,7 @@ const Row base_all[] = {
 };
 
 const Row base_end_in_containers[] = {
+    sequence_number,
     {0, keyword, "grant", "deny", acl_yang_acl_grant},
     {0, named_number, "protocol", "ip", acl_yang_acl_protocol},
     {0, container, "source-network"},
@@ -84,6 +86,7 @@ const Row base_end_in_containers[] = {
 };
 
 const Row um_all[] = {
+    sequence_number,
     {0, presence, "permit"},
     {1, container, "range"},
     {2, keyword_or_number, "start-protocol", "tcp", acl_yang_acl_protocol_um},
@@ -156,6 +159,7 @@ const Row um_all[] = {
 };
 
 const Row um_empty_containers[] = {
+    sequence_number,
     {0, presence, "deny"},
     {1, keyword_or_number, "protocol", "ipv4", acl_yang_acl_protocol_um},
     {1, container, "source"},

@@ -26,6 +26,7 @@ enum class Kind : std::uint8_t {
     address,
     string,
     empty,
+    key, // the entry's own, which hosts may insist on; encoders pass over it
 };
 
 struct Row {
@@ -44,6 +45,13 @@ struct Entry {
     Rows rows;
 };
 extern const std::span<const Entry> entries;
+
+inline constexpr Row sequence_number{0, Kind::key, "sequence-number", "10"};
+
+/// What decoders write: all but the key.
+inline Rows written(Rows rows) {
+    return !rows.empty() && rows.front().kind == Kind::key ? rows.subspan(1) : rows;
+}
 
 inline bool is_leaf(const Row &row) {
     return row.kind >= Kind::u8;

@@ -137,7 +137,7 @@ void refuse(Check &check, const Refusal &refusal, const ccv_yang_keyword *table)
     Row leaf = refusal.leaf;
     leaf.table = table;
     leaf.depth = refusal.container != nullptr ? 1 : 0;
-    std::vector<Row> rows;
+    std::vector<Row> rows{sequence_number};
     if (refusal.container != nullptr) {
         rows.push_back({0, Kind::container, refusal.container});
     }
