@@ -4,6 +4,7 @@
 
 #include "compare/kept_nodes.h"
 #include "compare/loss_reasons.h"
+#include "compare/quick_proof.h"
 #include "compare/translation.h"
 
 namespace aceconv {
@@ -82,28 +83,41 @@ std::vector<Change> compare_records(const RecordView &view, const bag_descriptor
     return changes;
 }
 
+/// The nodes of an entry that `encoding`, of this record, does not keep. Each leaf of
+/// the base schema has a field of its own, as wide as its type, so its records keep
+/// every node.
+Losses losses_of_text(Codec &codec, const RecordView &view, const Entry &entry, Encoding encoding,
+                      const ipv4_acl_config_ace &record) {
+    if (codec.nodes() == nullptr || entry.schema == Schema::base ||
+        surely_kept(*codec.nodes(), record)) {
+        return {};
+    }
+    const ccv_yang_node &decoded = codec.decode_nodes(encoding, entry.schema, entry.key);
+    return nodes_not_kept(codec, view, entry.schema, encoding, decoded);
+}
+
 } // namespace
 
 void convert(Codec &codec, const RecordView &view, Entry &entry, Schema to, Format format,
              std::string &text, Losses *losses) {
     const Encoding encoding = codec.encode(entry);
-    if (losses != nullptr) {
-        *losses = losses_of_encoding(codec, view, entry, encoding);
-    }
-    Translation translation;
-    Bytes translated;
-    if (entry.schema != to) {
-        DecodedRecord record(codec.descriptor(), encoding);
-        translation = translate(record.get(), entry.schema, to);
-        translated = translation.changed ? record.encode() : Bytes();
-    }
-    const Encoding written = translation.changed ? Encoding(translated) : encoding;
-    if (losses == nullptr) {
-        codec.decode(written, to, format, entry.key, text);
+    if (losses == nullptr && entry.schema == to) {
+        codec.decode(encoding, to, format, entry.key, text);
         return;
     }
-    ccv_yang_node &nodes = codec.decode_with_nodes(written, to, format, entry.key, text);
-    const Encoding again = codec.encode_nodes(nodes, to);
+    DecodedRecord record(codec.descriptor(), encoding);
+    if (losses != nullptr) {
+        *losses = losses_of_text(codec, view, entry, encoding, record.get());
+    }
+    const Translation translation = translate(record.get(), entry.schema, to);
+    const Bytes translated = translation.changed ? record.encode() : Bytes();
+    const Encoding written = translation.changed ? Encoding(translated) : encoding;
+    codec.decode(written, to, format, entry.key, text);
+    if (losses == nullptr ||
+        (translation.untranslated.empty() && surely_said(view, record.get(), to))) {
+        return;
+    }
+    const Encoding again = codec.encode_nodes(codec.decode_nodes(written, to, entry.key), to);
     if (!translation.untranslated.empty() || !same(again, written)) {
         for (Change &loss : compare_records(view, codec.descriptor(), {encoding, entry.schema},
                                             {again, to}, Words::losses)) {
@@ -129,13 +143,11 @@ Losses losses_there_and_back(Codec &codec, const RecordView &view, const Entry &
 
 Losses losses_of_encoding(Codec &codec, const RecordView &view, const Entry &entry,
                           Encoding encoding) {
-    // Each leaf of the base schema has a field of its own, as wide as its type, so its
-    // records keep every node.
     if (codec.nodes() == nullptr || entry.schema == Schema::base) {
         return {};
     }
-    const ccv_yang_node &nodes = codec.decode_nodes(encoding, entry.schema, entry.key);
-    return nodes_not_kept(codec, view, entry.schema, encoding, nodes);
+    return losses_of_text(codec, view, entry, encoding,
+                          DecodedRecord(codec.descriptor(), encoding).get());
 }
 
 Losses losses_of_stored(const RecordView &view, const bag_descriptor &descriptor, Encoding stored,

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <arpa/inet.h>
+#include <bit>
 #include <bitset>
 #include <cinttypes>
 #include <cstdio>
@@ -115,6 +116,10 @@ RecordView::RecordView(const bag_descriptor &descriptor) : members_(bag_members(
         if (fields_.back() == nullptr) {
             throw IoError("the plug-in's record has an unknown field " + member.name);
         }
+        const RecordField &field = *fields_.back();
+        for (int bit = field.first_bit; bit >= 0 && bit <= field.last_bit; ++bit) {
+            marked_.at(static_cast<std::size_t>(bit)) = {member.offset, member.width};
+        }
     }
     if (members_.size() != record_fields().size()) {
         throw IoError("the plug-in's record lacks fields that are expected");
@@ -160,6 +165,22 @@ std::vector<FieldValue> RecordView::describe(const ipv4_acl_config_ace &record,
         }
     }
     return shown;
+}
+
+bool RecordView::marks_all(const ipv4_acl_config_ace &record) const {
+    ipv4_acl_config_ace unmarked = record;
+    auto *const bytes = reinterpret_cast<std::uint8_t *>(&unmarked);
+    const auto clear = [&](std::uint64_t mask, int first) {
+        for (; mask != 0; mask &= mask - 1) {
+            const Place &place = marked_[static_cast<std::size_t>(first + std::countr_zero(mask))];
+            std::memset(bytes + place.offset, 0, place.width);
+        }
+    };
+    clear(record.ConfigurationMask, 0);
+    clear(record.ConfigurationMask2, second_mask);
+    unmarked.ConfigurationMask = unmarked.ConfigurationMask2 = 0;
+    static constexpr ipv4_acl_config_ace empty{};
+    return std::memcmp(&unmarked, &empty, sizeof empty) == 0;
 }
 
 bool same_value(const FieldValue &a, const FieldValue &b) {

@@ -1,6 +1,7 @@
 // A record as an engineer reads it, and two records side by side.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -71,9 +72,17 @@ class RecordView {
     [[nodiscard]] std::vector<FieldValue> describe(const ipv4_acl_config_ace &record,
                                                    Schema schema) const;
 
+    /// Whether presence bits mark every member that is not zero.
+    [[nodiscard]] bool marks_all(const ipv4_acl_config_ace &record) const;
+
   private:
+    struct Place {
+        std::size_t offset = 0;
+        std::size_t width = 0;
+    };
     std::vector<BagMember> members_;
     std::vector<const RecordField *> fields_; // of the members
+    std::array<Place, mask_bits> marked_;     // by bit; empty for a bit without a member
 };
 
 } // namespace aceconv

@@ -88,12 +88,6 @@ class EntryWriter {
     /// what it was given (a value without a keyword, an invalid string, a null
     /// string) or containers were left open.
     virtual void finish(std::string &text) = 0;
-
-    /// Keeps what is written as nodes too, from the next begin on.
-    virtual void keep_nodes() = 0;
-    /// Those of the entry last finished, as a reader would make them of its text
-    /// but for the sequence number, which may be missing. Valid until the next begin.
-    virtual ccv_yang_node &nodes() = 0;
 };
 
 /// Takes what a decoder emits as nodes instead of text.
@@ -103,7 +97,8 @@ class EntryMirror {
 
     /// Like EntryWriter's.
     virtual ccv_yang_output *begin(const EntryKey &where) = 0;
-    /// Throws what EntryWriter::finish throws. The node stays valid until the next begin.
+    /// The nodes as a reader would make them of the text, but for the sequence number,
+    /// which may be missing; valid until the next begin. Throws what EntryWriter::finish throws.
     virtual ccv_yang_node &finish() = 0;
 };
 std::unique_ptr<EntryMirror> make_mirror(Modules &modules, Schema schema);

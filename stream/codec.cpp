@@ -172,14 +172,6 @@ void Codec::decode(Encoding encoding, Schema schema, Format format, const EntryK
     write(writer(schema, format), encoding, schema, key, text);
 }
 
-ccv_yang_node &Codec::decode_with_nodes(Encoding encoding, Schema schema, Format format,
-                                        const EntryKey &key, std::string &text) {
-    EntryWriter &target = writer(schema, format);
-    target.keep_nodes();
-    write(target, encoding, schema, key, text);
-    return target.nodes();
-}
-
 ccv_yang_node &Codec::decode_nodes(Encoding encoding, Schema schema, const EntryKey &key) {
     auto &mirror = mirrors_[schema == Schema::um ? 1 : 0];
     if (!mirror) {

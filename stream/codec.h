@@ -43,10 +43,7 @@ class Codec {
     void decode(Encoding encoding, Schema schema, Format format, const EntryKey &key,
                 std::string &text);
 
-    /// The same, and what was written as nodes, valid until the next call of either.
-    ccv_yang_node &decode_with_nodes(Encoding encoding, Schema schema, Format format,
-                                     const EntryKey &key, std::string &text);
-    /// The nodes alone, valid until the next call. Throws DataError.
+    /// The entry as nodes, valid until the next call. Throws DataError.
     ccv_yang_node &decode_nodes(Encoding encoding, Schema schema, const EntryKey &key);
 
     /// The nodes of the entry last encoded from text, valid until the next; null when

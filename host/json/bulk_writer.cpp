@@ -180,8 +180,6 @@ class BulkWriter final : public EntryWriter {
     }
 
     void finish(std::string &text) override { output_.finish(text); }
-    void keep_nodes() override { output_.keep_nodes(); }
-    ccv_yang_node &nodes() override { return output_.nodes(); }
 
   private:
     BulkOutput output_;

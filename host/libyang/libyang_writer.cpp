@@ -137,9 +137,6 @@ class LibyangWriter final : public EntryWriter {
         output_.drop();
     }
 
-    void keep_nodes() override { output_.keep_nodes(); }
-    ccv_yang_node &nodes() override { return output_.nodes(); }
-
   private:
     /// Appends the printed entry without what libyang prints around it: JSON has
     /// {"module:entry":[...]}, and the stand-in key comes out of both notations.
