@@ -56,6 +56,21 @@ FieldType type_of(const std::string &described) {
     }
 }
 
+/// Whether the member has a byte that is not zero.
+bool is_set(const ipv4_acl_config_ace &record, const BagMember &member) {
+    const auto *at = reinterpret_cast<const std::uint8_t *>(&record) + member.offset;
+    return std::any_of(at, at + member.width, [](std::uint8_t byte) { return byte != 0; });
+}
+
+bool is_marked(const std::bitset<mask_bits> &bits, const RecordField &field) {
+    for (int bit = field.first_bit; bit >= 0 && bit <= field.last_bit; ++bit) {
+        if (bits.test(static_cast<std::size_t>(bit))) {
+            return true;
+        }
+    }
+    return false;
+}
+
 /// Reads the value of a member; whether it is anything but zero.
 bool read_value(const ipv4_acl_config_ace &record, const BagMember &member, Schema schema,
                 FieldValue &shown) {
@@ -133,12 +148,16 @@ std::vector<FieldValue> RecordView::describe(const ipv4_acl_config_ace &record,
     std::vector<FieldValue> shown;
     for (std::size_t i = 0; i < members_.size(); ++i) {
         const BagMember &member = members_[i];
+        const RecordField &field = *fields_[i];
+        if (!is_set(record, member) && !is_marked(bits, field)) { // most of them
+            continue;
+        }
         FieldValue value;
         value.name = member.name;
-        value.field = fields_[i];
+        value.field = &field;
         value.offset = member.offset;
         value.width = member.width;
-        for (int bit = value.field->first_bit; bit >= 0 && bit <= value.field->last_bit; ++bit) {
+        for (int bit = field.first_bit; bit >= 0 && bit <= field.last_bit; ++bit) {
             if (bits.test(static_cast<std::size_t>(bit))) {
                 value.bits.push_back(bit);
                 bits.reset(static_cast<std::size_t>(bit));
