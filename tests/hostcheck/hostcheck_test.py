@@ -6,8 +6,8 @@ import re
 import subprocess
 import unittest
 
-HOSTCHECK, EXAMPLE, BROKEN, PLUGIN = (os.environ["ACECONV_" + name] for name in (
-    "HOSTCHECK", "EXAMPLE_HOST", "BROKEN_HOST", "PLUGIN"))
+HOSTCHECK, EXAMPLE, REFERENCE, BROKEN, PLUGIN = (os.environ["ACECONV_" + name] for name in (
+    "HOSTCHECK", "EXAMPLE_HOST", "REFERENCE_HOST", "BROKEN_HOST", "PLUGIN"))
 # Sanitizers report crashes in their own way, and their allocator does not tell what is in use.
 SANITIZED = bool(os.environ["ACECONV_SANITIZE"])
 CRASHES = " crashes, or what follows it does: "
@@ -107,17 +107,17 @@ FAULTS = {
 }
 
 
-def check(*words, fault=None):
-    env = {**os.environ, "HOST_FAULT": fault} if fault else None
-    done = subprocess.run([HOSTCHECK, "--plugin", PLUGIN, *words], env=env, check=False,
-                          capture_output=True, text=True, timeout=300)
+def check(*words, **env):
+    done = subprocess.run([HOSTCHECK, "--plugin", PLUGIN, *words], env={**os.environ, **env},
+                          check=False, capture_output=True, text=True, timeout=300)
     return done.returncode, done.stdout, done.stderr
 
 
 class HostCheck(unittest.TestCase):
     def test_a_host_that_keeps_its_promises(self):
-        for host in EXAMPLE, BROKEN:
-            code, out, err = check(host)
+        for host, backend in ((EXAMPLE, ""), (BROKEN, ""), (REFERENCE, "bulk"),
+                              (REFERENCE, "validating")):
+            code, out, err = check(host, HOST_BACKEND=backend)
             self.assertEqual((code, err), (0, ""), out)
             self.assertRegex(out, r"\A\S+: 17 trials, 0 of them found a broken promise\n\Z")
 
@@ -128,7 +128,7 @@ class HostCheck(unittest.TestCase):
                   if not SANITIZED or not (CRASHES in words or GROWS in words)]
         with concurrent.futures.ThreadPoolExecutor(4) as pool:
             runs = pool.map(lambda fault: check("--first", "--limit", "1" if fault == "hangs" else "60",
-                                                BROKEN, fault=fault), faults)
+                                                BROKEN, HOST_FAULT=fault), faults)
             for fault, (code, out, _) in zip(faults, runs):
                 with self.subTest(fault):
                     self.assertEqual(code, 1, out)
@@ -137,7 +137,7 @@ class HostCheck(unittest.TestCase):
                     self.assertRegex(last, r": \d+ trials, 1 of them found a broken promise$")
 
     def test_every_trial_is_done(self):
-        code, out, _ = check(BROKEN, fault="creation_fails")
+        code, out, _ = check(BROKEN, HOST_FAULT="creation_fails")
         *broken, last = out.splitlines()
         self.assertEqual(code, 1)
         self.assertIn(f" 17 trials, {len(broken)} of them", last)
