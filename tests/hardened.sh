@@ -16,9 +16,11 @@ for file; do
         shift
         "$@" || { echo "${file##*/}: no $what"; failed=1; }
     }
+    # shellcheck disable=SC2317
     shows() { # readelf option, expression
         readelf -W "$1" "$file" 2> /dev/null | grep -qE "$2"
     }
+    # shellcheck disable=SC2317 # called through want
     imports() {
         nm -D --undefined-only "$file" | grep -qE "$1"
     }
