@@ -40,9 +40,8 @@ mode_t take_ownership(int file, const struct stat &other) {
 }
 
 /// So that a name in it stays after a crash, where its file system can do that.
-void sync_folder(const std::string &file) {
-    const int folder =
-        open(file.substr(0, file.rfind('/') + 1).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+void sync_folder(const std::string &path) {
+    const int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder >= 0) {
         (void)fsync(folder);
         close(folder);
@@ -93,7 +92,8 @@ void Output::create_beside(const struct stat *replaced) {
     while (name_at + shown < target_.size() && (target_[name_at + shown] & 0xC0) == 0x80) {
         --shown; // not inside a character
     }
-    temporary_ = target_.substr(0, name_at) + "." + target_.substr(name_at, shown) + ".XXXXXX";
+    folder_ = target_.substr(0, name_at);
+    temporary_ = folder_ + "." + target_.substr(name_at, shown) + ".XXXXXX";
     fd_ = create_unfinished(temporary_);
     if (fd_ < 0) {
         temporary_.clear();
@@ -168,7 +168,7 @@ void Output::commit(std::initializer_list<Output *> outputs) {
     }
     for (const Output *output : outputs) {
         if (output != nullptr && output->placed_) {
-            sync_folder(output->target_);
+            sync_folder(output->folder_);
         }
     }
 }

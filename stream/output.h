@@ -50,6 +50,7 @@ class Output {
 
     std::string path_;
     std::string target_;    // path_ with symbolic links followed
+    std::string folder_;    // of a file that is put in its place
     std::string temporary_; // empty when written directly
     std::string buffer_;
     int fd_ = -1;
