@@ -2,6 +2,7 @@
 // with the byte where it stands.
 
 #include <arpa/inet.h>
+#include <bit>
 #include <cinttypes>
 #include <cstdlib>
 #include <cstring>
@@ -73,8 +74,8 @@ class Decoder {
     }
 
     /// The same for any head.
-    [[nodiscard, gnu::cold]] bool next_item(CborKind kind, std::uint64_t &value,
-                                            const char *expected) {
+    [[nodiscard, gnu::noinline]] bool next_item(CborKind kind, std::uint64_t &value,
+                                                const char *expected) {
         Item item{};
         const ItemStatus status = read_item({at_, end_}, item);
         if (status == ItemStatus::cut_off) {
@@ -183,16 +184,6 @@ class Decoder {
 
     [[nodiscard]] bool value(const Member &member, std::uint8_t *field) {
         switch (member.kind) {
-        case MemberKind::u8:
-            return number<std::uint8_t>(field);
-        case MemberKind::u16:
-            return number<std::uint16_t>(field);
-        case MemberKind::u32:
-            return number<std::uint32_t>(field);
-        case MemberKind::u64:
-            return number<std::uint64_t>(field);
-        case MemberKind::address:
-            return address(field);
         case MemberKind::string:
             return string(field);
         case MemberKind::bytes:
@@ -201,34 +192,39 @@ class Decoder {
             return fields(*member.type, field, false);
         case MemberKind::array:
             return array(*member.type, field);
+        default:
+            return number(member, field);
         }
-        return false;
     }
 
-    template <typename Number>
-    [[nodiscard]] bool number(std::uint8_t *field) {
-        std::uint64_t value = 0;
-        if (!next_number(value, "expected a number")) {
+    [[nodiscard]] bool number(const Member &member, std::uint8_t *field) {
+        static_assert(std::endian::native == std::endian::little); // low bytes come first
+        std::uint64_t number = 0;
+        if (!next_number(number, "expected a number")) {
             return false;
         }
-        if (value == 0) {
+        if (number == 0) {
             return malformed("an explicit zero");
         }
-        const auto number = static_cast<Number>(value);
-        if (number != value) {
+        if (number > member.largest) {
             return malformed("a number beyond the member's width");
         }
-        std::memcpy(field, &number, sizeof number);
-        return true;
-    }
-
-    [[nodiscard]] bool address(std::uint8_t *field) {
-        std::uint32_t address = 0;
-        if (!number<std::uint32_t>(reinterpret_cast<std::uint8_t *>(&address))) {
-            return false;
+        if (member.kind == MemberKind::address) {
+            number = htonl(static_cast<std::uint32_t>(number));
         }
-        address = htonl(address);
-        std::memcpy(field, &address, sizeof address);
+        switch (member.width) {
+        case 1:
+            *field = static_cast<std::uint8_t>(number);
+            break;
+        case 2:
+            std::memcpy(field, &number, 2);
+            break;
+        case 4:
+            std::memcpy(field, &number, 4);
+            break;
+        default:
+            std::memcpy(field, &number, sizeof number);
+        }
         return true;
     }
 

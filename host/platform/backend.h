@@ -88,7 +88,7 @@ struct ccv_yang_output {
     std::uint32_t list_end();
     std::uint32_t leaf(const char *name, const aceconv::Value &value);
     /// Keeps a failure at `name`, or at the current position when it is null.
-    std::uint32_t fail(aceconv::YangStatus status, const char *name, std::string why);
+    std::uint32_t fail(aceconv::YangStatus status, const char *name, std::string_view why);
     /// The leaf `name` at the current position, for messages; null if unknown.
     [[nodiscard]] const aceconv::SchemaNode *peek(const char *name) const;
 
@@ -128,20 +128,21 @@ struct ccv_yang_output {
 
     [[nodiscard]] std::string position(const char *name) const;
     const aceconv::SchemaNode *child(const char *name, aceconv::NodeKind kind);
+    // What only failures reach stands apart, and texts are put together there.
     void refuse_child(const char *name, aceconv::NodeKind kind);
+    void refuse_keyless(const aceconv::SchemaNode &list);
     std::uint32_t refuse_value(const aceconv::SchemaNode &leaf, const aceconv::Value &value);
-    bool open_pending(std::size_t last);
+    bool open_pending(Level *last);
     std::uint32_t end(NodeForm form);
-    std::uint32_t entry_key(const aceconv::SchemaNode &leaf, std::string_view key);
+    [[gnu::noinline]] std::uint32_t entry_key(const aceconv::SchemaNode &leaf,
+                                              std::string_view key);
 
     const aceconv::Schema schema_;
     const aceconv::SchemaNode &entry_;
     const bool drop_empty_;
-    Level &innermost() { return levels_[depth_]; }
-    [[nodiscard]] const Level &innermost() const { return levels_[depth_]; }
 
     std::array<Level, aceconv::max_depth> levels_;      // up to the innermost
-    std::size_t depth_ = 0;                             // of the innermost
+    Level *innermost_ = levels_.data();                 // of them
     std::vector<std::unordered_set<std::string>> keys_; // of the open lists
     std::unique_ptr<aceconv::EmittedTree> nodes_;       // null when they are not kept
     aceconv::EntryKey where_;

@@ -1,5 +1,6 @@
 // What the emitters of aceconv/host/yang_access.h do, for any backend.
 #include <new>
+#include <span>
 
 #include "host/data_path.h"
 #include "host/error.h"
@@ -58,8 +59,8 @@ void ccv_yang_output::restart(const aceconv::EntryKey &where) {
         nodes_->start(entry_);
     }
     keys_.clear();
-    depth_ = 0;
-    innermost() = {.schema = &entry_, .form = NodeForm::entry, .opened = true};
+    innermost_ = levels_.data();
+    *innermost_ = {.schema = &entry_, .form = NodeForm::entry, .opened = true};
     where_ = where;
     failure_ = YangStatus::ok;
 }
@@ -70,15 +71,14 @@ void ccv_yang_output::check_complete() const {
                                                     ? aceconv::status_text(code(failure_))
                                                     : failure_why_);
     }
-    if (depth_ > 0) {
+    if (innermost_ != levels_.data()) {
         throw aceconv::DataError(position(nullptr), "left open");
     }
 }
 
 std::string ccv_yang_output::position(const char *name) const {
     std::string path = aceconv::entry_path(schema_, where_);
-    for (std::size_t depth = 0; depth <= depth_; ++depth) {
-        const Level &level = levels_[depth];
+    for (const Level &level : std::span(levels_.data(), innermost_ + 1)) {
         if (level.form == NodeForm::list_entry) {
             if (level.key != nullptr && !level.key->empty()) {
                 path += aceconv::key_predicate(level.schema->children[0].name, *level.key);
@@ -91,12 +91,12 @@ std::string ccv_yang_output::position(const char *name) const {
     return name == nullptr ? path : path + '/' + name;
 }
 
-std::uint32_t ccv_yang_output::fail(YangStatus status, const char *name, std::string why) {
+std::uint32_t ccv_yang_output::fail(YangStatus status, const char *name, std::string_view why) {
     if (failure_ == YangStatus::ok) {
         failure_ = status;
         failure_path_.clear();
-        failure_why_ = std::move(why);
         try {
+            failure_why_ = why;
             failure_path_ = position(name);
         } catch (const std::bad_alloc &) {
             failure_ = YangStatus::no_memory;
@@ -107,12 +107,12 @@ std::uint32_t ccv_yang_output::fail(YangStatus status, const char *name, std::st
 }
 
 const SchemaNode *ccv_yang_output::peek(const char *name) const {
-    return innermost().schema->named(name, innermost().hint);
+    return innermost_->schema->named(name, innermost_->hint);
 }
 
 /// The child that a call names, checked and noted as given; null after a failure.
 inline const SchemaNode *ccv_yang_output::child(const char *name, NodeKind kind) {
-    Level &level = innermost();
+    Level &level = *innermost_;
     if (failure_ == YangStatus::ok && level.form != NodeForm::list) {
         const SchemaNode *found = level.schema->named(name, level.hint);
         const std::uint64_t bit = found == nullptr ? 0 : std::uint64_t{1} << found->place;
@@ -131,7 +131,7 @@ void ccv_yang_output::refuse_child(const char *name, NodeKind kind) {
     if (failure_ != YangStatus::ok) {
         return;
     }
-    if (innermost().form == NodeForm::list) {
+    if (innermost_->form == NodeForm::list) {
         fail(YangStatus::misplaced, name, "a node between the entries of a list");
         return;
     }
@@ -145,25 +145,29 @@ void ccv_yang_output::refuse_child(const char *name, NodeKind kind) {
     }
 }
 
-/// Opens what was held back, up to the level at depth `last`.
-bool ccv_yang_output::open_pending(std::size_t last) {
-    std::size_t pending = last + 1; // what is around an open level is open
-    while (!levels_[pending - 1].opened) {
+void ccv_yang_output::refuse_keyless(const SchemaNode &list) {
+    fail(YangStatus::misplaced, nullptr,
+         std::string("an entry starts with its key, ") + list.children[0].name);
+}
+
+/// Opens what was held back, up to the level `last`.
+bool ccv_yang_output::open_pending(Level *last) {
+    Level *pending = last + 1;
+    while (!pending[-1].opened) { // what is around an open level is open
         --pending;
     }
     for (; pending <= last; ++pending) {
-        Level &level = levels_[pending];
+        Level &level = *pending;
         if (level.form == NodeForm::list) {
             continue;
         }
         if (level.form == NodeForm::list_entry) {
-            fail(YangStatus::misplaced, nullptr,
-                 std::string("an entry starts with its key, ") + level.schema->children[0].name);
+            refuse_keyless(*level.schema);
             return false;
         }
         if (!open(*level.schema, failure_why_) ||
             (nodes_ && !nodes_->open(*level.schema, failure_why_))) {
-            fail(YangStatus::refused, nullptr, std::move(failure_why_));
+            fail(YangStatus::refused, nullptr, failure_why_);
             return false;
         }
         level.opened = true;
@@ -176,17 +180,17 @@ std::uint32_t ccv_yang_output::container_begin(const char *name) {
     if (container == nullptr) {
         return code(failure_);
     }
-    levels_[++depth_] = {.schema = container, .form = NodeForm::container};
+    *++innermost_ = {.schema = container, .form = NodeForm::container};
     if (!drop_empty_) {
-        open_pending(depth_);
+        open_pending(innermost_);
     }
     return code(failure_);
 }
 
 std::uint32_t ccv_yang_output::presence() {
     if (failure_ == YangStatus::ok) {
-        if (innermost().form == NodeForm::container) {
-            open_pending(depth_);
+        if (innermost_->form == NodeForm::container) {
+            open_pending(innermost_);
         } else {
             fail(YangStatus::misplaced, nullptr, "presence of something else than a container");
         }
@@ -194,20 +198,20 @@ std::uint32_t ccv_yang_output::presence() {
     return code(failure_);
 }
 
-std::uint32_t ccv_yang_output::end(NodeForm form) {
+inline std::uint32_t ccv_yang_output::end(NodeForm form) {
     if (failure_ == YangStatus::ok) {
-        if (innermost().form != form) {
+        if (innermost_->form != form) {
             fail(YangStatus::misplaced, nullptr, "an end without its begin");
-        } else if (form == NodeForm::list_entry && !innermost().opened) {
+        } else if (form == NodeForm::list_entry && !innermost_->opened) {
             fail(YangStatus::misplaced, nullptr, "an entry without its key");
         } else {
-            if (innermost().opened) {
+            if (innermost_->opened) {
                 close();
                 if (nodes_) {
                     nodes_->close();
                 }
             }
-            --depth_;
+            --innermost_;
             if (form == NodeForm::list) {
                 keys_.pop_back();
             }
@@ -230,35 +234,35 @@ std::uint32_t ccv_yang_output::list_begin(const char *name) {
     const SchemaNode *list = child(name, NodeKind::list);
     if (list != nullptr) {
         keys_.emplace_back();
-        levels_[++depth_] = {.schema = list, .form = NodeForm::list};
+        *++innermost_ = {.schema = list, .form = NodeForm::list};
     }
     return code(failure_);
 }
 
 std::uint32_t ccv_yang_output::list_entry_begin(const char *name, std::uint32_t keys) {
     if (failure_ == YangStatus::ok) {
-        const Level &list = innermost();
+        const Level &list = *innermost_;
         if (list.form != NodeForm::list || std::string_view(name) != list.schema->name ||
             keys != 1) {
             fail(YangStatus::misplaced, nullptr, "an entry outside its list");
         } else {
-            levels_[++depth_] = {.schema = list.schema, .form = NodeForm::list_entry};
+            *++innermost_ = {.schema = list.schema, .form = NodeForm::list_entry};
         }
     }
     return code(failure_);
 }
 
 std::uint32_t ccv_yang_output::entry_key(const SchemaNode &leaf, std::string_view key) {
-    Level &entry = innermost();
+    Level &entry = *innermost_;
     const auto [place, is_new] = keys_.back().emplace(key);
     entry.key = &*place;
     if (!is_new) {
         return fail(YangStatus::repeated, nullptr, "a second entry with the same key");
     }
-    if (open_pending(depth_ - 1)) { // what is around the list
+    if (open_pending(innermost_ - 1)) { // what is around the list
         if (!open_entry(*entry.schema, key, failure_why_) ||
             (nodes_ && !nodes_->open_entry(*entry.schema, key, failure_why_))) {
-            fail(YangStatus::refused, leaf.name, std::move(failure_why_));
+            fail(YangStatus::refused, leaf.name, failure_why_);
         }
         entry.opened = true;
     }
@@ -275,15 +279,15 @@ std::uint32_t ccv_yang_output::leaf(const char *name, const Value &value) {
          (value.number < found->smallest || value.number > found->largest))) {
         return refuse_value(*found, value);
     }
-    if (innermost().form == NodeForm::list_entry && found->place == 0) {
+    if (innermost_->form == NodeForm::list_entry && found->place == 0) {
         return entry_key(*found, value.text);
     }
-    if (!innermost().opened && !open_pending(depth_)) {
+    if (!innermost_->opened && !open_pending(innermost_)) {
         return code(failure_);
     }
     if (!put(*found, value, failure_why_) ||
         (nodes_ && !nodes_->put(*found, value, failure_why_))) {
-        fail(YangStatus::refused, name, std::move(failure_why_));
+        fail(YangStatus::refused, name, failure_why_);
     }
     return code(failure_);
 }

@@ -35,7 +35,7 @@ class TextBuffer {
     }
 
   private:
-    void enlarge(std::size_t capacity) {
+    [[gnu::noinline]] void enlarge(std::size_t capacity) {
         std::unique_ptr<char[]> larger(new char[capacity]);
         if (size_ != 0) {
             std::memcpy(larger.get(), bytes_.get(), size_);
