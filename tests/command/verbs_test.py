@@ -355,6 +355,14 @@ class Formats(Case):
                                             stdin=text)
             self.assertEqual((code, err.count("\n")), (2, 1))
             self.assertIn(said, err)
+        # A bad one is named, and the others are used.
+        kept = self.file("stored", stored("X", 20) * 2)
+        code, encoded, err = self.run_command("encode", "-q", "--keep-going", "--stored", kept,
+                                              stdin=base("X"))
+        self.assertEqual((code, err), (2, f"aceconv: {kept}:#2: acl 'X' entry 20: a second encoding "
+                                          "under this label\n"))
+        self.assertEqual([False, True], ["UDF" in [f["name"] for f in r["fields"]]
+                                         for r in self.records(stdin=encoded)])
 
 
 def generated(schema, *options):

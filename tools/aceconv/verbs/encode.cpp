@@ -13,18 +13,24 @@
 namespace aceconv::tool {
 namespace {
 
-/// Reads the file of stored encodings; false when it has a fault, which is told.
-bool read_stored(const std::string &path, StoredRecords &stored) {
-    Entry entry;
-    try {
-        const auto source = open_source(path, InputFormat::cbor, std::nullopt);
-        while (source->next(entry)) {
+/// Reads the file of stored encodings; false when it ended at a fault. Bad ones are
+/// told, and errors of the run if it keeps going.
+bool read_stored(const EncodeOptions &options, Run &run, StoredRecords &stored) {
+    const auto source = open_source(options.stored, InputFormat::cbor, std::nullopt);
+    for (;;) {
+        Entry entry;
+        try {
+            if (!source->next(entry)) {
+                return true;
+            }
             stored.add(entry);
+        } catch (const DataError &fault) {
+            say_fault(shown_name(options.stored), entry, fault);
+            if (!options.common.keep_going) {
+                return false;
+            }
+            ++run.tally().errors;
         }
-        return true;
-    } catch (const DataError &fault) {
-        say_fault(shown_name(path), entry, fault);
-        return false;
     }
 }
 
@@ -43,7 +49,7 @@ int run_encode(const EncodeOptions &options) {
     const bool any_stored = !options.stored.empty();
     if (any_stored) {
         run.also_reads(options.stored);
-        if (!read_stored(options.stored, stored)) {
+        if (!read_stored(options, run, stored)) {
             return exit_trouble;
         }
     }
