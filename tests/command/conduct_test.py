@@ -348,6 +348,11 @@ class KeepGoing(Case):
                 code, out, err = self.run_command("diff", *paths)
                 self.assertEqual((code, out, err.count("\n")), (2, b"", 1))
                 self.assertIn("aceconv: stopped: ", self.summary)
+        unknown, known = '{"sequence-number":"x"}\n', '{"sequence-number":10,"grant":"deny"}\n'
+        paths = self.file("a", unknown), self.file("b", known)
+        code, out, _ = self.run_command("diff", "--keep-going", "--schema-a", "base", *paths)
+        self.assertEqual((code, out.decode()),
+                         (2, f"entry 10: + only in {paths[1]}, or a bad entry of {paths[0]}\n"))
 
     def test_stops_at_the_first_without(self):
         code, out, err = self.run_command("encode", stdin=self.LINES)

@@ -66,9 +66,17 @@ class Side {
 
     /// Whether this side has no such entry, not even a bad one.
     [[nodiscard]] bool lacks(const PairKey &key) const { return whole_ && !bad_.contains(key); }
+    /// Whether one of its bad entries, whose number nobody knows, may be this one.
+    [[nodiscard]] bool may_have(const PairKey &key) const {
+        return std::get<1>(key) && std::any_of(bad_.begin(), bad_.end(), [&](const PairKey &bad) {
+                   const auto &list = std::get<0>(bad);
+                   return !std::get<1>(bad) && (!list || list == std::get<0>(key));
+               });
+    }
 
     [[nodiscard]] std::map<PairKey, Encoded> &waiting() { return waiting_; }
     [[nodiscard]] Run &run() { return run_; }
+    [[nodiscard]] std::string file() const { return run_.file(); }
 
   private:
     /// To be called once for each entry.
@@ -109,7 +117,10 @@ class Comparison {
         for (const auto &[key, entry] : side.waiting()) {
             if (other.lacks(key)) {
                 ++different_;
-                write(entry, mark + " only in " + escaped(side.run().file()));
+                const std::string where = mark + " only in " + escaped(side.file());
+                write(entry, other.may_have(key)
+                                 ? where + ", or a bad entry of " + escaped(other.file())
+                                 : where);
             }
         }
     }
