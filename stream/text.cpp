@@ -27,6 +27,10 @@ std::string escaped(std::string_view text) {
     const bool utf8 = text_fault(text) == nullptr;
     std::string shown;
     for (std::size_t i = 0; i < text.size();) {
+        if (text[i] >= ' ' && text[i] <= '~') { // nearly all
+            shown += text[i++];
+            continue;
+        }
         std::size_t driving = !utf8 && static_cast<unsigned char>(text[i]) >= 0x80 ? 1 : 0;
         for (const auto &[first, last] : driving_characters) {
             const std::string_view character = text.substr(i, first.size());
