@@ -7,22 +7,29 @@
 // as many, each place has the value of one tip and each tip a place: none was stepped
 // over, none replaced. As wide as the leaf's type, the place has its whole value.
 //
-// What a value means also depends on what stands beside it. That is seen to by name:
+// What a value means also depends on what stands beside it. That is seen to by name;
+// nodes are in the module's order here, whatever the order of the text:
 //
-// - The values of a range come last among the forms of a comparison and set its
-//   operator. Were one of the two values given by another form, say "eq" beside
-//   "end-value", there would be fewer values under "range" than the record's ranges have.
-//   Any other operator comes from the form that fills the one value.
+// - "range" comes last among the forms of a comparison, and each value in it sets the
+//   operator: one with a place of its own counts in the record's ranges too. So values
+//   under "range" are never more than values of the record's ranges, over all comparisons
+//   together, and as many only where no range has a value of another form, say of "eq"
+//   beside "end-value". Any other operator comes from the form that fills the one value.
 // - "host" without a mask beside it, and "any" without address, mask or group, are as
 //   they stand. All of these come before them in their container, so they are its first child.
 // - Signs of TCP flags are read as meant unless an unsigned flag follows a negative one.
-// - An entry with two actions, or an empty container that fills nothing, is not taken.
-// - User-defined fields stand in one list of at most eight and are kept whole.
+// - An entry with two actions, or an empty container that fills nothing, is not taken;
+//   the one action, with children or without, is what the record's action is read from.
+// - User-defined fields stand in one list of at most eight and are kept whole: the name's
+//   16 bytes, both numbers' 32 bits. No tip below them counts, and no place.
 //
 // Text says all of a record if the record consists of nothing but forms that the schema
 // has: then each marked member has its leaf, and reading the text marks and fills it
-// again. In the base schema every member has a leaf of its own. In the UM schema members
-// of a group need each other; a record of other combinations may be said or not.
+// again. That there is a text is given: a record that holds a number where the schema
+// has names alone, or a user-defined field's name that no text may have, was refused
+// when it was written. In the base schema every member has a leaf of its own. In the UM
+// schema members of a group need each other; a record of other combinations may be said
+// or not.
 #include "compare/quick_proof.h"
 
 #include <bit>
