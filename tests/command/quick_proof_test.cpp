@@ -224,17 +224,19 @@ TEST_F(Records, EveryStateOfAGroup) {
             }
         }
         const std::uint32_t codes = members.size() > 4 ? 4 : 7; // next hops are many
-        for (std::uint32_t state = 0; state < codes << bits.size() && !HasFailure(); ++state) {
+        const std::uint32_t states = codes << bits.size();
+        for (std::uint32_t state = 0; state < 3 * states && !HasFailure(); ++state) {
             const std::uint32_t code = state % codes;
+            const std::uint32_t zero = state / states; // the place of a member without value
             ipv4_acl_config_ace record{};
             for (std::size_t i = 0; i < bits.size(); ++i) {
-                if ((state / codes >> i & 1U) != 0) {
+                if ((state % states / codes >> i & 1U) != 0) {
                     mark(record, bits[i]);
                 }
             }
             for (std::uint32_t i = 0; i < members.size(); ++i) {
                 if (code == 6 || is_marked(record, *members[i])) {
-                    set(record, *members[i], i == 0 ? code : (code + i) % 5);
+                    set(record, *members[i], i == 0 ? code : i == zero ? 0 : 1 + (code + i) % 4);
                 }
             }
             check_record(encode_record(codec_.descriptor(), record), Schema::base);
