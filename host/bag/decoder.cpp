@@ -240,7 +240,7 @@ class Decoder {
                         "byte %zu, member %s: a string of more than %zu bytes", offset(item_at_),
                         member_, max_string_bytes);
         }
-        if (content.find('\0') != content.npos) {
+        if (content.find('\0') != std::string_view::npos) {
             return malformed("a NUL inside a string");
         }
         if (is_utf8(content) != text_comes) {
