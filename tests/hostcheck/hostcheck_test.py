@@ -154,6 +154,14 @@ class HostCheck(unittest.TestCase):
                 self.assertEqual(found, code)
                 self.assertIn(said, out + err)
 
+    def test_words_that_cannot_be_written(self):
+        for words in (["--help"], ["--version"], [EXAMPLE, "--plugin", PLUGIN]):
+            shown = subprocess.run([HOSTCHECK, *words], check=True, capture_output=True, text=True)
+            self.assertRegex(shown.stdout, r"hostcheck [\[\d]|: 17 trials")
+            with open("/dev/full", "w", encoding="ascii") as full:
+                lost = subprocess.run([HOSTCHECK, *words], check=False, stdout=full, stderr=subprocess.PIPE)
+            self.assertEqual((lost.returncode, b"cannot write" in lost.stderr), (3, True), words)
+
 
 if __name__ == "__main__":
     unittest.main()

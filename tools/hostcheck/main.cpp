@@ -44,7 +44,8 @@ process of its own, so that one that crashes or hangs does not hide the others.
   --first           ends with the first broken promise
   --version
 
-Exit codes: 0 every promise was kept, 1 one was broken, 2 usage, 3 no process can be made.
+Exit codes: 0 every promise was kept, 1 one was broken, 2 usage, 3 no process can be made,
+or the output cannot be written.
 )";
 
 struct Options {
@@ -106,9 +107,7 @@ int run(const Options &options) {
     return broken == 0 ? all_kept : some_broken;
 }
 
-} // namespace
-
-int main(int argc, char **argv) {
+int check_host(int argc, char **argv) {
     if (argc == 2 && (std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0)) {
         std::fputs(help, stdout);
         return all_kept;
@@ -128,4 +127,15 @@ int main(int argc, char **argv) {
         std::fprintf(stderr, "aceconv-hostcheck: %s\n", error.what());
         return input_output;
     }
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    const int code = check_host(argc, argv);
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        std::fputs("aceconv-hostcheck: cannot write to standard output\n", stderr);
+        return input_output;
+    }
+    return code;
 }
