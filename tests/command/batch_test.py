@@ -131,9 +131,10 @@ class CutShort(Case):
                 process.send_signal(sign)
                 code = process.wait(60)
             self.assertIn(code, (0, -sign), seed)
-            cut += code != 0
-            self.assertEqual(target.exists(), code == 0, seed)
-            if code == 0:
+            there = target.exists()  # with another code when the signal came behind the renaming
+            cut += not there
+            self.assertTrue(there or code != 0, seed)
+            if there:
                 self.assertEqual(target.read_bytes(), whole)
                 target.unlink()
             if sign == signal.SIGKILL:  # nobody is left to clean up
