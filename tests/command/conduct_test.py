@@ -315,6 +315,13 @@ class KeepGoing(Case):
             code, out, err = self.run_command(*args, "--keep-going")
             self.assertEqual((code, len([l for l in err.splitlines() if "entry 20" in l])), (2, 1))
             self.assertNotIn(b"only in", out)
+        # What one bad entry leaves open does not reach the next one.
+        xml = f"""<acls {XMLNS}><acl><name>X</name>
+            <entry><sequence-number>1</sequence-number><tcp><x><y/></x></tcp></entry>
+            <entry><sequence-number>2</sequence-number><tcp><tcp-bits>syn</tcp-bits></tcp></entry>
+            <entry><sequence-number>3</sequence-number><tcp><x/></tcp></entry></acl></acls>"""
+        code, out, err = self.run_command("inspect", "--keep-going", "-j1", "--json", stdin=xml)
+        self.assertEqual((code, out.count(b"tcpflags"), err.count("/tcp/x: unknown node")), (2, 1, 2))
         lines = self.file("lines", self.LINES)  # all of the wrong kind
         self.assertEqual(self.run_command("decode", "--keep-going", lines, good)[2].count("\n"), 2)
         # A fault of the frame ends the input, but not what came before it.
@@ -508,6 +515,20 @@ class Output(Case):
             for name in self.left():
                 self.assertEqual(os.stat(self.dir / name).st_mode & 0o777, 0o666 & ~umask)
                 os.unlink(self.dir / name)
+
+    def test_a_folder_that_goes_away(self):
+        os.mkdir(folder := self.dir / "folder")
+        with subprocess.Popen([ACECONV, "encode", "-", "-o", folder / "out"], stdin=subprocess.PIPE,
+                              stderr=subprocess.PIPE) as process:
+            process.stdin.write(b'{"grant":"deny"}\n{"grant":"deny"}\n')
+            process.stdin.flush()
+            for _ in range(200):
+                if os.listdir(folder):
+                    break
+                time.sleep(0.05)
+            folder.rename(self.dir / "moved")
+            said = process.communicate()[1]
+        self.assertEqual((process.returncode, b"out: cannot write: No such file" in said), (3, True), said)
 
     def test_a_closed_pipe_ends_it_quietly(self):
         doc = self.file("doc", document("base", ("X", numbered(*[GOOD] * 4000))))
