@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <filesystem>
+#include <link.h>
 #include <stdexcept>
 
 namespace aceconv {
@@ -9,50 +10,46 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char *plugin_name = "libipv4_acl_ace.so";
+constexpr const char *plugin_name = ACECONV_LIBRARY_FOLDER "/aceconv/libipv4_acl_ace.so";
 constexpr const char *modules_name = ACECONV_DATA_FOLDER "/aceconv/yang";
-constexpr const char here = 0; // lies in this library, wherever that is
+constexpr const char here = 0; // lies in the program or library that this is part of
 
-fs::path library_folder() {
-    Dl_info library{};
+fs::path own_folder() {
+    Dl_info found{};
+    link_map *object = nullptr;
     std::error_code fault;
     fs::path file;
-    if (dladdr(&here, &library) != 0 && library.dli_fname != nullptr) {
-        file = fs::canonical(library.dli_fname, fault);
+    if (dladdr1(&here, &found, reinterpret_cast<void **>(&object), RTLD_DL_LINKMAP) != 0) {
+        // A program is nameless there, and its first argument may be any text.
+        file = fs::canonical(*object->l_name != '\0' ? object->l_name : "/proc/self/exe", fault);
     }
     if (file.empty()) {
-        throw std::runtime_error("cannot find the folder of libaceconv_host.so");
+        throw std::runtime_error("cannot find the folder of the running program");
     }
     return file.parent_path();
+}
+
+std::string find_above(const char *name, const char *what) {
+    const fs::path folder = own_folder();
+    std::error_code none;
+    for (fs::path above = folder; above.has_relative_path();) {
+        above = above.parent_path();
+        if (fs::path found = above / name; fs::exists(found, none)) {
+            return found.string();
+        }
+    }
+    throw std::runtime_error(std::string("cannot find ") + what + ": no folder above " +
+                             folder.string() + " has " + name);
 }
 
 } // namespace
 
 std::string installed_plugin() {
-    const fs::path folder = library_folder();
-    const fs::path beside = folder / plugin_name;
-    const fs::path below = folder / "aceconv" / plugin_name;
-    std::error_code none;
-    for (const fs::path &file : {beside, below}) {
-        if (fs::exists(file, none)) {
-            return file.string();
-        }
-    }
-    throw std::runtime_error("the plug-in is neither " + beside.string() + " nor " +
-                             below.string());
+    return find_above(plugin_name, "the plug-in");
 }
 
 std::string installed_modules() {
-    const fs::path folder = library_folder();
-    std::error_code none;
-    for (fs::path above = folder; above.has_relative_path();) {
-        above = above.parent_path();
-        if (fs::path found = above / modules_name; fs::is_directory(found, none)) {
-            return found.string();
-        }
-    }
-    throw std::runtime_error("cannot find the YANG modules: no folder above " + folder.string() +
-                             " has " + modules_name);
+    return find_above(modules_name, "the YANG modules");
 }
 
 } // namespace aceconv

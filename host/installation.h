@@ -1,18 +1,17 @@
-// Where the parts that were installed together lie. They are found from where this
-// library lies, so a prefix may be moved, copied or linked, and its libraries may be
-// in any folder of it.
+// Where the parts that were installed together lie. They are found from where the program
+// or library lies that this is part of, so a prefix may be moved, copied or linked.
 #pragma once
 
 #include <string>
 
 namespace aceconv {
 
-/// The plug-in: beside this library, or in the folder `aceconv` there. Throws
-/// std::runtime_error that names both.
+/// The plug-in, in the folder `aceconv` of the libraries' folder, below the nearest folder
+/// above that has it. Throws std::runtime_error.
 std::string installed_plugin();
 
-/// The folder of the YANG modules, share/aceconv/yang in the nearest folder above
-/// this library that has one. Throws std::runtime_error.
+/// The folder of the YANG modules, share/aceconv/yang below the nearest folder above that
+/// has it. Throws std::runtime_error.
 std::string installed_modules();
 
 } // namespace aceconv

@@ -22,22 +22,24 @@ def install(build, prefix):
 
 class Installed(Case):
     def install_with(self, libraries, prefix):
-        """What a build of that layout installs, but of the files under test: its run path is as
-        long as theirs and takes its place."""
+        """What a build of that layout installs, but of the files under test: its paths are as
+        long as theirs and take their place."""
         build, ours, its = self.dir / "build", "$ORIGIN/../lib", "$ORIGIN/../" + libraries
         subprocess.run([CMAKE, "-S", SOURCE, "-B", build, "-G", "Ninja", "-DACECONV_TESTS=OFF",
                         "-DCMAKE_INSTALL_LIBDIR=" + libraries], check=True, stdout=subprocess.DEVNULL)
         commands = subprocess.run([CMAKE, "--build", build, "--", "-t", "commands", "aceconv"],
                                   check=True, capture_output=True, text=True).stdout
         self.assertIn(f'-rpath,"\\{its}"', commands)
+        self.assertIn(f'LIBRARY_FOLDER=\\"{libraries}\\"', commands)
         for script in build.rglob("*/cmake_install.cmake"):
             script.write_text("".join(
                 line if ".cmake" in line or ".pc" in line else
                 line.replace(f"{build}/{libraries}/", f"{BUILD}/lib/").replace(str(build), str(BUILD))
                 for line in script.read_text().splitlines(keepends=True)))
         install(build, prefix)
-        program = prefix / "bin/aceconv"
-        program.write_bytes(program.read_bytes().replace(ours.encode() + b"\0", its.encode() + b"\0"))
+        for file in (prefix / "bin/aceconv", *(prefix / libraries).glob("*.so")):
+            parts = file.read_bytes().replace(ours.encode() + b"\0", its.encode() + b"\0")
+            file.write_bytes(parts.replace(b"\0lib/aceconv/", b"\0" + libraries.encode() + b"/aceconv/"))
 
     def runs_from(self, prefix, program=None):
         """The folder of its plug-in; the parts must all be those of this prefix."""
@@ -55,34 +57,43 @@ class Installed(Case):
         first, moved, other = self.dir / "first", self.dir / "moved", "l/a"
         self.install_with(other, first)
         first.rename(moved)
-        self.assertEqual(self.runs_from(moved), other)
+        self.assertEqual(self.runs_from(moved), other + "/aceconv")
         os.symlink("moved", self.dir / "linked")
-        self.assertEqual(self.runs_from(self.dir / "linked"), other)
+        self.assertEqual(self.runs_from(self.dir / "linked"), other + "/aceconv")
         os.symlink(moved / "bin" / "aceconv", self.dir / "program")
-        self.assertEqual(self.runs_from(moved, self.dir / "program"), other)
-        copied = self.dir / "copied"
-        shutil.copytree(moved, copied, symlinks=True)
-        (copied / other / "aceconv").mkdir()
-        (copied / other / "libipv4_acl_ace.so").rename(copied / other / "aceconv/libipv4_acl_ace.so")
-        self.assertEqual(self.runs_from(copied), other + "/aceconv")
+        self.assertEqual(self.runs_from(moved, self.dir / "program"), other + "/aceconv")
+        shutil.copytree(moved, self.dir / "copied", symlinks=True)
+        self.assertEqual(self.runs_from(self.dir / "copied"), other + "/aceconv")
         install(BUILD, self.dir / "plain")
-        self.assertIn(self.runs_from(self.dir / "plain"), ("lib", "lib64"))
+        self.assertIn(self.runs_from(self.dir / "plain"), ("lib/aceconv", "lib64/aceconv"))
 
     def test_nothing_comes_from_the_tree_it_was_built_from(self):
         prefix = self.dir / "prefix"
         install(BUILD, prefix)
         program, plugin = prefix / "bin/aceconv", next(prefix.rglob("libipv4_acl_ace.so"))
-        beside = str(plugin.resolve())
+        libraries = plugin.resolve().parent.parent
         for part, option, given, said in (
                 (prefix / "share", "--modules", SOURCE / "yang", "cannot find the YANG modules: no "
-                 f"folder above {plugin.resolve().parent} has share/aceconv/yang; --modules names "),
-                (plugin, "--plugin", BUILD / "lib/libipv4_acl_ace.so", f"the plug-in is neither {beside} "
-                 f"nor {plugin.resolve().parent}/aceconv/{plugin.name}; --plugin names another")):
+                 f"folder above {libraries} has share/aceconv/yang; --modules names "),
+                (plugin, "--plugin", BUILD / "lib/aceconv/libipv4_acl_ace.so", "cannot find the plug-in: no "
+                 f"folder above {libraries} has lib/aceconv/{plugin.name}; --plugin names another")):
             part.rename(self.dir / "aside")
             done = subprocess.run([program, "check", DOC], check=False, capture_output=True, text=True)
             self.assertEqual((done.returncode, said in done.stderr), (3, True), done.stderr)
             subprocess.run([program, "check", "-q", DOC, option, given], check=True)
             (self.dir / "aside").rename(part)
+
+
+    def test_debug_info_is_that_of_the_stripped_plug_in(self):
+        subprocess.run([CMAKE, "--install", BUILD, "--prefix", self.dir, "--strip"], check=True,
+                       stdout=subprocess.DEVNULL)
+        plugin, = self.dir.rglob("libipv4_acl_ace.so")
+        def shown(option, file):
+            return subprocess.run(["readelf", "-W", option, file], check=True, capture_output=True,
+                                  text=True).stdout
+        self.assertNotIn(".debug_info", shown("-S", plugin))
+        self.assertIn(f"{plugin.name}.debug", shown("--string-dump=.gnu_debuglink", plugin))
+        self.assertIn(".debug_info", shown("-S", f"{plugin}.debug"))
 
 
 # Beside the example host, what it does not need of the package.

@@ -4,6 +4,8 @@
 #include <exception>
 #include <string>
 
+#include "aceconv/version.h"
+
 #include "tools/hostcheck/watch.h"
 
 namespace {

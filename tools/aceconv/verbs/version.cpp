@@ -1,4 +1,6 @@
 // aceconv --version: which plug-in, record and modules it is that would be used.
+#include "aceconv/version.h"
+
 #include "host/bag_library.h"
 #include "stream/output.h"
 #include "stream/text.h"
