@@ -82,7 +82,7 @@ class Inputs:
     @functools.cache
     def decoded(self, schema):
         return self.write(f"{schema}.decoded", "aceconv", "decode", "-q", "--schema", schema,
-                          "--to", "ndjson", source=self.bags(schema))
+                          "--format", "ndjson", source=self.bags(schema))
 
     @functools.cache
     def messages(self):
@@ -173,9 +173,9 @@ def verbs(inputs, schema, variants):
     """Each verb from a schema, by (threads, whether losses are looked for)."""
     for verb, source, arguments in (
         ("encode", inputs.lines(schema), ("--schema", schema)),
-        ("decode", inputs.bags(schema), ("--schema", schema, "--to", "ndjson")),
+        ("decode", inputs.bags(schema), ("--schema", schema, "--format", "ndjson")),
         ("convert", inputs.lines(schema),
-         ("--from", schema, "--to", OTHER[schema], "--to-format", "ndjson")),
+         ("--schema", schema, "--to", OTHER[schema], "--format", "ndjson")),
     ):
         for threads, losses in variants:
             yield aceconv(inputs, run_name(verb, schema, threads, losses), source,

@@ -28,8 +28,8 @@ OTHER = {"base": "um", "um": "base"}
 # Arguments of each verb; {lines} and {bags} are the same entries, of {schema}.
 VERBS = {
     "encode": "encode --schema {schema} {lines} -o /dev/null",
-    "decode": "decode --schema {schema} --to ndjson {bags} -o /dev/null",
-    "convert": "convert --from {schema} --to {other} --to-format ndjson {lines} -o /dev/null",
+    "decode": "decode --schema {schema} --format ndjson {bags} -o /dev/null",
+    "convert": "convert --schema {schema} --to {other} --format ndjson {lines} -o /dev/null",
     "inspect": "inspect --schema {schema} {bags} -o /dev/null",
     "check": "check --schema {schema} {lines}",
     "diff": "diff --schema-a {schema} --schema-b {schema} {lines} {bags}",

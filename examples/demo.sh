@@ -28,11 +28,11 @@ heading "One record, as an engineer reads it"
 grep -m 1 tcp-bits "$work/border.json" | sed 's/,$//' | aceconv inspect --schema base -
 
 heading "Migrate examples/management-plane.json to the UM schema"
-aceconv convert --from base --to um "$examples/management-plane.json" -o "$work/um.json"
+aceconv convert --to um "$examples/management-plane.json" -o "$work/um.json"
 grep -m 2 tcp "$work/um.json" | cut -c 1-150
 
 heading "Migrate examples/um-only.json to the base schema: every loss is named"
-aceconv convert --from um --to base "$examples/um-only.json" -o "$work/base.json" \
+aceconv convert --to base "$examples/um-only.json" -o "$work/base.json" \
   2>"$work/losses"
 head -n 5 "$work/losses" | sed "s|$examples/||"
 echo "..."

@@ -60,8 +60,8 @@ class EncodingSource : public Source {
             const std::string said(schema_name(*label.schema));
             const std::string wanted(schema_name(*schema_));
             throw DataError("", "labelled as of the " + said + " schema, not the " + wanted +
-                                    " schema as asked for; what converts it is: convert --from " +
-                                    said + " --to " + wanted);
+                                    " schema as asked for; what converts it is: convert --to " +
+                                    wanted);
         }
         entry.schema = *label.schema;
         entry.schema_known = true;

@@ -31,10 +31,10 @@ class Workers(Case):
         bags = self.file("bags", self.ok("encode", whole))
         for args in (("encode", "--schema", "base", "--keep-going", source),
                      ("encode", "--schema", "base", source),
-                     ("convert", "--from", "base", "--to", "um", "--to-format", "ndjson",
+                     ("convert", "--schema", "base", "--to", "um", "--format", "ndjson",
                       "--keep-going", source),
-                     ("convert", "--from", "um", "--to", "base", um), ("decode", bags),
-                     ("decode", "--to", "ndjson", bags), ("inspect", bags), ("check", um),
+                     ("convert", "--schema", "um", "--to", "base", um), ("decode", bags),
+                     ("decode", "--format", "ndjson", bags), ("inspect", bags), ("check", um),
                      ("diff", "--schema-a", "base", "--keep-going", source, whole)):
             with self.subTest(args[:-1]):
                 runs = []
@@ -89,7 +89,7 @@ class Partner(Case):
         xml = [b"%s<entry><sequence-number>%d</sequence-number><grant>deny</grant></entry>" % (
             b"" if n else b'<acls xmlns="urn:aceconv:base"><acl><name>A</name>', n + 1)
             for n in range(19)]
-        convert = ("convert", "--from", "base", "--to", "um", "--to-format", "ndjson")
+        convert = ("convert", "--schema", "base", "--to", "um", "--format", "ndjson")
         other = self.file("other", b"".join(lines).replace(b"deny", b"permit"))
         differences = [b"entry %d: grant" % n for n in range(1, 20)]
         for sides in (("-", other), (other, "-")):
@@ -112,8 +112,8 @@ class CutShort(Case):
     def setUp(self):
         super().setUp()
         self.source = self.file("source", generated(count=8000))
-        self.args = [ACECONV, "convert", "-q", "--no-losses", "-j", "4", "--from", "base",
-                     "--to", "um", "--to-format", "ndjson", self.source]
+        self.args = [ACECONV, "convert", "-q", "--no-losses", "-j", "4", "--schema", "base",
+                     "--to", "um", "--format", "ndjson", self.source]
 
     def left(self):
         return sorted(set(os.listdir(self.dir)) - {"source"})
@@ -187,7 +187,7 @@ class Failing(Case):
 
     def test_output_and_report_are_one(self):
         source, files = self.file("source", generated(count=20)), ("-o", "out", "--report", "report")
-        convert = ("convert", "-q", "--no-losses", "--to", "um", "--from", "base", source, *files)
+        convert = ("convert", "-q", "--no-losses", "--to", "um", "--schema", "base", source, *files)
         for call, code in (("fsync 0 1", 3), ("fsync 1 1", 3), ("rename 0 1", 3), ("mkostemp 1 1", 3),
                            ("mkostemp 0 0", -signal.SIGTERM), ("mkostemp 1 0", -signal.SIGTERM)):
             self.assertEqual(self.with_failing(call, *convert)[0], code, call)
@@ -199,7 +199,7 @@ class Failing(Case):
     def test_no_memory(self):
         """The first call for memory fails, then a later one, until none is left."""
         step = 1 if "ACECONV_LONG_TESTS" in os.environ else 397
-        xml = self.file("xml", self.ok("convert", "--no-losses", "--to", "um", "--to-format", "xml",
+        xml = self.file("xml", self.ok("convert", "--no-losses", "--to", "um", "--format", "xml",
                                        EXAMPLES / "qos-nexthop.json"))
         for args in (("convert", "--to", "um", EXAMPLES / "qos-nexthop.json"),
                      ("encode", xml, "--backend", "validating"), ("check", xml), ("diff", xml, xml)):
@@ -273,8 +273,8 @@ class Progress(Case):
                                       "--schema-b", "base", one), stdout=subprocess.DEVNULL)
         self.assertEqual((code, shown.count("a second")), (2, 1), shown)
         # Asked for, a line of its own each time, with how much of a file is left.
-        args = ("convert", "--no-losses", "--progress", "-j1", "--from", "base", "--to", "um",
-                "--to-format", "ndjson", self.file("source", generated()))
+        args = ("convert", "--no-losses", "--progress", "-j1", "--schema", "base", "--to", "um",
+                "--format", "ndjson", self.file("source", generated()))
         with subprocess.Popen([ACECONV, *args], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                               text=True) as process:
             time.sleep(1.2)  # while its output is full

@@ -197,12 +197,11 @@ class Messages(Case):
                 (2, ("encdoe", "-o", "x"), "unknown verb encdoe; did you mean encode?\n"),
                 (2, ("encode", "--schema", "x", doc), "--schema"),
                 (2, ("encode", "--no-such-option=1", doc), "unknown option --no-such-option\n"),
-                (2, ("convert", "--form", "um", "--to", "um"), "unknown option --form; did you mean --from?"),
+                (2, ("convert", "--form", "um", "--to", "um"), "unknown option --form; did you mean --format?"),
                 (2, ("diff", doc, doc, doc), "one argument too many: " + doc),
                 (2, ("encode", "--backend", "b"), "{bulk,validating}\naceconv: see aceconv encode --help\n"),
                 (2, ("encode", remark), "--schema base or --schema um"),
                 (2, ("encode", "--trace=[", doc), "--trace"),
-                (2, ("convert", "--from", "um", "--to", "um", doc), "the same schema"),
                 (2, ("convert", doc), "--to"), (2, ("diff", doc), "B"),
                 (2, ("diff", "-", "-"), "standard input"), (2, ("check", "-", doc, "-"), "standard input"),
                 (2, ("encode", "--stored", "-"), "standard input"),
@@ -256,18 +255,18 @@ class Messages(Case):
         self.assertRegex(version, r"(?m)^record  ipv4_acl_config_ace [0-9a-f]{16}\nmodules /.*/yang$")
         # What there is to say behind each verb and option, which takes some words.
         losses, common = ["--report", "--strict", "--no-losses"], [
-            "--keep-going", "--backend", "-j,--jobs", "-q,--quiet", "--progress", "--trace{.}"]
+            "--keep-going", "--backend", "-j,--jobs", "-q,--quiet", "--progress", "--trace"]
         for verb, own in (("", ["encode", "decode", "inspect", "convert", "check", "diff"]),
-                          ("encode", ["INPUT", "--from-format,--input", "--schema", "-o,--output",
+                          ("encode", ["INPUT", "--from-format", "--schema", "-o,--output",
                                       "--stored", "--no-labels", *losses, *common]),
-                          ("decode", ["INPUT", "--from-format,--input", "--schema", "-o,--output",
-                                      "--to", *losses, *common]),
-                          ("inspect", ["INPUT", "--from-format,--input", "--schema", "-o,--output",
+                          ("decode", ["INPUT", "--from-format", "--schema", "-o,--output",
+                                      "--format", *losses, *common]),
+                          ("inspect", ["INPUT", "--from-format", "--schema", "-o,--output",
                                        "--json", *losses, *common]),
-                          ("convert", ["INPUT", "--from-format,--input", "--from", "--to",
-                                       "-o,--output", "--to-format", *losses, *common]),
-                          ("check", ["INPUT", "--from-format,--input", "--schema", *losses, *common]),
-                          ("diff", ["A", "B", "--schema-a", "--schema-b", *losses, *common])):
+                          ("convert", ["INPUT", "--from-format", "--schema", "--to",
+                                       "-o,--output", "--format", *losses, *common]),
+                          ("check", ["INPUT", "--from-format", "--schema", *losses, *common]),
+                          ("diff", ["A", "B", "--schema", "--schema-a", "--schema-b", *losses, *common])):
             shown = self.ok(*verb.split(), "--help").decode()
             told = re.findall(r"(?m)^  (\S+).*(?:  |\} )\S+ \S+ \S+", re.sub(r"\n {20,}", "  ", shown))
             general = ["-h,--help", "--plugin", "--modules", "-V,--version"]
@@ -311,7 +310,7 @@ class KeepGoing(Case):
         path, good = self.file("bad", source), self.file("good", document("base", (
             "X", [{"sequence-number": n, **GOOD} for n in (10, 30)])))
         for args in (("inspect", "--json", path), ("check", path), ("diff", path, good),
-                     ("convert", "--from", "base", "--to", "um", path)):
+                     ("convert", "--schema", "base", "--to", "um", path)):
             code, out, err = self.run_command(*args, "--keep-going")
             self.assertEqual((code, len([l for l in err.splitlines() if "entry 20" in l])), (2, 1))
             self.assertNotIn(b"only in", out)
@@ -367,7 +366,7 @@ class KeepGoing(Case):
         self.assertRegex(self.summary, "^aceconv: stopped: 2 entries, 1 error; ")
         self.assertEqual(len(self.records(stdin=out)), 1)  # what is out already is whole
         source = document("base", ("X", numbered(GOOD, {"grant": "drop"})))
-        code, out, _ = self.run_command("convert", "--from", "base", "--to", "um", stdin=source)
+        code, out, _ = self.run_command("convert", "--schema", "base", "--to", "um", stdin=source)
         self.assertEqual((code, len(json.loads(out)["aceconv-um:acls"]["acl"][0]["entry"])), (2, 1))
 
     def test_what_a_document_has_no_place_for(self):
@@ -379,10 +378,10 @@ class KeepGoing(Case):
                 (bare + named % ("X", 1), "xml", "with and without"),
                 (bare * 2, "xml", "second entry"), (unnumbered, "json", "without a sequence number")]:
             encoded = self.ok("encode", "--schema", "base", stdin=text)
-            code, _, err = self.run_command("decode", "--to", form, stdin=encoded)
+            code, _, err = self.run_command("decode", "--format", form, stdin=encoded)
             self.assertEqual(code, 2)
             self.assertRegex(err, f"{said}.*; write ndjson instead")
-            lines = self.ok("decode", "--to", "ndjson", stdin=encoded)
+            lines = self.ok("decode", "--format", "ndjson", stdin=encoded)
             self.assertEqual(self.ok("encode", "--schema", "base", stdin=lines), encoded)
 
 
@@ -395,7 +394,7 @@ class Output(Case):
         old = self.file("old", "old content")
         for target in (old, str(self.dir / "new")):
             for args in (("encode", bad), ("inspect", bad),
-                         ("convert", "--from", "base", "--to", "um", "--report", target + "2", bad)):
+                         ("convert", "--schema", "base", "--to", "um", "--report", target + "2", bad)):
                 self.assertEqual(self.run_command(*args, "-o", target)[0], 2)
         self.assertEqual(self.left(), ["bad", "old"])
         with open(old, encoding="utf-8") as file:
@@ -412,7 +411,7 @@ class Output(Case):
         os.symlink("link", self.dir / "links")
         os.symlink(self.dir / "new", self.dir / "dangling")
         for link in ("links", "dangling", long := "\u00e4" * 127 + "x"):
-            self.ok("convert", "--from", "base", "--to", "um", doc, "-o", self.dir / link)
+            self.ok("convert", "--schema", "base", "--to", "um", doc, "-o", self.dir / link)
             self.assertEqual(os.path.islink(self.dir / link), link != long)
         now = os.stat(old)
         self.assertEqual((now.st_mode, now.st_uid, now.st_gid), (was.st_mode, was.st_uid, was.st_gid))
@@ -456,7 +455,7 @@ class Output(Case):
         os.symlink("doc", self.dir / "link")
         os.link(doc, self.dir / "hard")
         os.symlink("new", self.dir / "dangling")
-        doc_only, report = ("convert", "--from", "base", "--to", "um", "doc"), "--report"
+        doc_only, report = ("convert", "--schema", "base", "--to", "um", "doc"), "--report"
         for args in ((*doc_only, "-o", "doc"), (*doc_only, "-o", "link"), (*doc_only, "-o", "./hard"),
                      (*doc_only, report, "link"), (*doc_only, "-o", "new", report, "new"),
                      (*doc_only, "-o", "new", report, "dangling"), (*doc_only, report, "/dev/fd/1"),
@@ -532,7 +531,7 @@ class Output(Case):
 
     def test_a_closed_pipe_ends_it_quietly(self):
         doc = self.file("doc", document("base", ("X", numbered(*[GOOD] * 4000))))
-        for args in (("inspect", doc), ("convert", "--from", "base", "--to", "um", doc)):
+        for args in (("inspect", doc), ("convert", "--schema", "base", "--to", "um", doc)):
             with subprocess.Popen([ACECONV, *args], stdout=subprocess.PIPE,
                                   stderr=subprocess.PIPE) as process:
                 process.stdout.read(10)
@@ -545,15 +544,15 @@ class Output(Case):
         bad = self.file("bad", '{"grant":"drop"}\n{"grant":"deny"}\n')
         for code, args in ((1, ("diff", many, base)), (0, ("diff", base, base)), (0, ("check", many)),
                            (1, ("check", self.file("lossy", '{"permit":{},"deny":{}}'))),
-                           (1, ("convert", "--strict", "--from", "um", "--to", "base", many)),
-                           (0, ("convert", "--from", "um", "--to", "base", many)),
+                           (1, ("convert", "--strict", "--schema", "um", "--to", "base", many)),
+                           (0, ("convert", "--schema", "um", "--to", "base", many)),
                            (2, ("inspect", "--keep-going", "--schema", "base", bad))):
             with self.subTest(args):
                 with subprocess.Popen([ACECONV, *args], stdout=subprocess.PIPE,
                                       stderr=subprocess.DEVNULL) as process:
                     process.stdout.close()
                     self.assertEqual(process.wait(60), code)
-        with subprocess.Popen([ACECONV, "convert", "-q", "--no-losses", "--from", "um", "--to", "base",
+        with subprocess.Popen([ACECONV, "convert", "-q", "--no-losses", "--schema", "um", "--to", "base",
                                many, "--report", self.dir / "losses"], stdout=subprocess.PIPE) as process:
             process.stdout.close()
             self.assertEqual(process.wait(60), 0)
@@ -561,7 +560,7 @@ class Output(Case):
         report = self.dir / "report"  # a reader of the report goes, and the output is whole
         os.mkfifo(report)
         out = self.dir / "out"
-        with subprocess.Popen([ACECONV, "convert", "-q", "--no-losses", "--from", "um", "--to", "base",
+        with subprocess.Popen([ACECONV, "convert", "-q", "--no-losses", "--schema", "um", "--to", "base",
                                many, "-o", out, "--report", report]) as process:
             with open(report, "rb") as reader:
                 reader.read(10)

@@ -9,22 +9,23 @@ CASES = pathlib.Path(__file__).with_name("losses.txt")
 
 
 def sections():
-    """Of each section (the call, [(entry, lines of its losses)])."""
+    """Of each call of a section (the call, [(entry, lines of its losses)])."""
     found = []
     for line in CASES.read_text().splitlines():
         if line.startswith("== "):
-            found.append((line[3:].split(), []))
+            rows = []
+            found += [(call.split(), rows) for call in line[3:].split("|")]
         elif line.startswith("{"):
-            found[-1][1].append((json.loads(line), []))
+            rows.append((json.loads(line), []))
         elif line.startswith("    "):
-            found[-1][1][-1][1].append(line.strip())
+            rows[-1][1].append(line.strip())
     return found
 
 
 class Losses(Case):
     def said(self, call, entries, report):
         """The lines of losses by sequence number, and the exit code."""
-        schema = "base" if "--from base" in " ".join(call) else "um"
+        schema = "base" if "convert --schema base" in " ".join(call) else "um"
         source = document(schema, ("X", numbered(*entries))).encode()
         if call[0] == "decode":
             bare = [self.ok("encode", "--no-labels", "--schema", schema, stdin=json.dumps(entry))
@@ -50,7 +51,7 @@ class Losses(Case):
             told = json.loads(report.read_text())
             asked = dict(zip(call[1::2], call[2::2])) if call[0] == "convert" else {}
             self.assertEqual((told.get("from"), told.get("to"), told.get("verb")),
-                             (asked.get("--from"), asked.get("--to"),
+                             (asked.get("--schema"), asked.get("--to"),
                               None if asked else call[0]))
             lost = [lines for _, lines in rows if lines]
             more = [lines for lines in lost if any("matches more" in line for line in lines)]
@@ -72,7 +73,7 @@ class Losses(Case):
     def test_every_verb_takes_the_options(self):
         lossy = '{"permit":{"log":{},"log-input":{},"police":{"value":1}}}'
         bare = self.ok("encode", "--no-labels", stdin='{"permit":{"police":{"value":1}}}')
-        for *call, source in (("convert", "--from", "um", "--to", "base", lossy),
+        for *call, source in (("convert", "--schema", "um", "--to", "base", lossy),
                               ("decode", "--schema", "base", bare), ("check", lossy),
                               ("encode", lossy),
                               ("inspect", lossy), ("inspect", "--schema", "base", bare)):

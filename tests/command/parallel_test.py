@@ -7,8 +7,8 @@ import unittest
 from harness import ACECONV, Case
 
 ENCODE = ("encode", "-q", "-j", "1", "--schema", "base", "-")
-CONVERT = ("convert", "-q", "--no-losses", "-j", "1", "--from", "base", "--to", "um",
-           "--from-format", "ndjson", "--to-format", "ndjson", "-")
+CONVERT = ("convert", "-q", "--no-losses", "-j", "1", "--schema", "base", "--to", "um",
+           "--from-format", "ndjson", "--format", "ndjson", "-")
 GENERATED = subprocess.run([os.environ["ACECONV_GENERATOR"], "2000"], capture_output=True,
                            check=True).stdout
 

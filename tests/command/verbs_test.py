@@ -114,7 +114,7 @@ class Formats(Case):
                 encoded = self.ok("encode", path)
                 for form in ("json", "xml", "ndjson"):
                     out = self.dir / ("out." + form)
-                    self.ok("decode", "--schema", schema, "--to", form, "-o", out, stdin=encoded)
+                    self.ok("decode", "--schema", schema, "--format", form, "-o", out, stdin=encoded)
                     self.assertEqual(self.ok("encode", out), encoded, form)
                     self.ok("diff", path, out)
                 self.assertEqual(self.ok("check", "-q", path), b"")
@@ -128,7 +128,7 @@ class Formats(Case):
         self.assertTrue(lines[2].endswith("},") and "\"remark\":\"1\"" in lines[2])
         again = json.loads("".join(lines))["aceconv-base:acls"]["acl"]
         self.assertEqual([acl["name"] for acl in again], ["A", "C\n<&>\""])
-        xml = self.ok("decode", "--to", "xml", stdin=encoded)
+        xml = self.ok("decode", "--format", "xml", stdin=encoded)
         names = [e.text for e in ElementTree.fromstring(xml).iter("{urn:aceconv:base}name")]
         self.assertEqual(names, ["A", "C\n<&>\""])
         self.assertEqual(self.ok("encode", stdin=xml), encoded)
@@ -140,7 +140,7 @@ class Formats(Case):
             for form, backend in (("json", "bulk"), ("json", "validating"), ("xml", "bulk"),
                                   ("ndjson", "validating")):
                 options = ("--backend", backend)
-                text = self.ok("decode", "--to", form, *options, stdin=encoded)
+                text = self.ok("decode", "--format", form, *options, stdin=encoded)
                 self.assertEqual(self.ok("encode", "--schema", "base", *options, stdin=text), encoded)
             self.ok("encode", "--schema", "base", "--stored", self.file("stored", encoded),
                     stdin='{"grant":"deny"}')
@@ -161,7 +161,7 @@ class Formats(Case):
             old = b"\x82" + label[1:].removesuffix(base).removesuffix(um)
             self.assertEqual(self.records("--schema", schema, stdin=old + bare),
                              self.records(stdin=label + bare))
-        self.assertEqual(self.ok("decode", "--to", "ndjson", stdin=bare * 2).count(b"\n"), 2)
+        self.assertEqual(self.ok("decode", "--format", "ndjson", stdin=bare * 2).count(b"\n"), 2)
 
     def test_each_encoding_has_the_schema_of_its_label(self):
         entries = {"base": {"fragment-type": "is-fragment"}, "um": {"permit": {"protocol": 512}}}
@@ -169,9 +169,9 @@ class Formats(Case):
                    for schema, entry in entries.items()}
         for schema, other in (("base", "um"), ("um", "base")):
             for form in ("json", "xml", "ndjson"):
-                wanted = self.ok("decode", "--to", form, stdin=encoded[schema])
+                wanted = self.ok("decode", "--format", form, stdin=encoded[schema])
                 code, out, err = self.run_command(
-                    "decode", "--keep-going", "--to", form, stdin=encoded[schema] + encoded[other])
+                    "decode", "--keep-going", "--format", form, stdin=encoded[schema] + encoded[other])
                 self.assertEqual((code, out), (2, wanted))
                 self.assertIn(f":#2: acl '{other}' entry 10: an entry of the {other} schema; the "
                               f"output is of the {schema} schema", err)
@@ -179,7 +179,7 @@ class Formats(Case):
             code, _, err = self.run_command("decode", "--schema", other, stdin=encoded[schema])
             self.assertEqual(code, 2)
             self.assertRegex(err, f"labelled as of the {schema} schema, not the {other} schema.*: "
-                                  f"convert --from {schema} --to {other}")
+                                  f"convert --to {other}")
         names = [(record["schema"], [f["keyword"] for f in record["fields"] if "keyword" in f])
                  for record in self.records(stdin=encoded["base"] + encoded["um"])]
         self.assertEqual(names, [("base", ["is-fragment"]), ("um", ["permit", "ipv4"])])
@@ -199,8 +199,8 @@ class Formats(Case):
             for option, *args in (("--schema", "decode", path), ("--schema", "inspect", path),
                                   ("--schema", "check", path), ("--schema-a", "diff", path, path),
                                   ("--schema-b", "diff", "--schema-a", schema, path, path),
-                                  ("--from", "convert", "--to", "um", "--no-losses", path),
-                                  ("--from", "convert", "--to", "base", "--no-losses", path)):
+                                  ("--schema", "convert", "--to", "um", "--no-losses", path),
+                                  ("--schema", "convert", "--to", "base", "--no-losses", path)):
                 with self.subTest(args=args, fields=fields):
                     if fields is None:
                         self.ok(*args)
@@ -211,6 +211,7 @@ class Formats(Case):
                                   f"no label tells; give {option} base or {option} um\n", err)
             self.ok("decode", "--schema", schema, path)
             self.ok("diff", "--schema-a", schema, "--schema-b", schema, path, path)
+            self.ok("diff", "--schema", schema, path, path)
 
     def test_ways_to_write_the_same_entries(self):
         one, two = {"sequence-number": 10, "grant": "deny"}, {"sequence-number": 20, **WEB}
@@ -294,7 +295,7 @@ class Formats(Case):
         bad, left = self.file("bad", "none"), self.dir / "left"
         lossy = self.file("lossy", json.dumps({"acl": "L", "entry": {"sequence-number": 1, **UDF}}))
         for going, codes in (((), (2, 0)), (("--keep-going",), (2, 3))):
-            args = ("--from", "um", "--to", "base", two, bad, lossy, "-o", left, *going)
+            args = ("--schema", "um", "--to", "base", two, bad, lossy, "-o", left, *going)
             code, _, err = self.run_command("convert", *args)
             self.assertEqual((code, left.exists() and len(self.records(left))), codes, err)
             self.assertEqual(f"aceconv: {lossy}:1: acl 'L' entry 1: loss: " in err, codes[1] == 3)
@@ -380,7 +381,7 @@ class Convert(Case):
         numbers = {"base": [1, 2, 4, 8, 3, 5, 9], "um": [0, 2, 1, 3, 4, 5, 6]}
         source = document("base", ("X", numbered(*(
             {"grant": "deny", "fragment-type": name} for name in base))))
-        um = self.ok("convert", "--from", "base", "--to", "um", stdin=source)
+        um = self.ok("convert", "--schema", "base", "--to", "um", stdin=source)
         for schema, text in (("base", source), ("um", um)):
             found = [f["value"] for r in self.records(stdin=text) for f in r["fields"]
                      if f["name"] == "FragmentFlags"]
@@ -392,8 +393,8 @@ class Convert(Case):
             {"grant": "deny", "protocol": "ip"},
             {"grant": "deny", "protocol-operator": "equal", "protocol": "ip"},
             {"grant": "deny", "protocol-operator": "range", "protocol": "ip", "protocol2": 9})))
-        um = self.ok("convert", "--from", "base", "--to", "um", stdin=base)
-        back = self.ok("convert", "--from", "um", "--to", "base", stdin=um)
+        um = self.ok("convert", "--schema", "base", "--to", "um", stdin=base)
+        back = self.ok("convert", "--schema", "um", "--to", "base", stdin=um)
         for text, numbers in ((base, [0, 0, 0]), (um, [512, 512, 0]), (back, [0, 0, 0])):
             found = [f["value"] for r in self.records(stdin=text) for f in r["fields"]
                      if f["name"] == "protocol"]
@@ -411,7 +412,7 @@ class Convert(Case):
             for of, to, names in ((original, there, (source, target)),
                                   (there, back, (target, source))):
                 report = self.dir / "report"
-                self.ok("convert", "--no-losses", "--from", names[0], "--to", names[1],
+                self.ok("convert", "--no-losses", "--schema", names[0], "--to", names[1],
                         "--report", report, "-o", to, of)
                 reported |= {loss["sequence"] for loss in json.loads(report.read_text())["losses"]}
             code, out, err = self.run_command("diff", original, back)
@@ -422,11 +423,23 @@ class Convert(Case):
 
     def test_strict_and_other_outputs(self):
         lossless, lossy = '{"permit":{"log":{}}}', '{"permit":{"police":{"value":1}}}'
-        args = ("convert", "--from", "um", "--to", "base", "--strict")
+        args = ("convert", "--schema", "um", "--to", "base", "--strict")
         self.assertEqual(self.run_command(*args, stdin=lossless)[0], 0)
-        code, out, err = self.run_command(*args, "--to-format", "xml", "--no-losses", stdin=lossy)
+        code, out, err = self.run_command(*args, "--format", "xml", "--no-losses", stdin=lossy)
         self.assertEqual((code, err), (1, ""))
         self.assertEqual(ElementTree.fromstring(out).tag, "{urn:aceconv:base}entry")
+
+    def test_spellings_of_earlier_versions(self):
+        entry = '{"deny":{"log":{}}}'
+        bags = self.file("bags", self.ok("encode", stdin=entry))
+        for now, before, *args in (("--schema", "--from", "um", "convert", "--to", "base"),
+                                   ("--format", "--to-format", "xml", "convert", "--to", "base"),
+                                   ("--format", "--to", "xml", "decode"),
+                                   ("--from-format", "--input", "cbor", "inspect")):
+            value, *call = args
+            with self.subTest(before):
+                self.assertEqual(self.ok(*call, before, value, bags), self.ok(*call, now, value, bags))
+                self.assertNotIn(f"{before} ", self.ok(call[0], "--help").decode().replace("--to {base", ""))
 
     def test_the_data_tells_what_to_convert_from(self):
         entries = {"base": {"grant": "deny", "log-option": "log"}, "um": {"deny": {"log": {}}}}
@@ -434,14 +447,15 @@ class Convert(Case):
                  for schema, entry in entries.items()}
         encoded = {schema: self.ok("encode", stdin=text) for schema, text in texts.items()}
         for source, target in (("base", "um"), ("um", "base")):
-            wanted = self.ok("convert", "--from", source, "--to", target, stdin=texts[source])
+            wanted = self.ok("convert", "--schema", source, "--to", target, stdin=texts[source])
             for text in (texts[source], encoded[source]):
                 self.assertEqual(self.ok("convert", "--to", target, stdin=text), wanted)
-            code, out, err = self.run_command("convert", "--keep-going", "--to", target,
-                                              stdin=encoded[target] + encoded[source])
-            self.assertEqual((code, out), (2, wanted))
-            self.assertIn(f":#1: acl '{target}' entry 10: of the {target} schema already", err)
-            code, _, err = self.run_command("convert", "--from", source, "--to", target,
+                # What is of that schema already is written anew.
+                self.assertEqual(self.ok("convert", "--to", target, stdin=wanted), wanted)
+            both = self.ok("convert", "--to", target, "--format", "ndjson",
+                           stdin=encoded[target] + encoded[source])
+            self.assertEqual([json.loads(line)["acl"] for line in both.splitlines()], [target, source])
+            code, _, err = self.run_command("convert", "--schema", source, "--to", target,
                                             stdin=encoded[target])
             self.assertEqual(code, 2)
             self.assertIn(f"labelled as of the {target} schema, not the {source}", err)

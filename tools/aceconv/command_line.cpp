@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -27,6 +29,20 @@ constexpr const char *footer =
     "2 bad data or usage; 3 input or output failed. The largest counts.\n"
     "aceconv help VERB tells a verb's options.";
 constexpr unsigned most_jobs = 256;
+
+/// An option's further long names are spellings of earlier versions, and not shown.
+std::string shown_names(const CLI::Option &option) {
+    const auto &letters = option.get_snames();
+    const auto &words = option.get_lnames();
+    return (letters.empty() ? "" : "-" + letters.front() + ",") + "--" + words.front();
+}
+
+class HelpText : public CLI::Formatter {
+    std::string make_option_name(const CLI::Option *option, bool is_positional) const override {
+        return is_positional ? CLI::Formatter::make_option_name(option, true)
+                             : shown_names(*option);
+    }
+};
 
 template <class Value>
 using Names = std::vector<std::pair<std::string, Value>>;
@@ -117,11 +133,15 @@ void add_losses(CLI::App &verb, LossOptions &options) {
 }
 
 constexpr const char *format_help = "The format to write; json, a document, by default";
-constexpr const char *schema_help = "The entries' schema, when neither the data nor labels tell it";
+
+void add_schema(CLI::App &verb, const std::string &names, std::optional<Schema> &schema) {
+    add_choice(verb, names, schema, schemas,
+               "The entries' schema, when neither the data nor labels tell it");
+}
 
 void add_options(CLI::App &verb, EncodeOptions &options) {
     add_input(verb, options.input);
-    add_choice(verb, "--schema", options.input.schema, schemas, schema_help);
+    add_schema(verb, "--schema", options.input.schema);
     add_output(verb, options.output);
     add_file(verb, "--stored", options.stored,
              "Earlier encodings of the entries, whose user-defined fields are kept (base schema)");
@@ -132,17 +152,15 @@ void add_options(CLI::App &verb, EncodeOptions &options) {
 
 void add_options(CLI::App &verb, DecodeOptions &options) {
     add_input(verb, options.input);
-    add_choice(verb, "--schema", options.input.schema, schemas,
-               "The schema of encodings whose labels do not tell it");
+    add_schema(verb, "--schema", options.input.schema);
     add_output(verb, options.output);
-    add_choice(verb, "--to", options.format, text_formats, format_help);
+    add_choice(verb, "--format,--to", options.format, text_formats, format_help);
     add_losses(verb, options.losses);
 }
 
 void add_options(CLI::App &verb, InspectOptions &options) {
     add_input(verb, options.input);
-    add_choice(verb, "--schema", options.input.schema, schemas,
-               "The entries' schema, when neither the data nor labels tell it");
+    add_schema(verb, "--schema", options.input.schema);
     add_output(verb, options.output);
     verb.add_flag("--json", options.json, "Write one JSON object for each record, one a line");
     add_losses(verb, options.losses);
@@ -150,17 +168,16 @@ void add_options(CLI::App &verb, InspectOptions &options) {
 
 void add_options(CLI::App &verb, ConvertOptions &options) {
     add_input(verb, options.input);
-    add_choice(verb, "--from", options.input.schema, schemas,
-               "The schema to convert from, when neither the data nor labels tell it");
+    add_schema(verb, "--schema,--from", options.input.schema);
     add_choice(verb, "--to", options.to, schemas, "The schema to convert to")->required();
     add_output(verb, options.output);
-    add_choice(verb, "--to-format", options.format, text_formats, format_help);
+    add_choice(verb, "--format,--to-format", options.format, text_formats, format_help);
     add_losses(verb, options.losses);
 }
 
 void add_options(CLI::App &verb, CheckOptions &options) {
     add_input(verb, options.input);
-    add_choice(verb, "--schema", options.input.schema, schemas, schema_help);
+    add_schema(verb, "--schema", options.input.schema);
     add_losses(verb, options.losses);
 }
 
@@ -169,9 +186,9 @@ void add_options(CLI::App &verb, DiffOptions &options) {
     verb.add_option("B", options.right.paths.front(), "The second input; - is standard input")
         ->required()
         ->type_name("");
-    add_choice(verb, "--schema-a", options.left.schema, schemas,
-               "The schema of A, when neither the data nor labels tell it");
-    add_choice(verb, "--schema-b", options.right.schema, schemas, "The same of B");
+    add_schema(verb, "--schema", options.schema);
+    add_choice(verb, "--schema-a", options.left.schema, schemas, "The same of A alone");
+    add_choice(verb, "--schema-b", options.right.schema, schemas, "The same of B alone");
     add_losses(verb, options.losses);
 }
 
@@ -214,7 +231,8 @@ void add_verbs(CLI::App &app, Calls &calls, const Arguments &arguments) {
     add("decode", "Decode encodings to entries of access lists", calls.decode, run_decode);
     add("inspect", "Show the records of encodings, or of entries: every field that is present",
         calls.inspect, run_inspect);
-    add("convert", "Convert entries from one schema to the other, and list what is lost",
+    add("convert",
+        "Convert entries to one schema, from the other or the same, and list what is lost",
         calls.convert, run_convert);
     add("check", "Encode, decode and encode again; show what does not come back the same",
         calls.check, run_check);
@@ -229,8 +247,8 @@ UsageError misplaced(const CLI::App &app, const std::string &argument) {
     std::vector<std::string> names;
     if (argument.front() == '-') {
         for (const CLI::Option *option : app.get_options()) {
-            for (const std::string &name : option->get_lnames()) {
-                names.push_back("--" + name);
+            if (!option->get_lnames().empty()) {
+                names.push_back("--" + option->get_lnames().front());
             }
         }
         const std::string name = argument.substr(0, argument.find('='));
@@ -277,6 +295,7 @@ void parse(CLI::App &app, Arguments arguments) {
 int run_command_line(int argc, char **argv) {
     CLI::App app(description, "aceconv");
     app.footer(footer);
+    app.formatter(std::make_shared<HelpText>());
     app.require_subcommand(0, 1);
     Calls calls;
     Arguments arguments = arguments_of(argc, argv);

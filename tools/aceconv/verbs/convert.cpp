@@ -1,8 +1,7 @@
-// aceconv convert: from one schema to the other through the record, with an
-// account of everything that did not come along.
+// aceconv convert: to one schema, from the other or the same, through the record,
+// with an account of everything that did not come along.
 #include <algorithm>
 
-#include "stream/errors.h"
 #include "stream/text.h"
 #include "tools/aceconv/losses.h"
 #include "tools/aceconv/verbs/verbs.h"
@@ -24,9 +23,6 @@ std::string about(std::optional<Schema> from, Schema to) {
 int run_convert(const ConvertOptions &options) {
     const std::optional<Schema> from = options.input.schema;
     const Schema to = *options.to;
-    if (from == to) {
-        throw UsageError("--from and --to name the same schema");
-    }
     Run run(options.common, options.input, options.output, Lists::joined);
     const RecordView view(run.descriptor());
     Output output(options.output, reader_gone(options.losses));
@@ -38,9 +34,6 @@ int run_convert(const ConvertOptions &options) {
          wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {
             if (!entry.schema_known) { // the record means the same in both
                 entry.schema = to == Schema::base ? Schema::um : Schema::base;
-            }
-            if (entry.schema == to) {
-                throw DataError("", "of the " + std::string(schema_name(to)) + " schema already");
             }
             convert(codec, view, entry, to, format, product.bytes,
                     wanted ? &product.changes : nullptr);

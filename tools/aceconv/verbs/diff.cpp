@@ -158,11 +158,15 @@ int run_diff(const DiffOptions &options) {
         throw UsageError("only one of the two inputs can be standard input");
     }
     const bool wanted = losses_wanted(options.losses);
-    Side left(options.common, options.left, wanted);
+    const auto input = [&options](InputOptions side) {
+        side.schema = side.schema ? side.schema : options.schema;
+        return side;
+    };
+    Side left(options.common, input(options.left), wanted);
     CommonOptions unseen = options.common; // the other one keeps its pace
     unseen.quiet = true;
     unseen.progress = false;
-    Side right(unseen, options.right, wanted);
+    Side right(unseen, input(options.right), wanted);
     if (!options.losses.report.empty()) {
         right.run().also_writes(options.losses.report);
     }

@@ -37,7 +37,7 @@ int run_inspect(const InspectOptions &options);
 
 struct ConvertOptions {
     CommonOptions common;
-    InputOptions input = {.schema_option = "--from"};
+    InputOptions input;
     std::optional<Schema> to;
     std::string output = "-";
     OutputFormat format = OutputFormat::json;
@@ -54,6 +54,7 @@ int run_check(const CheckOptions &options);
 
 struct DiffOptions {
     CommonOptions common;
+    std::optional<Schema> schema; // of either input that is told no other
     InputOptions left = {.schema_option = "--schema-a"};
     InputOptions right = {.schema_option = "--schema-b"};
     LossOptions losses; // on the way to the records that are compared
