@@ -25,6 +25,7 @@ check host 'aceconv/|host/'
 check stream "$host|stream/"
 check compare "$host|stream/|compare/"
 check tools/hostcheck 'aceconv/|tools/hostcheck/'
-check tools "$host|stream/|compare/|tools/"
+check converter "$host|stream/|compare/|converter/"
+check tools "$host|stream/|compare/|converter/|tools/"
 check testing 'aceconv/|testing/'
 exit $failed

@@ -19,7 +19,7 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 COPY = ROOT / "build" / "mutation"
-FOLDERS = ["host", "stream", "compare", "tools"]
+FOLDERS = ["host", "stream", "compare", "converter", "tools"]
 TIMEOUT = 120  # seconds that a build or the tests may take
 
 # What is changed into what: the first group is replaced.

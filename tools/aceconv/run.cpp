@@ -3,7 +3,6 @@
 #include <unistd.h>
 #include <utility>
 
-#include "compare/schema_dependence.h"
 #include "stream/errors.h"
 #include "stream/text.h"
 #include "tools/aceconv/exit_code.h"
@@ -38,17 +37,12 @@ Run::Run(const CommonOptions &common, const InputOptions &input, const std::stri
 void Run::begin(Work work, unsigned jobs, OnFault on_fault) {
     on_fault_ = std::move(on_fault);
     const bool traced = !common_.trace.empty(); // the trace stays in order
-    stream_ = std::make_unique<EntryStream>(
-        source_, *meter_, setup_, traced ? 1 : jobs,
-        [work = std::move(work)](Codec &codec, Entry &entry, Product &product) {
-            require_schema(codec.descriptor(), entry);
-            work(codec, entry, product);
-        },
-        [this] {
-            for (Output *output : outputs_) {
-                output->flush();
-            }
-        });
+    stream_ = std::make_unique<EntryStream>(source_, *meter_, setup_, traced ? 1 : jobs,
+                                            std::move(work), [this] {
+                                                for (Output *output : outputs_) {
+                                                    output->flush();
+                                                }
+                                            });
 }
 
 std::string Run::shown(const Entry &entry) const {

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "converter/entry_stream.h"
 #include "stream/files_in_use.h"
 #include "stream/sequence_numbers.h"
 #include "stream/sink.h"
-#include "tools/aceconv/entry_stream.h"
 #include "tools/aceconv/inputs.h"
 #include "tools/aceconv/options.h"
 #include "tools/aceconv/progress.h"

@@ -17,7 +17,7 @@ int run_check(const CheckOptions &options) {
     run.hand_over(output);
     run.each(
         [&view](Codec &codec, Entry &entry, Product &product) {
-            product.changes = losses_there_and_back(codec, view, entry, codec.encode(entry));
+            check_entry({codec, view, true}, entry, product);
         },
         [&](const Entry &entry, const Product &product) {
             account.count(entry, product.changes);

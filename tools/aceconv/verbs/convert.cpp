@@ -32,11 +32,7 @@ int run_convert(const ConvertOptions &options) {
     run.each(
         [&view, to, format = text_format(options.format),
          wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {
-            if (!entry.schema_known) { // the record means the same in both
-                entry.schema = to == Schema::base ? Schema::um : Schema::base;
-            }
-            convert(codec, view, entry, to, format, product.bytes,
-                    wanted ? &product.changes : nullptr);
+            convert_entry({codec, view, wanted}, entry, to, format, product);
         },
         [&](const Entry &entry, const Product &product) {
             sink->write(entry.key, to, product.bytes);

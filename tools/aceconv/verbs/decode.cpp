@@ -1,7 +1,6 @@
 // aceconv decode: encodings to entries.
 #include <algorithm>
 
-#include "stream/errors.h"
 #include "stream/sink.h"
 #include "tools/aceconv/losses.h"
 #include "tools/aceconv/verbs/verbs.h"
@@ -19,11 +18,7 @@ int run_decode(const DecodeOptions &options) {
     run.each(
         [&view, format = text_format(options.format),
          wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {
-            if (entry.format) {
-                throw StreamError("", "an entry's text; expected encodings");
-            }
-            convert(codec, view, entry, entry.schema, format, product.bytes,
-                    wanted ? &product.changes : nullptr);
+            decode_entry({codec, view, wanted}, entry, format, product);
         },
         [&](const Entry &entry, const Product &product) {
             sink->write(entry.key, entry.schema, product.bytes);

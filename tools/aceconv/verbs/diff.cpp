@@ -32,14 +32,7 @@ class Side {
         : run_(common, options, "-", Lists::joined) {
         const auto encode = [view = RecordView(run_.descriptor()),
                              losses_wanted](Codec &codec, Entry &entry, Product &product) {
-            if (!entry.format) { // bad data even if the other side has no such entry
-                static_cast<void>(DecodedRecord(codec.descriptor(), entry.encoding));
-            }
-            const Encoding encoding = codec.encode(entry);
-            append(product.bytes, encoding);
-            if (losses_wanted) { // what the comparison cannot see
-                product.changes = losses_of_encoding(codec, view, entry, encoding);
-            }
+            encode_to_compare({codec, view, losses_wanted}, entry, product);
         };
         run_.begin(encode, (common.jobs + 1) / 2,
                    [this](const Entry &entry, const DataError &fault) {

@@ -3,7 +3,6 @@
 #include <unistd.h>
 #include <utility>
 
-#include "compare/stored_records.h"
 #include "stream/errors.h"
 #include "stream/sink.h"
 #include "tools/aceconv/exit_code.h"
@@ -62,20 +61,10 @@ int run_encode(const EncodeOptions &options) {
     run.each(
         [&view, &stored = std::as_const(stored), any_stored,
          wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {
-            if (!entry.format) {
-                throw StreamError("", "an encoding already; expected entries in JSON or XML");
-            }
-            if (any_stored && entry.schema == Schema::um) {
+            if (any_stored && entry.format && entry.schema == Schema::um) {
                 throw UsageError("--stored has no effect on entries of the UM schema");
             }
-            Encoding encoding = codec.encode(entry); // completes the entry's key
-            if (const Encoding earlier = stored.find(entry); !earlier.empty()) {
-                encoding = codec.encode(entry, earlier);
-            }
-            append(product.bytes, encoding);
-            if (wanted) {
-                product.changes = losses_of_encoding(codec, view, entry, encoding);
-            }
+            encode_entry({codec, view, wanted}, entry, stored, product);
         },
         [&](const Entry &entry, const Product &product) {
             stored.meet(entry);

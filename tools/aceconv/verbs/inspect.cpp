@@ -14,12 +14,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-struct Inspected {
-    std::size_t bytes;
-    std::uint64_t mask, mask2;
-    std::vector<FieldValue> fields;
-};
-
 std::string hex(std::uint64_t mask) {
     char text[20];
     std::snprintf(text, sizeof text, "0x%016lx", mask);
@@ -101,21 +95,6 @@ std::string as_json(const std::string &file, const Entry &entry, const Inspected
     return shown.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
-/// What the entry's schema cannot say of its record. One that it cannot write at all
-/// is shown all the same.
-Losses losses_of(Codec &codec, const RecordView &view, const Entry &entry, Encoding encoding) {
-    try {
-        return losses_there_and_back(codec, view, entry, encoding);
-    } catch (const DataError &fault) {
-        Change loss;
-        loss.leaf = "entry";
-        loss.before = "present";
-        loss.reason = "the " + std::string(schema_name(entry.schema)) +
-                      " schema cannot write it: " + fault.what();
-        return {loss};
-    }
-}
-
 } // namespace
 
 int run_inspect(const InspectOptions &options) {
@@ -128,17 +107,10 @@ int run_inspect(const InspectOptions &options) {
     run.hand_over(output);
     run.each(
         [&, wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {
-            const Encoding encoding = codec.encode(entry);
-            const DecodedRecord record(codec.descriptor(), encoding);
-            const Inspected inspected{encoding.size(), record.get().ConfigurationMask,
-                                      record.get().ConfigurationMask2,
-                                      view.describe(record.get(), entry.schema)};
+            const Inspected inspected = inspect_entry({codec, view, wanted}, entry, product);
             product.bytes = options.json ? as_json(run.several() ? run.file(entry.position) : "",
                                                    entry, inspected)
                                          : as_text(run.shown(entry), inspected, style);
-            if (wanted) {
-                product.changes = losses_of(codec, view, entry, encoding);
-            }
         },
         [&](const Entry &entry, const Product &product) {
             if (!std::exchange(headed, true)) {

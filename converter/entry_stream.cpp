@@ -1,11 +1,11 @@
-#include "tools/aceconv/entry_stream.h"
+#include "converter/entry_stream.h"
 
 #include <system_error>
 #include <utility>
 
 #include "stream/errors.h"
 
-namespace aceconv::tool {
+namespace aceconv {
 namespace {
 
 constexpr std::size_t batch_entries = 256;
@@ -113,9 +113,17 @@ void EntryStream::look_ahead(Codec &codec, Batch &batch) {
 }
 
 void EntryStream::work_on(Codec &codec, Batch &batch) const {
-    look_ahead(codec, batch);
+    std::exception_ptr blind;
+    try {
+        look_ahead(codec, batch);
+    } catch (...) {
+        blind = std::current_exception();
+    }
     for (std::size_t i = 0; i < batch.count; ++i) {
         Item &item = batch.items[i];
+        if (blind && !item.fault) {
+            item.fault = blind;
+        }
         if (item.fault) {
             continue;
         }
@@ -217,4 +225,4 @@ EntryStream::Item *EntryStream::next() {
     return current_->items.data();
 }
 
-} // namespace aceconv::tool
+} // namespace aceconv

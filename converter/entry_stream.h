@@ -12,17 +12,11 @@
 #include <thread>
 #include <vector>
 
-#include "compare/changes.h"
+#include "converter/work.h"
 #include "stream/codec.h"
 #include "stream/source.h"
 
-namespace aceconv::tool {
-
-/// What is made of one entry: an encoding or text, and what did not come along.
-struct Product {
-    std::string bytes;
-    std::vector<Change> changes;
-};
+namespace aceconv {
 
 /// Makes the product of one entry. Called by several threads at once, each with a
 /// codec of its own; must depend on nothing but the entry. Throws DataError.
@@ -94,4 +88,4 @@ class EntryStream {
     std::vector<std::thread> threads_;
 };
 
-} // namespace aceconv::tool
+} // namespace aceconv

@@ -1,0 +1,58 @@
+// What is made of one entry, for each verb: the one way of the command and of the
+// library.
+//
+// All functions fill in the entry's key as far as it is found, and throw DataError,
+// SchemaUnknown for an encoding whose meaning depends on a schema that nothing tells,
+// and UsageError. With `losses` they add what their product does not say of the entry.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "compare/losses.h"
+#include "compare/record_view.h"
+#include "compare/stored_records.h"
+#include "stream/codec.h"
+
+namespace aceconv {
+
+/// What is made of one entry: an encoding or text, and what did not come along.
+struct Product {
+    std::string bytes;
+    std::vector<Change> changes;
+};
+
+/// What all of them work with.
+struct Workshop {
+    Codec &codec;
+    const RecordView &view;
+    bool losses; // wanted
+};
+
+/// The encoding of a text. `stored` is its earlier encoding, or empty.
+void encode_entry(const Workshop &shop, Entry &entry, Encoding stored, Product &product);
+/// The same with the earlier encoding of its list and sequence number.
+void encode_entry(const Workshop &shop, Entry &entry, const StoredRecords &stored,
+                  Product &product);
+
+/// The text of an encoding, in its own schema.
+void decode_entry(const Workshop &shop, Entry &entry, Format format, Product &product);
+
+/// The text in the schema `to` of a text or an encoding, which may be of that one already.
+void convert_entry(const Workshop &shop, Entry &entry, Schema to, Format format, Product &product);
+
+/// A record, and what its schema cannot say of it.
+struct Inspected {
+    std::size_t bytes; // of the encoding
+    std::uint64_t mask, mask2;
+    std::vector<FieldValue> fields;
+};
+Inspected inspect_entry(const Workshop &shop, Entry &entry, Product &product);
+
+/// What does not come back when the entry is encoded and decoded again.
+void check_entry(const Workshop &shop, Entry &entry, Product &product);
+
+/// The encoding of a text or an encoding, to be compared with another one by `differences`.
+void encode_to_compare(const Workshop &shop, Entry &entry, Product &product);
+
+} // namespace aceconv
