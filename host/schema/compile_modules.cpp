@@ -48,8 +48,9 @@ void write_nodes(const char *table, const SchemaNode &entry, std::ostream &out) 
                 std::to_string(static_cast<int>(node.type)) + "), " +
                 std::to_string(node.smallest) + "U, " + std::to_string(node.largest) + "U, " +
                 std::to_string(node.most_entries) + "U, R\"yang(" + node.pattern + ")yang\", " +
-                names_table(node.names, out) + ", " + std::to_string(node.names.size()) + ", " +
-                std::to_string(nodes.size()) + ", " + std::to_string(node.children.size()) + "},\n";
+                (node.plain_pattern ? "true, " : "false, ") + names_table(node.names, out) + ", " +
+                std::to_string(node.names.size()) + ", " + std::to_string(nodes.size()) + ", " +
+                std::to_string(node.children.size()) + "},\n";
         for (const SchemaNode &child : node.children) {
             nodes.push_back(&child);
         }

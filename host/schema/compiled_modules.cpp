@@ -12,6 +12,7 @@ void restore(const CompiledNode *nodes, const CompiledNode &node, SchemaNode &re
     result.largest = node.largest;
     result.most_entries = node.most_entries;
     result.pattern = node.pattern;
+    result.plain_pattern = node.plain_pattern;
     result.names.assign(node.names, node.names + node.name_count);
     result.children.resize(node.child_count);
     for (std::uint8_t place = 0; place < node.child_count; ++place) {

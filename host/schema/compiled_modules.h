@@ -19,6 +19,7 @@ struct CompiledNode {
     std::uint64_t largest;
     std::uint32_t most_entries;
     const char *pattern;
+    bool plain_pattern;
     const SchemaNode::Name *names;
     std::uint16_t name_count;
     std::uint16_t first_child; // place in the table

@@ -44,6 +44,12 @@ bool is_canonical_set(const SchemaNode &leaf, std::string_view text) {
 }
 
 bool matches_pattern(const SchemaNode &leaf, std::string_view text) {
+    if (leaf.plain_pattern) {
+        if (!leaf.form) {
+            leaf.form = TextForm::of(leaf.pattern);
+        }
+        return leaf.form->fits(text);
+    }
     const lysc_type *type = reinterpret_cast<const lysc_node_leaf &>(compiled_node(leaf)).type;
     ly_err_item *error = nullptr;
     const LY_ERR result = lyplg_type_validate_patterns(

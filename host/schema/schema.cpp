@@ -70,6 +70,9 @@ void take_string(const lysc_type *type, SchemaNode &result) {
     result.largest = limits.largest;
     if (LY_ARRAY_COUNT(string->patterns) > 0) {
         result.pattern = string->patterns[0]->expr;
+        result.plain_pattern = LY_ARRAY_COUNT(string->patterns) == 1 &&
+                               string->patterns[0]->inverted == 0 &&
+                               TextForm::of(result.pattern).has_value();
     }
 }
 

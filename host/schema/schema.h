@@ -6,12 +6,14 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "host/entry.h"
 #include "host/schema/name_table.h"
+#include "host/schema/text_form.h"
 
 struct lysc_node; // libyang's
 
@@ -48,6 +50,7 @@ struct SchemaNode {
     std::uint64_t largest = 0;      // and of a string's length in characters
     std::uint32_t most_entries = 0; // of a list
     std::string pattern;            // of a string; empty when there is none
+    bool plain_pattern = false;     // there is no other, and TextForm knows it
     std::vector<Name> names;        // of enumeration, name_or_number and bits
     const SchemaNode *parent = nullptr;
     const lysc_node *compiled = nullptr;         // null until libyang is needed
@@ -120,6 +123,7 @@ struct SchemaNode {
     // Made when they are first needed, since one entry needs few of them.
     mutable NameTable child_table;
     mutable NameTable name_table;
+    mutable std::optional<TextForm> form; // of a plain pattern
     // By the place among `names`: the rows of the keyword table that converters read the
     // leaf with, as far as they have been looked for.
     mutable const ccv_yang_keyword *keywords = nullptr;

@@ -12,6 +12,7 @@
 #include <tuple>
 
 #include "aceconv/keywords.h"
+#include "host/schema/leaf_value.h"
 #include "host/schema/modules.h"
 #include "host/schema/suggestion.h"
 #include "tests/plugin/entries.h"
@@ -255,6 +256,16 @@ std::string siblings(int count) {
                     [](int i) { return "leaf l" + std::to_string(i) + " { type empty; } "; });
 }
 
+/// The UM module with `nodes` beside the sequence number.
+void write_um(const TemporaryDirectory &directory, const std::string &nodes) {
+    std::ofstream(module_file(directory.path, Schema::um))
+        << "module aceconv-um { yang-version 1.1; namespace 'urn:aceconv:um'; prefix u; "
+           "container acls { list acl "
+           "{ key name; leaf name { type string; } list entry { key sequence-number; "
+           "leaf sequence-number { type uint32; } "
+        << nodes << "} } } }";
+}
+
 // Constructs that the modules do not have now.
 TEST(YangModules, WhatTheHostDoesNotKnowIsRefused) {
     const TemporaryDirectory other;
@@ -290,12 +301,7 @@ TEST(YangModules, WhatTheHostDoesNotKnowIsRefused) {
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.nodes);
-        std::ofstream(module_file(other.path, Schema::um))
-            << "module aceconv-um { namespace 'urn:aceconv:um'; prefix u; container acls { list "
-               "acl "
-               "{ key name; leaf name { type string; } list entry { key sequence-number; "
-               "leaf sequence-number { type uint32; } "
-            << row.nodes << "} } } }";
+        write_um(other, row.nodes);
         try {
             Modules loaded(other.path);
             const SchemaNode *x = loaded.context().entry(Schema::um).find("x");
@@ -309,6 +315,64 @@ TEST(YangModules, WhatTheHostDoesNotKnowIsRefused) {
         << "module aceconv-um { namespace 'urn:aceconv:um'; prefix u; container acls { } }";
     EXPECT_EQ(error_of([&] { const Modules loaded(other.path); }),
               ": the module has no list /aceconv-um:acls/acl/entry");
+}
+
+// What is said of a text without libyang is what libyang says.
+TEST(YangModules, PlainPatternsFitWhatLibyangTakes) {
+    const struct {
+        const char *pattern;
+        bool plain;
+    } rows[] = {
+        {"(0[xX])?[0-9a-fA-F]{1,8}", true},
+        {"[ -~]*", true},
+        {"a?a?b+", true},
+        {"(a)?(ab)?(b)?a{2}", true},
+        {"[ab]{1,}0{0,1}", true},
+        {"(a)?(a)?(a)?(a)?", false},
+        {"(a)+", false},
+        {"((a)?b)?", false},
+        {"a|b", false},
+        {"[^a]*", false},
+        {".*", false},
+        {"\\d+", false},
+        {"[a-]*", false},
+        {"^a$", false},
+        {"a'; pattern 'aa", false},
+        {"[0-9]'; pattern '[1-9]' { modifier invert-match; } pattern '.", false},
+    };
+    std::vector<std::string> texts{"",  "0x", "0X1f", "0123456789", "12345678", "0x123456789",
+                                   "g", " ~", "\x7f", "\xc3\xa4",   "a\nb",     "^a$",
+                                   "-a"};
+    for (unsigned number = 0; number < 64; ++number) { // and what is made of two characters
+        std::string text;
+        for (unsigned left = number | 64U; left > 1; left /= 2) {
+            text += (left & 1U) != 0 ? 'a' : 'b';
+            texts.push_back(text);
+        }
+    }
+    const TemporaryDirectory other;
+    std::filesystem::copy_file(module_file(ACECONV_YANG_DIRECTORY, Schema::base),
+                               module_file(other.path, Schema::base));
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.pattern);
+        write_um(other, "leaf x { type string { pattern '" + std::string(row.pattern) + "'; } }");
+        Modules loaded(other.path);
+        const SchemaNode &quick = *loaded.context().entry(Schema::um).find("x");
+        EXPECT_EQ(quick.plain_pattern, row.plain);
+        SchemaNode asked = quick;
+        asked.plain_pattern = false;
+        for (const std::string &text : texts) {
+            EXPECT_EQ(takes_text(quick, text), takes_text(asked, text)) << text;
+        }
+    }
+}
+
+TEST(YangModules, ReadingTextNeedsNoLibyang) {
+    Modules built(ACECONV_YANG_DIRECTORY);
+    const char *const text =
+        R"({"permit":{"udf-entries":{"udf":[{"udf-name":"f","udf-value":"0x1","udf-mask":"f"}]}}})";
+    EXPECT_NE(make_bulk_reader(built, Schema::um)->read(text, {}), nullptr);
+    EXPECT_EQ(built.context().entry(Schema::um).compiled, nullptr);
 }
 
 TEST(YangModules, EverydayWordsHaveNames) {
