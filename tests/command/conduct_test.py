@@ -193,12 +193,14 @@ class Messages(Case):
         remark, bags = self.file("remark", '{"remark":"r"}'), self.file("bags", self.ok("encode", doc))
         um = self.file("um", document("um", ("X", numbered({}))))
         for code, args, said in [
-                (2, (), "a verb is expected"), (2, ("help", "me"), "unknown verb me"),
+                (2, (), "a verb is expected: encode, "),
+                (2, ("help", "encod"), "VERB: encod not in {encode,"), (2, ("help", "encod"), "did you mean encode?"),
                 (2, ("encdoe", "-o", "x"), "unknown verb encdoe; did you mean encode?\n"),
                 (2, ("encode", "--schema", "x", doc), "--schema"),
                 (2, ("encode", "--no-such-option=1", doc), "unknown option --no-such-option\n"),
                 (2, ("convert", "--form", "um", "--to", "um"), "unknown option --form; did you mean --format?"),
                 (2, ("diff", doc, doc, doc), "one argument too many: " + doc),
+                (2, ("check", "-q", "--progress", doc), "--quiet excludes --progress"),
                 (2, ("encode", "--backend", "b"), "{bulk,validating}\naceconv: see aceconv encode --help\n"),
                 (2, ("encode", remark), "--schema base or --schema um"),
                 (2, ("encode", "--trace=[", doc), "--trace"),
@@ -245,6 +247,7 @@ class Messages(Case):
         self.assertIn(b"Exit codes: 0 done;", general)
         self.assertIn(b"--backend {bulk,validating} ", convert)
         for args, shown in ((("help",), general), (("-h",), general), (("help", "convert"), convert),
+                            (("--plugin", "none", "help", "convert"), convert),
                             (("convert", "-h"), convert), (("convert", "--to", "um", "-h"), convert)):
             self.assertEqual(self.ok(*args), shown)
         version = self.ok("--version").decode()
@@ -255,8 +258,9 @@ class Messages(Case):
         self.assertRegex(version, r"(?m)^record  ipv4_acl_config_ace [0-9a-f]{16}\nmodules /.*/yang$")
         # What there is to say behind each verb and option, which takes some words.
         losses, common = ["--report", "--strict", "--no-losses"], [
-            "--keep-going", "--backend", "-j,--jobs", "-q,--quiet", "--progress", "--trace"]
-        for verb, own in (("", ["encode", "decode", "inspect", "convert", "check", "diff"]),
+            "--keep-going", "--backend", "-j,--jobs", "-q,--quiet", "--progress", "--trace[=REGEX]"]
+        for verb, own in (("", ["encode", "decode", "inspect", "convert", "check", "diff", "help"]),
+                          ("help", ["VERB"]),
                           ("encode", ["INPUT", "--from-format", "--schema", "-o,--output",
                                       "--stored", "--no-labels", *losses, *common]),
                           ("decode", ["INPUT", "--from-format", "--schema", "-o,--output",
