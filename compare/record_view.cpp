@@ -34,9 +34,10 @@ std::uint64_t load_number(const std::uint8_t *at, std::size_t width) {
     }
 }
 
-std::string address_text(const std::uint8_t *at) {
+std::string address_text(std::uint64_t number) {
+    const auto address = static_cast<std::uint32_t>(number);
     char text[INET_ADDRSTRLEN]; // records hold addresses in network order
-    return inet_ntop(AF_INET, at, text, sizeof text);
+    return inet_ntop(AF_INET, &address, text, sizeof text);
 }
 
 /// The type of a member that the bag description writes so.
@@ -72,8 +73,7 @@ bool is_marked(const std::bitset<mask_bits> &bits, const RecordField &field) {
 }
 
 /// Reads the value of a member; whether it is anything but zero.
-bool read_value(const ipv4_acl_config_ace &record, const BagMember &member, Schema schema,
-                FieldValue &shown) {
+bool read_value(const ipv4_acl_config_ace &record, const BagMember &member, FieldValue &shown) {
     const auto *at = reinterpret_cast<const std::uint8_t *>(&record) + member.offset;
     shown.type = type_of(member.type);
     if (shown.type == FieldType::user_fields) {
@@ -92,10 +92,6 @@ bool read_value(const ipv4_acl_config_ace &record, const BagMember &member, Sche
         return shown.text.has_value();
     }
     shown.number = load_number(at, member.width);
-    if (shown.type == FieldType::address) {
-        shown.text = address_text(at);
-    }
-    shown.keyword = keyword_name(*shown.field, schema, shown.number);
     return shown.number != 0;
 }
 
@@ -157,13 +153,14 @@ std::vector<FieldValue> RecordView::describe(const ipv4_acl_config_ace &record,
         value.field = &field;
         value.offset = member.offset;
         value.width = member.width;
+        value.schema = schema;
         for (int bit = field.first_bit; bit >= 0 && bit <= field.last_bit; ++bit) {
             if (bits.test(static_cast<std::size_t>(bit))) {
                 value.bits.push_back(bit);
                 bits.reset(static_cast<std::size_t>(bit));
             }
         }
-        const bool nonzero = read_value(record, member, schema, value);
+        const bool nonzero = read_value(record, member, value);
         if (value.bits.empty() && !nonzero) {
             continue;
         }
@@ -263,11 +260,17 @@ std::string value_text(const FieldValue &value) {
     case FieldType::text:
         return value.text ? "\"" + printable(*value.text) + "\"" : "null";
     case FieldType::address:
-        return *value.text;
+        return address_text(value.number);
     default:
         text = number_text(value);
     }
-    return value.keyword.empty() ? text : text + " (" + value.keyword + ")";
+    const std::string keyword = value.keyword();
+    return keyword.empty() ? text : text + " (" + keyword + ")";
+}
+
+std::string FieldValue::keyword() const {
+    const bool may_have_one = type == FieldType::number || type == FieldType::boolean;
+    return may_have_one ? keyword_name(*field, schema, number) : "";
 }
 
 std::string bits_text(const std::vector<int> &bits) {

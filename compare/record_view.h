@@ -28,17 +28,20 @@ struct FieldValue {
     std::size_t offset = 0;   // bytes
     std::size_t width = 0;    // bytes; 0 for such a bit
     FieldType type = FieldType::bit;
+    Schema schema = Schema::base;    // whose names the value has
     std::uint64_t number = 0;        // an address as it lies in the record
-    std::optional<std::string> text; // an address as a dotted quad
+    std::optional<std::string> text; // none where the record has null
     std::vector<ace_udf_element> user_fields;
-    std::string keyword; // the value's name, or ""
-    std::string note;    // what is unusual about it, or ""
+    std::string note; // what is unusual about it, or ""
+
+    /// The number's name, or "".
+    [[nodiscard]] std::string keyword() const;
 };
 
 /// Whether both hold the same, whatever marks them and whatever it is called.
 bool same_value(const FieldValue &a, const FieldValue &b);
 
-/// "80 (www)"; text in quotes.
+/// "80 (www)"; text in quotes, an address as a dotted quad.
 std::string value_text(const FieldValue &value);
 /// The name of a user-defined field; two that differ are shown differently.
 std::string user_field_name(const ace_udf_element &element);

@@ -62,14 +62,14 @@ std::string value_words(const FieldValue &value) {
     case FieldType::text:
         return value.text ? in_quotes(*value.text) : "null";
     case FieldType::address:
-        return *value.text;
+        return value_text(value);
     default:
         return std::to_string(value.number);
     }
 }
 
 std::string name_or_number(const FieldValue &value) {
-    return value.keyword.empty() ? std::to_string(value.number) : value.keyword;
+    return value.keyword().empty() ? std::to_string(value.number) : value.keyword();
 }
 
 /// The value by its member, and how it is marked where that is not as usual.
@@ -156,10 +156,10 @@ void WordsLine::say_rest() {
 
 bool WordsLine::say_keyword(std::size_t field) {
     const FieldValue *value = unsaid(field);
-    if (value == nullptr || value->keyword.empty()) {
+    if (value == nullptr || value->keyword().empty()) {
         return false;
     }
-    add(value->keyword);
+    add(value->keyword());
     return said_[field] = true;
 }
 
@@ -190,9 +190,9 @@ void WordsLine::say_icmp_message(const char *word, std::size_t field) {
     }
     const std::uint64_t code = value->number & any_code;
     add(word);
-    add(!value->keyword.empty() ? value->keyword
-                                : "type " + std::to_string(value->number >> 16) +
-                                      (code == any_code ? "" : " code " + std::to_string(code)));
+    add(!value->keyword().empty() ? value->keyword()
+                                  : "type " + std::to_string(value->number >> 16) +
+                                        (code == any_code ? "" : " code " + std::to_string(code)));
     said_[field] = true;
 }
 
@@ -249,7 +249,7 @@ void WordsLine::say_flags(const char *word, const std::size_t *fields) {
     const FieldValue *flags = unsaid(fields[1]);
     const FieldValue *mask = unsaid(fields[2]);
     if (flags == nullptr ||
-        (operation != nullptr && (mask == nullptr || operation->keyword.empty()))) {
+        (operation != nullptr && (mask == nullptr || operation->keyword().empty()))) {
         return;
     }
     const std::uint64_t looked_at = (mask == nullptr ? flags : mask)->number;
@@ -267,7 +267,7 @@ void WordsLine::say_flags(const char *word, const std::size_t *fields) {
         return;
     }
     add(word);
-    add(operation == nullptr ? "" : operation->keyword);
+    add(operation == nullptr ? "" : operation->keyword());
     text_ += names;
     said_[fields[0]] = operation != nullptr;
     said_[fields[1]] = true;

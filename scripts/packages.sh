@@ -13,6 +13,9 @@ bench_packages=(
   python3 'libyang2-tools|libyang3-tools' libbenchmark-dev valgrind time libprotobuf-dev
   protobuf-compiler
 )
+cross_packages=(
+  gcc-aarch64-linux-gnu g++-aarch64-linux-gnu cmake ninja-build pkg-config binutils mmdebstrap
+)
 package_packages=(dpkg-dev debhelper fakeroot lintian)
 fuzz_packages=(clang libclang-rt-dev)
 

@@ -22,7 +22,7 @@ for file; do
     }
     # shellcheck disable=SC2317 # called through want
     imports() {
-        nm -D --undefined-only "$file" | grep -qE "$1"
+        readelf -W --dyn-syms "$file" | grep -qE " UND $1"
     }
     want 'position independence' shows -h 'Type: +DYN'
     want 'read-only relocations' shows -l 'GNU_RELRO'
@@ -30,7 +30,7 @@ for file; do
     want 'stack without code' shows -l 'GNU_STACK.* RW '
     # An empty element of it is the folder that the program is called from.
     want 'run path of folders' test -z "$(readelf -dW "$file" | grep -E 'R(UN)?PATH' | grep -E '\[:|::|:\]|\[\]')"
-    want 'stack protector' imports ' __stack_chk_fail'
+    want 'stack protector' imports '__stack_chk_fail'
     if shows -h 'Machine:.*X86-64'; then
         # Not the mark on the file, which start files of the system may not let it have.
         want 'checked branches' test "$(grep -oaP '\xf3\x0f\x1e\xfa' "$file" | wc -l)" -gt 20
@@ -42,7 +42,7 @@ for file; do
     if [ "$config" != Debug ]; then
         case $file in
         *libipv4_acl_ace*) ;; # bounds its strings itself
-        *) want 'bounded calls' imports ' __(mem|str|v?s|v?f|read|get).*_chk' ;;
+        *) want 'bounded calls' imports '__(mem|str|v?s|v?f|read|get).*_chk' ;;
         esac
         if LC_ALL=C grep -qF -- "$source/" "$file"; then
             echo "${file##*/}: paths of $source inside"

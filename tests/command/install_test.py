@@ -134,19 +134,36 @@ class BuiltAgainst(Case):
         shown = "".join(f"    {line}\n" for line in self.output(program).splitlines())
         self.assertIn(f"\n\n{shown}\n", (SOURCE / "docs" / "hosting.md").read_text())
 
-    def test_with_cmake(self):
+    def build_with_cmake(self):
         self.file("CMakeLists.txt", OUTSIDE % self.EXAMPLE)
         self.file("names.c", NAMES)
         self.output(CMAKE, "-S", self.dir, "-B", self.dir / "build", "-G", "Ninja", "-Wno-dev",
                     f"-DCMAKE_PREFIX_PATH={self.prefix}", f"-DCMAKE_C_FLAGS={' '.join(SANITIZE)}")
         self.output(CMAKE, "--build", self.dir / "build")
         self.expect_the_conversions(self.dir / "build/host/convert")
+        self.assertEqual(self.output(self.dir / "build/names"), "permit\n")
+
+    @unittest.skipIf(SANITIZE, "nothing new to be seen")
+    def test_the_plug_in_alone_where_there_is_nothing_but_libsafec(self):
+        safec = self.output("pkg-config", "--variable=pcfiledir", "libsafec").strip() + "/libsafec.pc"
+        os.symlink(safec, self.dir / "libsafec.pc")
+        parts = ("CLI11", "EXPAT", "GTest", "Python3", "nlohmann_json", "simdjson", "benchmark")
+        alone, self.prefix = self.dir / "alone", self.dir / "prefix"
+        self.output("env", f"PKG_CONFIG_LIBDIR={self.dir}", CMAKE, "-S", SOURCE, "-B", alone, "-G",
+                    "Ninja", "--no-warn-unused-cli", "-DACECONV_HOST=OFF", "-DACECONV_WERROR=ON",
+                    *(f"-DCMAKE_DISABLE_FIND_PACKAGE_{part}=ON" for part in parts))
+        self.output(CMAKE, "--build", alone)
+        install(alone, self.prefix)
+        self.assertFalse((self.prefix / "bin").exists())
+        self.build_with_cmake()
+
+    def test_with_cmake(self):
+        self.build_with_cmake()
         host, = (self.dir / "build/host").glob("libexample_host.so")
         # A sanitizer's dlopen does not look where the program's own would.
         given = ["--plugin", *self.prefix.rglob("libipv4_acl_ace.so")] if SANITIZE else []
         self.assertIn(" 0 of them found",
                       self.output(self.prefix / "bin/aceconv-hostcheck", host, *given))
-        self.assertEqual(self.output(self.dir / "build/names"), "permit\n")
 
     def test_with_pkg_config(self):
         folder, = self.prefix.rglob("pkgconfig")

@@ -1,18 +1,22 @@
-#!/bin/sh
-# Usage: symbols.sh PLUGIN HEADERS_DIR
+#!/usr/bin/env bash
+# Usage: symbols.sh PLUGIN HEADERS_DIR [LIBRARY...]
 #
 # Checks what the plug-in offers and wants: exactly the names below, only names of
 # the host headers, of libc and of libsafec, and those two libraries at run time.
+# Of a plug-in for another processor the libraries have to be named, its loader if it is one.
 set -eu
 export LC_ALL=C
 plugin=$1 headers=$2
+shift 2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 failed=0
 
-# Dynamic symbols without versions; $2 selects defined or undefined.
+# Dynamic symbols without versions, of any processor; $2 is `defined` or `undefined`.
 symbols() {
-    nm -D "$2" "$1" | awk '{ print $NF }' | sed 's/@.*//' | sort -u
+    readelf -W --dyn-syms "$1" |
+        awk -v of="$2" '$5 ~ /GLOBAL|WEAK/ && ($7 == "UND" ? "undefined" : "defined") == of { print $8 }' |
+        sed 's/@.*//' | sort -u
 }
 
 report() { # text, file with offending lines
@@ -48,7 +52,7 @@ ipv4_acl_config_ace_bag_getfn
 removeChar
 removeNonTcpFlag
 NAMES
-symbols "$plugin" --defined-only > "$work/offered"
+symbols "$plugin" defined > "$work/offered"
 comm -13 "$work/wanted" "$work/offered" > "$work/extra"
 comm -23 "$work/wanted" "$work/offered" > "$work/missing"
 report "exported, but not part of the interface" "$work/extra"
@@ -57,18 +61,21 @@ report "not exported" "$work/missing"
 sed -n 's/.*[ *]\([a-z_0-9]*\)(.*/\1/p' "$headers"/host/*.h | grep -v '^ *$' | sort -u > "$work/host"
 grep -q '^ccv_yang_iter_first$' "$work/host"
 grep -q '^__strncat_to_buf$' "$work/host"
-symbols "$plugin" --undefined-only > "$work/undefined"
-ldd "$plugin" 2> /dev/null | awk '/^\t(libc|libsafec)\.so/ { print $3 }' > "$work/libraries"
+symbols "$plugin" undefined > "$work/undefined"
+if [ $# = 0 ]; then
+    # shellcheck disable=SC2046 # their names have no blanks
+    set -- $(ldd "$plugin" 2> /dev/null | awk '/^\t(libc|libsafec)\.so/ { print $3 }')
+fi
 cp "$work/host" "$work/allowed"
-while read -r library; do
-    symbols "$library" --defined-only >> "$work/allowed"
-done < "$work/libraries"
+for library; do
+    symbols "$library" defined >> "$work/allowed"
+done
 sort -u -o "$work/allowed" "$work/allowed"
 comm -13 "$work/allowed" "$work/undefined" > "$work/unknown"
 report "imported from elsewhere" "$work/unknown"
 
 readelf -d "$plugin" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | sort > "$work/needed"
-printf '%s\n' libc.so.6 libsafec.so.3 > "$work/two"
-comm -3 "$work/two" "$work/needed" > "$work/differing"
+printf '%s\n' libc.so.6 libsafec.so.3 "${@##*/}" | sort -u > "$work/libraries"
+comm -3 "$work/libraries" "$work/needed" > "$work/differing"
 report "run-time libraries missing (left) or too many (right)" "$work/differing"
 exit $failed

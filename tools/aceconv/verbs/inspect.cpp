@@ -52,7 +52,10 @@ Json json_value(const FieldValue &field) {
         }
         return elements;
     }
-    if (field.type == FieldType::text || field.type == FieldType::address) {
+    if (field.type == FieldType::address) {
+        return value_text(field);
+    }
+    if (field.type == FieldType::text) {
         return field.text ? Json(*field.text) : Json();
     }
     return field.type == FieldType::boolean && field.number <= 1 ? Json(field.number == 1)
@@ -73,8 +76,8 @@ std::string as_json(const std::string &file, const Entry &entry, const Inspected
             row["width"] = field.width;
             row["value"] = json_value(field);
         }
-        if (!field.keyword.empty()) {
-            row["keyword"] = field.keyword;
+        if (const std::string keyword = field.keyword(); !keyword.empty()) {
+            row["keyword"] = keyword;
         }
         if (!field.note.empty()) {
             row["note"] = field.note;
