@@ -1,6 +1,7 @@
 #include "compare/kept_nodes.h"
 
 #include <algorithm>
+#include <arpa/inet.h>
 #include <charconv>
 #include <set>
 
@@ -200,6 +201,26 @@ std::string shown(const Node &node) {
     return text.empty() ? "present" : "\"" + printable(text) + "\"";
 }
 
+TypedValue typed(const Node &node) {
+    using Type = TypedValue::Type;
+    switch (leaf_kind(node)) {
+    case LeafKind::number:
+        return {Type::number, *leaf_number(node)};
+    case LeafKind::boolean:
+        return {Type::boolean, *leaf_number(node)};
+    case LeafKind::name:
+        return {Type::keyword, leaf_number(node).value_or(0), leaf_text(node)};
+    case LeafKind::address:
+        return {Type::address, ntohl(static_cast<std::uint32_t>(*leaf_number(node))),
+                leaf_text(node)};
+    case LeafKind::text:
+        return {Type::text, 0, leaf_text(node)};
+    case LeafKind::none:
+        break;
+    }
+    return {Type::present};
+}
+
 class Judge {
   public:
     Judge(Codec &codec, const RecordView &view, Schema schema, Encoding encoding)
@@ -227,8 +248,10 @@ class Judge {
         }
         change.leaf = node_path(*missing.node);
         change.before = shown(*missing.node);
+        change.before_value = typed(*missing.node);
         if (missing.other != nullptr) {
             change.after = shown(*missing.other);
+            change.after_value = typed(*missing.other);
         }
         change.reason = "not kept by the record: " + reason(*missing.node, sets_any, clash);
         return change;

@@ -33,6 +33,8 @@ Change change_of(const FieldValue &any, const FieldValue *before, const FieldVal
     change.leaf = leaf == nullptr ? "" : leaf;
     change.before = text(before);
     change.after = text(after);
+    change.before_value = before == nullptr ? TypedValue() : typed(*before);
+    change.after_value = after == nullptr ? TypedValue() : typed(*after);
     return change;
 }
 

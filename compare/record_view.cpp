@@ -273,6 +273,26 @@ std::string FieldValue::keyword() const {
     return may_have_one ? keyword_name(*field, schema, number) : "";
 }
 
+TypedValue typed(const FieldValue &value) {
+    using Type = TypedValue::Type;
+    switch (value.type) {
+    case FieldType::bit:
+        return {Type::present};
+    case FieldType::user_fields:
+        return {Type::user_fields};
+    case FieldType::text:
+        return value.text ? TypedValue{Type::text, 0, *value.text} : TypedValue{Type::present};
+    case FieldType::address:
+        return {Type::address, ntohl(static_cast<std::uint32_t>(value.number)), value_text(value)};
+    case FieldType::boolean:
+        return {value.number <= 1 ? Type::boolean : Type::number, value.number};
+    case FieldType::number:
+        break;
+    }
+    const std::string keyword = value.keyword();
+    return {keyword.empty() ? Type::number : Type::keyword, value.number, keyword};
+}
+
 std::string bits_text(const std::vector<int> &bits) {
     std::string text;
     for (std::size_t i = 0; i < bits.size();) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "compare/changes.h"
 #include "compare/decoded_record.h"
 #include "compare/record_fields.h"
 #include "host/bag_library.h"
@@ -43,6 +44,7 @@ bool same_value(const FieldValue &a, const FieldValue &b);
 
 /// "80 (www)"; text in quotes, an address as a dotted quad.
 std::string value_text(const FieldValue &value);
+TypedValue typed(const FieldValue &value);
 /// The name of a user-defined field; two that differ are shown differently.
 std::string user_field_name(const ace_udf_element &element);
 /// "0x1f"

@@ -33,6 +33,7 @@ Losses losses_of_record(const Workshop &shop, const Entry &entry, Encoding encod
         Change loss;
         loss.leaf = "entry";
         loss.before = "present";
+        loss.before_value = {TypedValue::Type::present};
         loss.reason = "the " + std::string(schema_name(entry.schema)) +
                       " schema cannot write it: " + fault.what();
         return {loss};
@@ -86,6 +87,7 @@ Inspected inspect_entry(const Workshop &shop, Entry &entry, Product &product) {
 void check_entry(const Workshop &shop, Entry &entry, Product &product) {
     require_schema(shop.codec.descriptor(), entry);
     const Encoding encoding = shop.codec.encode(entry);
+    append(product.bytes, encoding);
     product.changes = losses_there_and_back(shop.codec, shop.view, entry, encoding);
 }
 

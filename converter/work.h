@@ -49,7 +49,7 @@ struct Inspected {
 };
 Inspected inspect_entry(const Workshop &shop, Entry &entry, Product &product);
 
-/// What does not come back when the entry is encoded and decoded again.
+/// The encoding, and what does not come back when it is decoded again.
 void check_entry(const Workshop &shop, Entry &entry, Product &product);
 
 /// The encoding of a text or an encoding, to be compared with another one by `differences`.

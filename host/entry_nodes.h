@@ -31,6 +31,9 @@ ccv_yang_node *child_named(const ccv_yang_node &parent, std::string_view name);
 /// Whether two leaves hold the same value, each by its own type: a number and the
 /// name that stands for it are the same.
 bool same_value(const ccv_yang_node &a, const ccv_yang_node &b);
+/// What a leaf holds; nothing if it is empty or no leaf.
+enum class LeafKind : std::uint8_t { none, text, name, number, boolean, address };
+LeafKind leaf_kind(const ccv_yang_node &node);
 /// The value as text, as it was written; "" of an empty leaf.
 std::string leaf_text(const ccv_yang_node &leaf);
 /// The number that the leaf holds or names; nothing when it is neither.

@@ -91,6 +91,26 @@ bool same_value(const Node &a, const Node &b) {
                          : a.value.kind == b.value.kind && a.value.text == b.value.text;
 }
 
+LeafKind leaf_kind(const Node &node) {
+    switch (node.value.kind) {
+    case ValueKind::none:
+    case ValueKind::empty:
+        return LeafKind::none;
+    case ValueKind::name:
+        return LeafKind::name;
+    case ValueKind::number:
+        return LeafKind::number;
+    case ValueKind::boolean:
+        return LeafKind::boolean;
+    case ValueKind::ipv4:
+        return LeafKind::address;
+    case ValueKind::text:
+    case ValueKind::bits:
+        break;
+    }
+    return LeafKind::text;
+}
+
 std::string leaf_text(const Node &leaf) {
     switch (leaf.value.kind) {
     case ValueKind::none:
