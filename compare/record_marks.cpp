@@ -38,7 +38,8 @@ Marks of(const char *name) {
 
 Comparison comparison(Group group, std::uint8_t Record::*code,
                       std::uint8_t last_single = not_equal_code, bool without_operator = false) {
-    return {code,
+    return {group,
+            code,
             last_single,
             without_operator,
             of(group, Part::operation),

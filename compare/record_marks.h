@@ -18,6 +18,7 @@ struct Marks {
 
 /// A value or two that packets are compared with.
 struct Comparison {
+    Group group;
     std::uint8_t ipv4_acl_config_ace::*code;
     std::uint8_t last_single; // the last operator that has one value
     bool without_operator;    // UM has a form without one

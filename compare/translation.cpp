@@ -16,11 +16,6 @@ constexpr std::uint64_t protocol_operator_bit = bit(53);
 constexpr std::uint64_t fragment_type_bit = bit(60);
 constexpr std::uint8_t equal = 1;
 
-/// Every protocol, by schema; in the other one the number is a protocol's own.
-constexpr std::uint16_t every_protocol(Schema schema) {
-    return schema == Schema::base ? 0 : 512;
-}
-
 const ccv_yang_keyword *fragment_types(Schema schema) {
     return schema == Schema::base ? acl_yang_acl_fragment_flags : acl_yang_acl_fragment_type_um;
 }

@@ -10,6 +10,11 @@
 
 namespace aceconv {
 
+/// The number that stands for every protocol; in the other schema it is a protocol's own.
+constexpr std::uint16_t every_protocol(Schema schema) {
+    return schema == Schema::base ? 0 : 512;
+}
+
 /// A number that does not mean the same in the other schema.
 struct Untranslated {
     const char *field;
