@@ -12,7 +12,6 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include "compare/record_view.h"
 #include "host/entry.h"
@@ -22,9 +21,5 @@ namespace aceconv {
 /// The line, without an end of line; `sequence` leads it where there is one.
 std::string entry_words(const RecordView &view, const ipv4_acl_config_ace &record, Schema schema,
                         std::optional<std::uint32_t> sequence);
-
-/// `text` in double quotes, so that its end shows and nothing of it drives a terminal: a quote
-/// and a backslash stand behind a backslash, other bytes as \xNN where need be.
-std::string in_quotes(std::string_view text);
 
 } // namespace aceconv

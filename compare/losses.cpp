@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "compare/entry_words.h"
 #include "compare/kept_nodes.h"
 #include "compare/loss_reasons.h"
 #include "compare/quick_proof.h"
@@ -141,6 +142,16 @@ Losses losses_there_and_back(Codec &codec, const RecordView &view, const Entry &
         }
     }
     return losses;
+}
+
+std::string words_of_return(Codec &codec, const RecordView &view, const Entry &entry,
+                            Encoding encoding, Schema to) {
+    DecodedRecord record(codec.descriptor(), encoding);
+    translate(record.get(), entry.schema, to);
+    const Bytes written = record.encode();
+    const Encoding again = codec.encode_nodes(codec.decode_nodes(written, to, entry.key), to);
+    return entry_words(view, DecodedRecord(codec.descriptor(), again).get(), to,
+                       entry.key.sequence);
 }
 
 Losses losses_of_encoding(Codec &codec, const RecordView &view, const Entry &entry,

@@ -27,6 +27,10 @@ void convert(Codec &codec, const RecordView &view, Entry &entry, Schema to, Form
 Losses losses_there_and_back(Codec &codec, const RecordView &view, const Entry &entry,
                              Encoding encoding);
 
+/// In words, what comes back when `encoding`, of `entry`, is written in the schema `to`.
+std::string words_of_return(Codec &codec, const RecordView &view, const Entry &entry,
+                            Encoding encoding, Schema to);
+
 /// What is lost when `entry` is encoded: the nodes that its encoding does not keep.
 /// `encoding` is what codec.encode(entry) has just returned.
 Losses losses_of_encoding(Codec &codec, const RecordView &view, const Entry &entry,

@@ -2,7 +2,6 @@
 
 #include <array>
 
-#include "compare/entry_words.h"
 #include "compare/record_marks.h"
 #include "stream/text.h"
 
@@ -91,15 +90,6 @@ std::string by_member(const FieldValue &value) {
 
 std::size_t number_of(const RecordField &field) {
     return static_cast<std::size_t>(&field - record_fields().data());
-}
-
-std::string in_quotes(std::string_view text) {
-    std::string marked;
-    for (const char byte : text) {
-        marked += byte == '"' || byte == '\\' ? "\\" : "";
-        marked += byte;
-    }
-    return '"' + escaped(marked) + '"';
 }
 
 WordsLine::WordsLine(const std::vector<FieldValue> &values)

@@ -29,6 +29,8 @@ void reset(EntryStream::Item &item) {
     clear(item.entry.encoding);
     clear(item.product.bytes);
     item.product.changes.clear();
+    clear(item.product.words);
+    clear(item.product.words_after);
     item.entry.key = {};
     item.fault = nullptr;
 }

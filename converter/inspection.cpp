@@ -61,6 +61,7 @@ std::string inspection_json(const std::string &file, const Entry &entry,
     shown["acl"] = entry.key.acl ? Json(*entry.key.acl) : Json();
     shown["sequence"] = entry.key.sequence ? Json(*entry.key.sequence) : Json();
     shown["schema"] = entry.schema_known ? Json(schema_name(entry.schema)) : Json();
+    shown["words"] = inspected.words;
     shown["bytes"] = inspected.bytes;
     shown["ConfigurationMask"] = mask_text(inspected.mask);
     shown["ConfigurationMask2"] = mask_text(inspected.mask2);

@@ -1,11 +1,48 @@
 #include "converter/work.h"
 
+#include "compare/entry_words.h"
 #include "compare/schema_dependence.h"
 #include "stream/errors.h"
 #include "stream/text.h"
 
 namespace aceconv {
 namespace {
+
+std::string words_of(const Workshop &shop, const Entry &entry, Encoding encoding) {
+    const DecodedRecord record(shop.codec.descriptor(), encoding);
+    return entry_words(shop.view, record.get(), entry.schema, entry.key.sequence);
+}
+
+/// The words of an entry with changes, and of what comes back from the schema `to` that it is
+/// written in, if it is. `encoding` is what the codec has just made of it.
+void add_words(const Workshop &shop, const Entry &entry, Encoding encoding,
+               std::optional<Schema> to, Product &product) {
+    if (product.changes.empty()) {
+        return;
+    }
+    product.words = words_of(shop, entry, encoding);
+    try {
+        product.words_after =
+            to ? words_of_return(shop.codec, shop.view, entry, encoding, *to) : "";
+    } catch (const DataError &) { // it cannot be written
+    }
+}
+
+void require_encoding(const Entry &entry) {
+    if (entry.format) {
+        throw StreamError("", "an entry's text; expected encodings");
+    }
+}
+
+/// Converts the entry, with words where it loses something.
+void convert_with_words(const Workshop &shop, Entry &entry, Schema to, Format format,
+                        Product &product) {
+    convert(shop.codec, shop.view, entry, to, format, product.bytes,
+            shop.losses ? &product.changes : nullptr);
+    if (!product.changes.empty()) {
+        add_words(shop, entry, shop.codec.encode(entry), to, product);
+    }
+}
 
 /// `earlier` gives the encoding that goes with the entry, once its key is complete.
 template <class Earlier>
@@ -21,6 +58,7 @@ void encode_text(const Workshop &shop, Entry &entry, Earlier earlier, Product &p
     append(product.bytes, encoding);
     if (shop.losses) {
         product.changes = losses_of_encoding(shop.codec, shop.view, entry, encoding);
+        add_words(shop, entry, encoding, std::nullopt, product);
     }
 }
 
@@ -55,11 +93,29 @@ void encode_entry(const Workshop &shop, Entry &entry, const StoredRecords &store
 
 void decode_entry(const Workshop &shop, Entry &entry, Format format, Product &product) {
     require_schema(shop.codec.descriptor(), entry);
-    if (entry.format) {
-        throw StreamError("", "an entry's text; expected encodings");
+    require_encoding(entry);
+    convert_with_words(shop, entry, entry.schema, format, product);
+}
+
+void say_entry(const Workshop &shop, Entry &entry, Product &product) {
+    require_schema(shop.codec.descriptor(), entry);
+    require_encoding(entry);
+    product.bytes = words_of(shop, entry, entry.encoding);
+}
+
+std::string words_of_encoding(const bag_descriptor &descriptor, const Entry &entry) {
+    try {
+        if (entry.format) {
+            return "";
+        }
+        require_schema(descriptor, entry);
+        const DecodedRecord record(descriptor, entry.encoding);
+        return entry_words(RecordView(descriptor), record.get(), entry.schema, entry.key.sequence);
+    } catch (const DataError &) {
+        return "";
+    } catch (const SchemaUnknown &) {
+        return "";
     }
-    convert(shop.codec, shop.view, entry, entry.schema, format, product.bytes,
-            shop.losses ? &product.changes : nullptr);
 }
 
 void convert_entry(const Workshop &shop, Entry &entry, Schema to, Format format, Product &product) {
@@ -67,19 +123,19 @@ void convert_entry(const Workshop &shop, Entry &entry, Schema to, Format format,
     if (!entry.schema_known) { // the record means the same in both
         entry.schema = to == Schema::base ? Schema::um : Schema::base;
     }
-    convert(shop.codec, shop.view, entry, to, format, product.bytes,
-            shop.losses ? &product.changes : nullptr);
+    convert_with_words(shop, entry, to, format, product);
 }
 
 Inspected inspect_entry(const Workshop &shop, Entry &entry, Product &product) {
     require_schema(shop.codec.descriptor(), entry);
     const Encoding encoding = shop.codec.encode(entry);
     const DecodedRecord record(shop.codec.descriptor(), encoding);
-    Inspected inspected{encoding.size(), record.get().ConfigurationMask,
-                        record.get().ConfigurationMask2,
-                        shop.view.describe(record.get(), entry.schema)};
+    Inspected inspected{
+        encoding.size(), record.get().ConfigurationMask, record.get().ConfigurationMask2,
+        shop.view.describe(record.get(), entry.schema), words_of(shop, entry, encoding)};
     if (shop.losses) {
         product.changes = losses_of_record(shop, entry, encoding);
+        add_words(shop, entry, encoding, entry.schema, product);
     }
     return inspected;
 }
@@ -89,6 +145,7 @@ void check_entry(const Workshop &shop, Entry &entry, Product &product) {
     const Encoding encoding = shop.codec.encode(entry);
     append(product.bytes, encoding);
     product.changes = losses_there_and_back(shop.codec, shop.view, entry, encoding);
+    add_words(shop, entry, encoding, entry.schema, product);
 }
 
 void encode_to_compare(const Workshop &shop, Entry &entry, Product &product) {
@@ -100,6 +157,7 @@ void encode_to_compare(const Workshop &shop, Entry &entry, Product &product) {
     append(product.bytes, encoding);
     if (shop.losses) { // what the comparison cannot see
         product.changes = losses_of_encoding(shop.codec, shop.view, entry, encoding);
+        add_words(shop, entry, encoding, std::nullopt, product);
     }
 }
 

@@ -20,6 +20,10 @@ namespace aceconv {
 struct Product {
     std::string bytes;
     std::vector<Change> changes;
+    // The entry in words, where there are changes: as it was, and as it comes out, which may
+    // be unknown. Both in terms of records.
+    std::string words;
+    std::string words_after;
 };
 
 /// What all of them work with.
@@ -38,6 +42,11 @@ void encode_entry(const Workshop &shop, Entry &entry, const StoredRecords &store
 /// The text of an encoding, in its own schema.
 void decode_entry(const Workshop &shop, Entry &entry, Format format, Product &product);
 
+/// The same in words, and those alone; "" for a text, for what cannot be decoded, and for what
+/// means another thing in each schema while nothing tells which it is.
+void say_entry(const Workshop &shop, Entry &entry, Product &product);
+std::string words_of_encoding(const bag_descriptor &descriptor, const Entry &entry);
+
 /// The text in the schema `to` of a text or an encoding, which may be of that one already.
 void convert_entry(const Workshop &shop, Entry &entry, Schema to, Format format, Product &product);
 
@@ -46,6 +55,7 @@ struct Inspected {
     std::size_t bytes; // of the encoding
     std::uint64_t mask, mask2;
     std::vector<FieldValue> fields;
+    std::string words;
 };
 Inspected inspect_entry(const Workshop &shop, Entry &entry, Product &product);
 

@@ -43,6 +43,7 @@ class EncodingSource : public Source {
         label_.clear();
         ++ordinal_;
         if (fault) {
+            entry.encoding.clear(); // nobody knows how to read it
             throw DataError(*fault);
         }
         return true;

@@ -180,6 +180,26 @@ class EncodingSink : public Sink {
     std::string label_;
 };
 
+/// Entries of a list stand below its name, each behind two blanks; those of none without.
+class WordSink : public Sink {
+  public:
+    explicit WordSink(Output &output) : output_(output) {}
+    void write(const EntryKey &key, Schema /*schema*/, std::string_view entry) override {
+        if (key.acl && key.acl != list_) {
+            output_.write("acl " + in_quotes(*key.acl) + "\n");
+        }
+        list_ = key.acl;
+        output_.write(list_ ? "  " : "");
+        output_.write(entry);
+        output_.write("\n");
+    }
+    void close() override {}
+
+  private:
+    Output &output_;
+    std::optional<std::string> list_;
+};
+
 } // namespace
 
 std::unique_ptr<Sink> make_sink(OutputFormat format, Schema schema, Output &output) {
@@ -190,6 +210,8 @@ std::unique_ptr<Sink> make_sink(OutputFormat format, Schema schema, Output &outp
         return std::make_unique<DocumentSink>(xml_frame, schema, output);
     case OutputFormat::ndjson:
         return std::make_unique<LineSink>(schema, output);
+    case OutputFormat::text:
+        return std::make_unique<WordSink>(output);
     case OutputFormat::cbor:
     case OutputFormat::bare_cbor:
         break;

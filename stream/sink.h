@@ -9,8 +9,9 @@
 
 namespace aceconv {
 
-/// cbor: encodings, each behind its label; bare_cbor: encodings alone.
-enum class OutputFormat { json, xml, ndjson, cbor, bare_cbor };
+/// cbor: encodings, each behind its label; bare_cbor: encodings alone. text: an entry a line,
+/// in words, below a line for its list; for people, since no source reads it.
+enum class OutputFormat { json, xml, ndjson, cbor, bare_cbor, text };
 
 /// The format of the entry texts that a sink of this format takes.
 constexpr Format text_format(OutputFormat format) {
@@ -20,7 +21,7 @@ constexpr Format text_format(OutputFormat format) {
 class Sink {
   public:
     virtual ~Sink() = default;
-    /// Writes one entry: its text on one line, or its encoding. Throws DataError
+    /// Writes one entry: its text or words on one line, or its encoding. Throws DataError
     /// when the format has no place for it, and what Output::write throws.
     virtual void write(const EntryKey &key, Schema schema, std::string_view entry) = 0;
     /// Completes the output; nothing may follow.

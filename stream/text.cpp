@@ -59,6 +59,15 @@ std::string printable(std::string_view text) {
     return escaped(text.substr(0, end)) + "...";
 }
 
+std::string in_quotes(std::string_view text) {
+    std::string marked;
+    for (const char byte : text) {
+        marked += byte == '"' || byte == '\\' ? "\\" : "";
+        marked += byte;
+    }
+    return '"' + escaped(marked) + '"';
+}
+
 std::uint64_t count_lines(std::string_view text) {
     std::uint64_t lines = 0;
     for (std::size_t at = text.find('\n'); at != text.npos; at = text.find('\n', at + 1)) {

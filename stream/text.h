@@ -21,6 +21,10 @@ std::string escaped(std::string_view text);
 /// The same, cut when it is long: data inside a message.
 std::string printable(std::string_view text);
 
+/// `text` in double quotes and as `escaped` has it, with a backslash before quotes and
+/// backslashes of its own: no two texts look alike.
+std::string in_quotes(std::string_view text);
+
 /// What stands at the start of a text, for messages: a few of its first characters in
 /// quotes, or that it ends.
 std::string start_of(std::string_view text);

@@ -349,7 +349,7 @@ class KeepGoing(Case):
             with self.subTest(faults=faults):
                 paths = self.file("a", a), self.file("b", b)
                 code, out, err = self.run_command("diff", "--keep-going", *paths)
-                only = b"acl 'X' entry 21: + only in " + paths[1].encode() + b"\n"
+                only = b"acl 'X' entry 21: + only in " + paths[1].encode() + b": 21 deny any any\n"
                 self.assertEqual((code, out), (2, only if more in b and more not in a else b""))
                 self.assertEqual(len(err.splitlines()), len(faults))
                 for line, fault in zip(sorted(err.splitlines()), faults):
@@ -362,7 +362,7 @@ class KeepGoing(Case):
         paths = self.file("a", unknown), self.file("b", known)
         code, out, _ = self.run_command("diff", "--keep-going", "--schema-a", "base", *paths)
         self.assertEqual((code, out.decode()),
-                         (2, f"entry 10: + only in {paths[1]}, or a bad entry of {paths[0]}\n"))
+                         (2, f"entry 10: + only in {paths[1]}, or a bad entry of {paths[0]}: 10 deny any any\n"))
 
     def test_stops_at_the_first_without(self):
         code, out, err = self.run_command("encode", stdin=self.LINES)
@@ -598,7 +598,7 @@ class Terminal(Case):
         self.assertIn("\x1b[31;1maceconv:\x1b[0m ", shown)
         shown = self.on_terminal("inspect", doc)[1]
         self.assertTrue(shown.startswith("\x1b[2m  presence bits "), shown)
-        self.assertIn("\r\n\x1b[0m\x1b[1macl 'X' entry 10\x1b[0m\x1b[2m: ", shown)
+        self.assertIn("\r\n\x1b[0m\x1b[1macl 'X' entry 10\x1b[0m: 10 deny ", shown)
         other = self.file("other", document("base", ("X", [{"sequence-number": 20, **GOOD}])))
         shown = self.on_terminal("diff", doc, other)[1]
         for sign in ("10\x1b[0m: \x1b[31;1m-\x1b[0m only", "20\x1b[0m: \x1b[32m+\x1b[0m only"):

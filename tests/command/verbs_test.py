@@ -58,6 +58,25 @@ class Inspect(Case):
             "Police.PoliceUnit": (["2:25"], 248, 2, "kbps"),
             "Priority": (["2:28"], 260, 3, "medium")})
 
+    def test_text(self):
+        line = '  10 deny any any remark "r"\n'
+        entry = {"grant": "deny", "remark": "r"}
+        lists = self.ok("encode", stdin=document("base", ("a \"b", numbered(entry, {})),
+                                                 ("c", numbered(entry))))
+        um = self.ok("encode", stdin=document("um", ("c", numbered({"deny": {}, "remark": "r"}))))
+        bare = self.ok("encode", stdin=json.dumps(entry))
+        said = self.ok("decode", "--strict", "--format", "text", stdin=lists + bare + um)
+        self.assertEqual(said.decode(), f'acl "a \\"b"\n{line}  20 no-action any any\nacl "c"\n{line}'
+                                        f'deny any any remark "r"\nacl "c"\n{line}')
+        record, = self.records(stdin=um)
+        self.assertEqual(f"  {record['words']}\n", line)
+        permit = self.ok("encode", "--no-labels", stdin='{"grant":"permit"}')
+        bad = permit.removesuffix(b"\1") + b"\7"  # no action, and so no text
+        self.assertEqual(self.ok("decode", "--format", "text", stdin=bad),
+                         b"no-action any any [grant=7]\n")
+        self.assertTrue(self.run_command("decode", stdin=bad)[2].endswith(
+            "; the entry: no-action any any [grant=7]\n"))
+
     def test_names_follow_the_schema(self):
         encoded = self.ok("encode", "--no-labels", stdin=json.dumps(
             {"fragment-type": "first-fragment", "protocol": 512}))
@@ -90,7 +109,9 @@ class Inspect(Case):
                             "udf-entries": {"udf": [{"udf-name": "a"}, {"udf-name": "b"}]}}}
         self.assertEqual(self.ok("inspect", stdin=json.dumps(entry)).decode(), """\
   presence bits      offset  field                  value
-entry #1: 95 bytes encoded, masks 0x0000018100782005 0x0000000000030303
+entry #1: permit 192.0.2.1 any icmp echo tcp-flags match-all +syn udf "a" 0x0/0x0 udf "b" 0x0/0x0 \
+regular-next-hop vrf-1 "v" vrf-2 "w" log
+  95 bytes encoded, masks 0x0000018100782005 0x0000000000030303
   0                      16  grant                  1 (permit)
   2                      24  saddr                  192.0.2.1
   13                     60  log                    1 (log)
@@ -401,7 +422,8 @@ class Convert(Case):
             self.assertEqual(found, numbers)
         self.ok("diff", self.file("a", base), self.file("b", um))
         own = self.file("own", um.replace(b'"ipv4"', b"0"))  # number 0 alone
-        self.assertEqual(self.run_command("diff", self.file("a", base), own)[1].decode().splitlines(), [
+        lines = self.run_command("diff", self.file("a", base), own)[1].decode().splitlines()
+        self.assertEqual([line for line in lines if "->" in line], [
             f"acl 'X' entry {number}: protocol (protocol): 0 (ip) -> 0" for number in (10, 20)])
 
     def test_generated_entries_there_and_back(self):
@@ -476,8 +498,10 @@ class CheckAndDiff(Case):
         code, out, err = self.run_command("diff", a, b)
         self.assertEqual((code, err), (1, ""))
         self.assertEqual(out.decode().splitlines(), [
+            "acl 'X' entry 20: - 20 deny any any", "acl 'X' entry 20: + 20 deny any any log",
             "acl 'X' entry 20: log (log-option): absent -> 1 (log)",
-            f"acl 'X' entry 30: - only in {a}", f"acl 'X' entry 40: + only in {b}"])
+            f"acl 'X' entry 30: - only in {a}: 30 remark \"r\"",
+            f"acl 'X' entry 40: + only in {b}: 40 remark \"r\""])
         encoded = self.ok("encode", b)
         self.assertEqual(self.ok("diff", "--schema-b", "um", b, "-", stdin=encoded), b"")
         self.assertEqual(self.run_command("diff", "-q", a, b)[:2], (1, out))

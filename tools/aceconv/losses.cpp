@@ -50,24 +50,25 @@ LossAccount::LossAccount(const LossOptions &options, const std::string &about, R
 
 LossAccount::~LossAccount() = default;
 
-void LossAccount::add(const Entry &entry, const Losses &losses) {
-    if (!losses.empty()) {
-        count(entry, losses);
-        say_losses(run_.file(entry.position), entry, losses);
+void LossAccount::add(const Entry &entry, const Product &product) {
+    if (!product.changes.empty()) {
+        count(entry, product);
+        say_losses(run_.file(entry.position), entry, product);
     }
 }
 
-void LossAccount::add(const std::string &file, const Entry &entry, const Losses &losses) {
-    note(file, entry, losses);
-    say_losses(file, entry, losses);
+void LossAccount::add(const std::string &file, const Entry &entry, const Product &product) {
+    note(file, entry, product);
+    say_losses(file, entry, product);
 }
 
-void LossAccount::count(const Entry &entry, const Losses &losses) {
-    note(run_.several() ? run_.file(entry.position) : "", entry, losses);
+void LossAccount::count(const Entry &entry, const Product &product) {
+    note(run_.several() ? run_.file(entry.position) : "", entry, product);
 }
 
 /// `file` is empty where it need not be named.
-void LossAccount::note(const std::string &file, const Entry &entry, const Losses &losses) {
+void LossAccount::note(const std::string &file, const Entry &entry, const Product &product) {
+    const Losses &losses = product.changes;
     const bool widens =
         std::any_of(losses.begin(), losses.end(), [](const Change &loss) { return loss.widens; });
     Tally &tally = run_.tally();
@@ -82,12 +83,16 @@ void LossAccount::note(const std::string &file, const Entry &entry, const Losses
 }
 
 void LossAccount::say_losses(const std::string &file, const Entry &entry,
-                             const Losses &losses) const {
+                             const Product &product) const {
     if (options_.unsaid) {
         return;
     }
-    for (const Change &loss : losses) {
-        say(shown_place(file, entry.position, entry.key) + "loss: " + change_text(loss));
+    const std::string place = shown_place(file, entry.position, entry.key);
+    if (!product.words.empty()) {
+        say(place + product.words);
+    }
+    for (const Change &loss : product.changes) {
+        say(place + "loss: " + change_text(loss));
     }
 }
 

@@ -25,12 +25,12 @@ class LossAccount {
     LossAccount(const LossOptions &options, const std::string &about, Run &run);
     ~LossAccount();
 
-    /// Counts the entry's losses, says them and puts them in the report.
-    void add(const Entry &entry, const Losses &losses);
+    /// Counts the losses of what was made of the entry, says them and puts them in the report.
+    void add(const Entry &entry, const Product &product);
     /// The same of an entry of another file than the run's inputs.
-    void add(const std::string &file, const Entry &entry, const Losses &losses);
+    void add(const std::string &file, const Entry &entry, const Product &product);
     /// Like the first, but says nothing: for a verb whose output they are.
-    void count(const Entry &entry, const Losses &losses);
+    void count(const Entry &entry, const Product &product);
 
     /// The report, with its end written; null when there is none, or the run has stopped.
     Output *finish_report();
@@ -39,8 +39,8 @@ class LossAccount {
 
   private:
     class Report;
-    void note(const std::string &file, const Entry &entry, const Losses &losses);
-    void say_losses(const std::string &file, const Entry &entry, const Losses &losses) const;
+    void note(const std::string &file, const Entry &entry, const Product &product);
+    void say_losses(const std::string &file, const Entry &entry, const Product &product) const;
 
     const LossOptions options_;
     Run &run_;

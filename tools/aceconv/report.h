@@ -37,8 +37,9 @@ std::string shown_place(const std::string &file, const Position &position, const
 
 /// A fault of an entry of `file`, as
 ///   aceconv: FILE:LINE: acl 'X' entry 20: PATH: what is wrong
-/// where entries have no lines, "#3" is the third one.
-void say_fault(const std::string &file, const Entry &entry, const DataError &fault);
+/// where entries have no lines, "#3" is the third one; `words`, the entry in words, may be "".
+void say_fault(const std::string &file, const Entry &entry, const DataError &fault,
+               const std::string &words = "");
 
 /// One line on standard error, after "aceconv: ".
 void say(std::string_view line);

@@ -98,7 +98,8 @@ void Run::note_key(const Entry &entry) {
 }
 
 void Run::fail(const Entry &entry, const DataError &fault) {
-    say_fault(file(entry.position), entry, fault);
+    const std::string words = words_of_encoding(descriptor(), entry);
+    say_fault(file(entry.position), entry, fault, words);
     ++tally_.errors;
     stopped_ = over_ = !common_.keep_going;
     if (on_fault_) {

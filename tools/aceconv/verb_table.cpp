@@ -23,6 +23,10 @@ constexpr Name<InputFormat> input_formats[] = {{"json", InputFormat::json},
                                                {"cbor", InputFormat::cbor}};
 constexpr Name<OutputFormat> text_formats[] = {
     {"json", OutputFormat::json}, {"xml", OutputFormat::xml}, {"ndjson", OutputFormat::ndjson}};
+constexpr Name<OutputFormat> decoded_formats[] = {{"json", OutputFormat::json},
+                                                  {"xml", OutputFormat::xml},
+                                                  {"ndjson", OutputFormat::ndjson},
+                                                  {"text", OutputFormat::text}};
 
 /// Sets `target`, a value or an optional one.
 template <class Target, class Value, std::size_t count>
@@ -119,7 +123,11 @@ Options options_of(EncodeOptions &encode) {
 
 Options options_of(DecodeOptions &decode) {
     return joined({input_options(decode.input),
-                   {output_option(decode.output), format_option("--format,--to", decode.format)},
+                   {output_option(decode.output),
+                    {"--format,--to", "FORMAT",
+                     "The format to write; json, a document, by default; text is a line in plain "
+                     "words for each entry, for people: nothing reads it back",
+                     one_of(decoded_formats, decode.format)}},
                    loss_options(decode.losses)});
 }
 

@@ -20,12 +20,16 @@ int run_check(const CheckOptions &options) {
             check_entry({codec, view, true}, entry, product);
         },
         [&](const Entry &entry, const Product &product) {
-            account.count(entry, product.changes);
+            account.count(entry, product);
             if (options.losses.unsaid) {
                 return;
             }
+            const std::string name = style.bold(run.shown(entry)) + ": ";
+            if (!product.changes.empty()) {
+                output.write(name + product.words + "\n");
+            }
             for (const Change &change : product.changes) {
-                output.write(style.bold(run.shown(entry)) + ": " + change_text(change) + "\n");
+                output.write(name + change_text(change) + "\n");
             }
         });
     const Tally &tally = run.tally();

@@ -36,7 +36,7 @@ int run_convert(const ConvertOptions &options) {
         },
         [&](const Entry &entry, const Product &product) {
             sink->write(entry.key, to, product.bytes);
-            account.add(entry, product.changes);
+            account.add(entry, product);
         });
     run.finish(output, account.finish_report(), sink.get());
     return std::max(account.verdict(), run.conclude());

@@ -16,13 +16,16 @@ int run_decode(const DecodeOptions &options) {
     LossAccount account(options.losses, "\"verb\":\"decode\"", run);
     run.hand_over(output);
     run.each(
-        [&view, format = text_format(options.format),
+        [&view, format = options.format,
          wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {
-            decode_entry({codec, view, wanted}, entry, format, product);
+            if (format == OutputFormat::text) {
+                return say_entry({codec, view, wanted}, entry, product);
+            }
+            decode_entry({codec, view, wanted}, entry, text_format(format), product);
         },
         [&](const Entry &entry, const Product &product) {
             sink->write(entry.key, entry.schema, product.bytes);
-            account.add(entry, product.changes);
+            account.add(entry, product);
         });
     run.finish(output, account.finish_report(), sink.get());
     return std::max(account.verdict(), run.conclude());

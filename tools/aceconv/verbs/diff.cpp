@@ -5,6 +5,7 @@
 #include <tuple>
 #include <unistd.h>
 
+#include "compare/entry_words.h"
 #include "stream/errors.h"
 #include "stream/text.h"
 #include "tools/aceconv/exit_code.h"
@@ -49,7 +50,7 @@ class Side {
         }
         const Entry &entry = item->entry;
         key = key_of(entry);
-        account.add(run_.file(), entry, item->product.changes);
+        account.add(run_.file(), entry, item->product);
         waiting_[key] = {entry.key,
                          entry.position,
                          entry.schema,
@@ -111,9 +112,11 @@ class Comparison {
             if (other.lacks(key)) {
                 ++different_;
                 const std::string where = mark + " only in " + escaped(side.file());
-                write(entry, other.may_have(key)
-                                 ? where + ", or a bad entry of " + escaped(other.file())
-                                 : where);
+                write(entry,
+                      where +
+                          (other.may_have(key) ? ", or a bad entry of " + escaped(other.file())
+                                               : "") +
+                          ": " + words(entry));
             }
         }
     }
@@ -127,10 +130,20 @@ class Comparison {
     void compare(const Encoded &a, const Encoded &b) {
         const auto changes =
             differences(view_, descriptor_, a.encoding, a.schema, b.encoding, b.schema);
-        different_ += changes.empty() ? 0U : 1U;
+        if (changes.empty()) {
+            return;
+        }
+        ++different_;
+        write(a, style_.red("-") + " " + words(a));
+        write(a, style_.green("+") + " " + words(b));
         for (const Change &change : changes) {
             write(a, change_text(change));
         }
+    }
+
+    [[nodiscard]] std::string words(const Encoded &entry) const {
+        const DecodedRecord record(descriptor_, entry.encoding);
+        return entry_words(view_, record.get(), entry.schema, entry.key.sequence);
     }
 
     void write(const Encoded &entry, const std::string &what) {

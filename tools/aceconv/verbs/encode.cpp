@@ -69,12 +69,14 @@ int run_encode(const EncodeOptions &options) {
         [&](const Entry &entry, const Product &product) {
             stored.meet(entry);
             sink->write(entry.key, entry.schema, product.bytes);
-            account.add(entry, product.changes);
+            account.add(entry, product);
         });
     if (!run.stopped()) {
         for (const StoredRecords::Left &left : stored.left()) {
-            account.add(shown_name(options.stored), left.stored,
-                        losses_of_stored(view, run.descriptor(), left.stored.encoding, left.why));
+            Product product;
+            product.changes =
+                losses_of_stored(view, run.descriptor(), left.stored.encoding, left.why);
+            account.add(shown_name(options.stored), left.stored, product);
         }
     }
     run.finish(output, account.finish_report(), sink.get());

@@ -14,8 +14,8 @@ namespace {
 
 std::string as_text(const std::string &name, const Inspected &inspected, const Style &style) {
     std::string text =
-        style.bold(name) +
-        style.faint(": " + std::to_string(inspected.bytes) + " bytes encoded, masks " +
+        style.bold(name) + ": " + inspected.words + "\n" +
+        style.faint("  " + std::to_string(inspected.bytes) + " bytes encoded, masks " +
                     mask_text(inspected.mask) + " " + mask_text(inspected.mask2)) +
         "\n";
     for (const FieldValue &field : inspected.fields) {
@@ -59,7 +59,7 @@ int run_inspect(const InspectOptions &options) {
                     style.faint("  presence bits      offset  field                  value\n"));
             }
             output.write(product.bytes);
-            account.add(entry, product.changes);
+            account.add(entry, product);
         });
     run.finish(output, account.finish_report());
     return std::max(account.verdict(), run.conclude());
