@@ -6,7 +6,7 @@
 
 namespace aceconv {
 
-const char *const unexplained = "it does not come back from what is written";
+constexpr const char *unexplained = "it does not come back from what is written";
 
 namespace {
 

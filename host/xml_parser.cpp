@@ -12,6 +12,17 @@ namespace aceconv {
 
 namespace {
 
+// Places in the text, which expat since 2.9 tells under new names.
+#if XML_MAJOR_VERSION == 2 && XML_MINOR_VERSION < 9
+constexpr auto current_index = XML_GetCurrentByteIndex;
+constexpr auto current_count = XML_GetCurrentByteCount;
+constexpr auto current_line = XML_GetCurrentLineNumber;
+#else
+constexpr auto current_index = XML_GetCurrentByteIndex64;
+constexpr auto current_count = XML_GetCurrentByteCount64;
+constexpr auto current_line = XML_GetCurrentLineNumber64;
+#endif
+
 constexpr char separator = '\n'; // of a namespace and a local name
 
 std::string_view view(const XML_Char *text) {
@@ -61,7 +72,7 @@ struct XmlParser::Handlers {
         if (parser.failure_) {
             return; // what expat still had to tell
         }
-        parser.begin_ = static_cast<std::uint64_t>(XML_GetCurrentByteIndex(parser.parser_.get()));
+        parser.begin_ = static_cast<std::uint64_t>(current_index(parser.parser_.get()));
         try {
             call(parser);
         } catch (...) {
@@ -177,11 +188,11 @@ void XmlParser::pause() {
 }
 
 std::uint64_t XmlParser::line() const {
-    return XML_GetCurrentLineNumber(parser_.get());
+    return current_line(parser_.get());
 }
 
 std::uint64_t XmlParser::piece_end() const {
-    return begin_ + static_cast<std::uint64_t>(XML_GetCurrentByteCount(parser_.get()));
+    return begin_ + static_cast<std::uint64_t>(current_count(parser_.get()));
 }
 
 } // namespace aceconv

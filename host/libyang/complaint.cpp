@@ -1,7 +1,6 @@
 #include "host/libyang/complaint.h"
 
 #include <algorithm>
-#include <charconv>
 #include <iterator>
 #include <optional>
 
@@ -77,13 +76,6 @@ std::string sentence(std::string_view message) {
 
 } // namespace
 
-std::uint64_t line_of(const LibyangError &error) {
-    const std::string_view digits = between(error.path, "line number ", ".");
-    std::uint64_t line = 0;
-    (void)std::from_chars(digits.data(), digits.data() + digits.size(), line);
-    return line;
-}
-
 std::size_t levels_of(std::string_view path) {
     std::size_t levels = 0;
     for (; !path.empty(); ++levels) {
@@ -93,9 +85,8 @@ std::size_t levels_of(std::string_view path) {
 }
 
 DataError complaint(const LibyangError &error, const SchemaNode &entry) {
-    // Data location "/module:acls/acl[name='-']/entry[...]/tcp/tcp-bits", line number 1.
-    // Where libyang parses into a list, the location starts with the entry.
-    std::string_view path = between(error.path, "Data location \"", "\", line");
+    // Where libyang parses into a list, the path starts with the entry.
+    std::string_view path = error.path;
     while (!path.empty() && step_name(take_step(path)) != "entry") {
     }
     std::string below(path);
@@ -123,7 +114,7 @@ DataError complaint(const LibyangError &error, const SchemaNode &entry) {
                                                            ? "expected an array of objects"
                                                            : "expected an object"};
     }
-    return {below, sentence(message), line_of(error)};
+    return {below, sentence(message), error.line};
 }
 
 } // namespace aceconv

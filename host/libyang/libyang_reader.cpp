@@ -91,9 +91,9 @@ class LibyangReader final : public EntryReader {
     [[noreturn]] void refuse(std::string_view text) {
         const LibyangError error = take_error(context_.libyang());
         const DataError fault = complaint(error, context_.entry(schema_));
-        const bool told = xml_ && line_of(error) != 0;
+        const bool told = xml_ && error.line != 0;
         throw DataError(fault.path(), fault.what(),
-                        told ? xml_->line_of(text, line_of(error), levels_of(fault.path()))
+                        told ? xml_->line_of(text, error.line, levels_of(fault.path()))
                              : fault.line());
     }
 

@@ -1,5 +1,8 @@
 #include "host/schema/modules.h"
 
+#include <libyang/version.h>
+
+#include <charconv>
 #include <cstdio>
 #include <filesystem>
 #include <mutex>
@@ -47,6 +50,26 @@ const lysc_node *find_entry(const ly_ctx *context, Schema schema) {
 
 constexpr std::array schemas{Schema::base, Schema::um}; // um imports base
 
+void take_place(const ly_err_item &item, LibyangError &error) {
+#if LY_VERSION_MAJOR >= 3
+    error.path = item.data_path != nullptr ? item.data_path : "";
+    error.line = item.line;
+#else
+    // Data location "/module:acls/acl[name='-']/entry[...]/tcp/tcp-bits", line number 1.
+    constexpr std::string_view path_start = "Data location \"";
+    constexpr std::string_view line_start = "ine number ";
+    const std::string_view place = item.path != nullptr ? item.path : "";
+    const std::size_t line = place.rfind(line_start);
+    if (line != place.npos) {
+        const char *digits = place.data() + line + line_start.size();
+        (void)std::from_chars(digits, place.data() + place.size(), error.line);
+    }
+    if (place.substr(0, path_start.size()) == path_start) {
+        error.path = place.substr(path_start.size(), place.rfind('"') - path_start.size());
+    }
+#endif
+}
+
 } // namespace
 
 std::string module_file(const std::string &directory, Schema schema) {
@@ -65,7 +88,7 @@ LibyangError take_error(ly_ctx *context) {
     LibyangError error{"out of memory", ""};
     if (const ly_err_item *item = ly_err_last(context); item != nullptr) {
         error.message = item->msg != nullptr ? item->msg : "";
-        error.path = item->path != nullptr ? item->path : "";
+        take_place(*item, error);
     }
     ly_err_clean(context, nullptr);
     return error;

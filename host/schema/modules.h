@@ -4,6 +4,7 @@
 #include <libyang/libyang.h>
 
 #include <array>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -37,10 +38,11 @@ const lysc_node &compiled_node(const SchemaNode &node);
 
 std::string module_file(const std::string &directory, Schema schema);
 
-/// The text and data path of libyang's last complaint, taken from the context.
+/// libyang's last complaint, taken from the context.
 struct LibyangError {
     std::string message;
-    std::string path;
+    std::string path;       // of the data, from where libyang began; empty when it does not tell
+    std::uint64_t line = 0; // of its document, counted from 1; 0 when it does not tell
 };
 LibyangError take_error(ly_ctx *context);
 
