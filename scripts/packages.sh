@@ -4,9 +4,11 @@
 
 build_packages=(
   g++ cmake ninja-build pkg-config libsafec-dev 'libyang2-dev|libyang-dev' libcbor-dev
-  libexpat1-dev libcli11-dev nlohmann-json3-dev libsimdjson-dev
+  libexpat1-dev libcli11-dev nlohmann-json3-dev libsimdjson-dev libmd4c-dev
 )
-test_packages=(libgtest-dev python3 'libyang2-tools|libyang3-tools' binutils parallel)
+test_packages=(
+  libgtest-dev python3 'libyang2-tools|libyang3-tools' binutils parallel mandoc bash-completion zsh fish
+)
 lint_packages=(clang-format clang-tidy cppcheck shellcheck)
 coverage_packages=(gcovr)
 bench_packages=(

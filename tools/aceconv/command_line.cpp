@@ -17,8 +17,6 @@
 namespace aceconv::tool {
 namespace {
 
-constexpr const char *description =
-    "Converts IPv4 access-list entries between YANG data and encoded records.";
 constexpr const char *footer =
     "Formats: json (a document, or entries as objects), ndjson (an entry a line), xml, and cbor,\n"
     "a sequence of encodings. Input is recognised from its first bytes.\n"
@@ -110,7 +108,7 @@ using Arguments = std::vector<std::string>; // last one first
 
 /// The command line's parser, and what was asked of it.
 struct CommandLine {
-    CLI::App app{description, "aceconv"};
+    CLI::App app{command_help, "aceconv"};
     CommonOptions common; // of whichever verb it is
     Call chosen;
 

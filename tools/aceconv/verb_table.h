@@ -12,6 +12,11 @@
 
 namespace aceconv::tool {
 
+/// What the command does. This and the helps of verbs and options are sentences without their
+/// full stops.
+constexpr const char *command_help =
+    "Convert IPv4 access-list entries between YANG data and encoded records";
+
 /// One of these names.
 struct Choice {
     std::vector<std::string> names;

@@ -1,4 +1,5 @@
 // aceconv-hostcheck: says which promises of aceconv/host/ a host breaks.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -6,6 +7,7 @@
 
 #include "aceconv/version.h"
 
+#include "tools/hostcheck/options.h"
 #include "tools/hostcheck/watch.h"
 
 namespace {
@@ -34,21 +36,29 @@ constexpr Trial trials[] = {
     {"conversions that fail", convert_with_failures},
 };
 
-constexpr const char *help =
-    R"(usage: aceconv-hostcheck [--plugin FILE] [--limit SECONDS] [--first] HOST.so
+/// The text for --help.
+std::string help() {
+    std::string arguments, options;
+    for (const OptionRow &row : option_rows) {
+        std::string spelled = row.name;
+        if (!spelled.starts_with('-')) {
+            arguments += " " + spelled;
+        } else if (*row.value != '\0') {
+            spelled += std::string(" ") + row.value;
+        }
+        spelled.resize(std::max<std::size_t>(spelled.size() + 1, 18), ' ');
+        options += "  " + spelled + row.help + "\n";
+    }
+    return "usage: aceconv-hostcheck [OPTION...]" + arguments + "\n\n" + command_help + R"(.
+Every trial has a process of its own, so that one that crashes or hangs does not hide
+the others.
 
-Loads a host of the plug-in, a library with the functions of aceconv/host/ and
-aceconv/hostcheck.h, and says which of their promises it breaks. Every trial has a
-process of its own, so that one that crashes or hangs does not hide the others.
-
-  --plugin FILE     the plug-in, if not the one that was installed with this program
-  --limit SECONDS   how long a trial may take (10)
-  --first           ends with the first broken promise
-  --version
-
+)" + options +
+           R"(
 Exit codes: 0 every promise was kept, 1 one was broken, 2 usage, 3 no process can be made,
 or the output cannot be written.
 )";
+}
 
 struct Options {
     std::string host, plugin;
@@ -111,7 +121,7 @@ int run(const Options &options) {
 
 int check_host(int argc, char **argv) {
     if (argc == 2 && (std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0)) {
-        std::fputs(help, stdout);
+        std::fputs(help().c_str(), stdout);
         return all_kept;
     }
     if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
@@ -120,7 +130,7 @@ int check_host(int argc, char **argv) {
     }
     Options options;
     if (!parse(argc, argv, options)) {
-        std::fputs(help, stderr);
+        std::fputs(help().c_str(), stderr);
         return usage;
     }
     try {
