@@ -25,14 +25,9 @@ Bytes encode_record(const bag_descriptor &descriptor, const ipv4_acl_config_ace 
 
 DecodedRecord::DecodedRecord(const bag_descriptor &descriptor, Encoding encoding)
     : descriptor_(descriptor) {
-    if (bag_decode(encoding.data(), static_cast<std::uint32_t>(encoding.size()), &record_,
-                   &descriptor_) != 0) {
+    if (bag_decode_lent(encoding, &record_, &descriptor_, room_) != 0) {
         throw DataError("", bag_last_error());
     }
-}
-
-DecodedRecord::~DecodedRecord() {
-    bag_free_indirections(&record_, &descriptor_);
 }
 
 } // namespace aceconv

@@ -1,5 +1,9 @@
-// A decoded record that releases what it owns.
+// A decoded record to look at.
 #pragma once
+
+#include <array>
+#include <cstddef>
+#include <memory_resource>
 
 #include "aceconv/ace_record.h"
 #include "host/bag_library.h"
@@ -14,7 +18,7 @@ class DecodedRecord {
   public:
     /// Throws DataError when the encoding is not one of `descriptor`.
     DecodedRecord(const bag_descriptor &descriptor, Encoding encoding);
-    ~DecodedRecord();
+    ~DecodedRecord() = default;
     DecodedRecord(const DecodedRecord &) = delete;
     DecodedRecord &operator=(const DecodedRecord &) = delete;
 
@@ -24,7 +28,9 @@ class DecodedRecord {
 
   private:
     const bag_descriptor &descriptor_;
-    ipv4_acl_config_ace record_{};
+    ipv4_acl_config_ace record_;
+    std::array<std::byte, 1024> bytes_; // of most records' texts and lists
+    std::pmr::monotonic_buffer_resource room_{bytes_.data(), bytes_.size()};
 };
 
 } // namespace aceconv

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory_resource>
 #include <optional>
 #include <span>
 #include <string>
@@ -29,6 +30,11 @@ enum class BagStatus : std::uint32_t {
     too_large,                   // a string, array or encoding beyond its limit
     no_memory,
 };
+
+/// Like bag_decode, but what the record points to lies in `room` and is not to be released: for
+/// records that are only looked at.
+std::uint32_t bag_decode_lent(std::span<const std::uint8_t> encoded, void *record,
+                              const bag_descriptor *descriptor, std::pmr::memory_resource &room);
 
 /// What the last failing bag call of this thread found, with the byte offset in
 /// the encoding where there is one; empty after a success.

@@ -68,6 +68,21 @@ constexpr std::uint64_t least_cbor_values[] = {24, UINT8_MAX + 1, UINT16_MAX + 1
     return head.value >= least_cbor_values[power];
 }
 
+/// Reads a number and returns where it ends; null when there is none, or read_cbor_head is false.
+[[nodiscard]] inline const std::uint8_t *
+read_cbor_number(const std::uint8_t *at, const std::uint8_t *end, std::uint64_t &value) noexcept {
+    if (at != end && *at < 24) { // most of them
+        value = *at;
+        return at + 1;
+    }
+    CborHead head;
+    if (!read_cbor_head(at, end, head) || head.kind != CborKind::number) {
+        return nullptr;
+    }
+    value = head.value;
+    return at + head.size;
+}
+
 /// Writes a head in its shortest form and returns where it ends; max_cbor_head bytes are
 /// overwritten.
 inline std::uint8_t *put_cbor_head(std::uint8_t *at, CborKind kind, std::uint64_t value) noexcept {

@@ -6,6 +6,7 @@
 #include <cinttypes>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "host/bag/cbor_item.h"
 #include "host/bag/definition.h"
@@ -17,8 +18,9 @@ namespace {
 
 class Decoder {
   public:
-    explicit Decoder(std::span<const std::uint8_t> bytes)
-        : bytes_(bytes), at_(bytes.data()), end_(at_ + bytes.size()) {}
+    /// What the record points to comes from malloc where there is no room.
+    Decoder(std::span<const std::uint8_t> bytes, std::pmr::memory_resource *room)
+        : bytes_(bytes), room_(room), at_(bytes.data()), end_(at_ + bytes.size()) {}
 
     [[nodiscard]] bool run(const bag_definition &definition, std::uint8_t *record) {
         if (bytes_.size() > max_encoding_bytes) {
@@ -160,7 +162,8 @@ class Decoder {
             return malformed("an empty sub-record");
         }
         std::uint64_t lowest = 0; // key that may follow
-        for (; count > 0; --count) {
+        while (quick_numbers(type, record, lowest, count), count > 0) {
+            --count;
             member_ = nullptr;
             std::uint64_t key = 0;
             if (!next_number(key, "expected a member's index")) {
@@ -182,6 +185,33 @@ class Decoder {
         return true;
     }
 
+    /// Keys and their numbers, which most pairs are, up to the first pair that is another or
+    /// that something is the matter with.
+    void quick_numbers(const RecordType &type, std::uint8_t *record, std::uint64_t &lowest,
+                       std::uint64_t &count) {
+        const Member *const members = type.members.data();
+        const std::size_t known = type.members.size();
+        const std::uint8_t *at = at_;
+        std::uint64_t key = 0;
+        std::uint64_t number = 0;
+        for (; count > 0; --count) {
+            const std::uint8_t *next = read_cbor_number(at, end_, key);
+            if (next == nullptr || key < lowest || key >= known ||
+                members[key].kind >= MemberKind::string) {
+                break;
+            }
+            const Member &member = members[key];
+            next = read_cbor_number(next, end_, number);
+            if (next == nullptr || number == 0 || number > member.largest) {
+                break;
+            }
+            store(member, number, record + member.offset);
+            at = next;
+            lowest = key + 1;
+        }
+        at_ = at;
+    }
+
     [[nodiscard]] bool value(const Member &member, std::uint8_t *field) {
         switch (member.kind) {
         case MemberKind::string:
@@ -198,7 +228,6 @@ class Decoder {
     }
 
     [[nodiscard]] bool number(const Member &member, std::uint8_t *field) {
-        static_assert(std::endian::native == std::endian::little); // low bytes come first
         std::uint64_t number = 0;
         if (!next_number(number, "expected a number")) {
             return false;
@@ -209,6 +238,12 @@ class Decoder {
         if (number > member.largest) {
             return malformed("a number beyond the member's width");
         }
+        store(member, number, field);
+        return true;
+    }
+
+    static void store(const Member &member, std::uint64_t number, std::uint8_t *field) {
+        static_assert(std::endian::native == std::endian::little); // low bytes come first
         if (member.kind == MemberKind::address) {
             number = htonl(static_cast<std::uint32_t>(number));
         }
@@ -225,7 +260,6 @@ class Decoder {
         default:
             std::memcpy(field, &number, sizeof number);
         }
-        return true;
     }
 
     [[nodiscard]] bool string(std::uint8_t *field) {
@@ -246,7 +280,7 @@ class Decoder {
         if (is_utf8(content) != text_comes) {
             return malformed("UTF-8 is to be a text string, other content a byte string");
         }
-        auto *const text = static_cast<char *>(std::malloc(content.size() + 1));
+        auto *const text = static_cast<char *>(block(content.size() + 1));
         if (text == nullptr) {
             return fail(BagStatus::no_memory, "no memory for a string of %zu bytes",
                         content.size());
@@ -286,10 +320,11 @@ class Decoder {
                         offset(item_at_), member_, max_elements);
         }
         const auto count = static_cast<std::uint32_t>(announced);
-        auto *const elements = static_cast<std::uint8_t *>(std::calloc(count, element.size));
+        auto *const elements = static_cast<std::uint8_t *>(block(count * element.size));
         if (elements == nullptr) {
             return fail(BagStatus::no_memory, "no memory for %u elements", count);
         }
+        std::memset(elements, 0, count * element.size);
         // The record owns the block from here on, also if an element is refused.
         std::memcpy(field, &count, sizeof count);
         std::memcpy(field + elements_pointer, &elements, sizeof elements);
@@ -301,7 +336,20 @@ class Decoder {
         return true;
     }
 
+    /// Null when there is no memory.
+    [[nodiscard]] void *block(std::size_t size) {
+        if (room_ == nullptr) {
+            return std::malloc(size);
+        }
+        try {
+            return room_->allocate(size);
+        } catch (const std::bad_alloc &) {
+            return nullptr;
+        }
+    }
+
     const std::span<const std::uint8_t> bytes_;
+    std::pmr::memory_resource *const room_;
     const std::uint8_t *at_;
     const std::uint8_t *const end_;
     const std::uint8_t *item_at_ = nullptr; // where the item last read starts
@@ -309,17 +357,20 @@ class Decoder {
 };
 
 [[nodiscard]] bool decode(const std::uint8_t *encoded, std::uint32_t length, void *record,
-                          const bag_definition *definition) {
+                          const bag_definition *definition,
+                          std::pmr::memory_resource *room = nullptr) {
     if (definition == nullptr) {
         return fail(BagStatus::not_registered, "the type is not registered");
     }
     const RecordType &type = definition->types.front();
     auto *const target = static_cast<std::uint8_t *>(record);
     std::memset(target, 0, type.size);
-    if (Decoder({encoded, length}).run(*definition, target)) {
+    if (Decoder({encoded, length}, room).run(*definition, target)) {
         return true;
     }
-    release_blocks(type, target);
+    if (room == nullptr) {
+        release_blocks(type, target);
+    }
     std::memset(target, 0, type.size);
     return false;
 }
@@ -337,4 +388,11 @@ uint32_t bag_decode_v3(const uint8_t *encoded, uint32_t length, void *record,
 uint32_t bag_decode(const uint8_t *encoded, uint32_t length, void *record,
                     const bag_descriptor *descriptor) {
     return finished(decode(encoded, length, record, find_definition(descriptor)));
+}
+
+std::uint32_t aceconv::bag_decode_lent(std::span<const std::uint8_t> encoded, void *record,
+                                       const bag_descriptor *descriptor,
+                                       std::pmr::memory_resource &room) {
+    return finished(decode(encoded.data(), static_cast<std::uint32_t>(encoded.size()), record,
+                           find_definition(descriptor), &room));
 }
