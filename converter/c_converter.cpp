@@ -91,6 +91,8 @@ std::optional<InputFormat> input_format(aceconv_format format) {
     case ACECONV_FORMAT_CBOR:
     case ACECONV_FORMAT_BARE_CBOR:
         return InputFormat::cbor;
+    case ACECONV_FORMAT_TEXT:
+        throw UsageError("entries in words cannot be read");
     }
     throw UsageError("no such format");
 }

@@ -78,12 +78,17 @@ struct aceconv_converter {
     aceconv::Product product;
     std::optional<aceconv::Inspected> inspected;
     aceconv::ShownResult result;
+    bool busy = false; // inside a call
 
     [[nodiscard]] aceconv::Workshop shop() const { return {*codec, *view, losses}; }
 
     /// Runs a call; what it throws becomes the error and the code.
     template <class Call>
     aceconv_code run(Call call) noexcept {
+        if (busy) { // a callback's call
+            return ACECONV_BAD_CALL;
+        }
+        busy = true;
         error.clear();
         entry.position = {};
         entry.key = {};
@@ -95,6 +100,7 @@ struct aceconv_converter {
         } catch (...) {
             error.set(&entry);
         }
+        busy = false;
         return error.get().code;
     }
 };

@@ -49,6 +49,8 @@ aceconv_code with_entry(aceconv_converter *converter, const aceconv_input *given
         Product &product = converter->product;
         product.bytes.clear();
         product.changes.clear();
+        product.words.clear();
+        product.words_after.clear();
         converter->inspected.reset();
         const aceconv_input input = taken(given);
         Entry &entry = converter->entry;
@@ -83,7 +85,11 @@ aceconv_code aceconv_decode(aceconv_converter *converter, const aceconv_input *e
                             aceconv_format format, const aceconv_result **result) ACECONV_NOEXCEPT {
     return with_entry(converter, encoding, result,
                       [&](const aceconv_input &, Entry &read, Product &product) {
-                          decode_entry(converter->shop(), read, text_format(format), product);
+                          if (format == ACECONV_FORMAT_TEXT) {
+                              say_entry(converter->shop(), read, product);
+                          } else {
+                              decode_entry(converter->shop(), read, text_format(format), product);
+                          }
                       });
 }
 

@@ -77,6 +77,8 @@ void ShownResult::set(const Entry &entry, const Product &product, const Inspecte
                                               : ACECONV_SCHEMA_UM,
                entry.position.line,
                entry.position.ordinal,
+               inspected != nullptr ? inspected->words.c_str() : product.words.c_str(),
+               product.words_after.c_str(),
                changes_.data(),
                changes_.size(),
                fields_.data(),

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "stream/errors.h"
+#include "stream/unfinished_files.h"
 
 namespace aceconv {
 namespace {
@@ -175,6 +176,7 @@ void EntryStream::help() {
 
 void EntryStream::start_thread() {
     try {
+        const SignalsHeld held; // in the new thread, for good
         threads_.emplace_back(&EntryStream::help, this);
     } catch (const std::system_error &) { // the system has no more of them; fewer do as well
         jobs_ = static_cast<unsigned>(threads_.size()) + 1;

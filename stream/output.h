@@ -13,7 +13,14 @@ namespace aceconv {
 /// the run goes on for its exit code.
 enum class ReaderGone { ends, is_ignored };
 
-class Output {
+/// Takes output in pieces.
+class Taker {
+  public:
+    virtual ~Taker() = default;
+    virtual void write(std::string_view bytes) = 0;
+};
+
+class Output final : public Taker {
   public:
     /// "-" is standard output. A regular file, or one that is not there yet, is
     /// written beside its place, and takes over mode, owner and group of the one that
@@ -23,13 +30,13 @@ class Output {
     /// are written to directly.
     explicit Output(const std::string &path, ReaderGone gone = ReaderGone::ends);
     /// Leaves no trace of a file that was not committed.
-    ~Output();
+    ~Output() override;
     Output(const Output &) = delete;
     Output &operator=(const Output &) = delete;
 
     /// Throws IoError, and PipeClosed when the reader has gone and that ends the run;
     /// nothing is written from then on.
-    void write(std::string_view bytes);
+    void write(std::string_view bytes) override;
     /// Hands over everything that has been written, now.
     void flush();
     /// Puts files in their places, none before they are all complete on the disk, and

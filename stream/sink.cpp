@@ -71,7 +71,7 @@ class TextSchema {
 
 class DocumentSink : public Sink {
   public:
-    DocumentSink(const Frame &frame, Schema schema, Output &output)
+    DocumentSink(const Frame &frame, Schema schema, Taker &output)
         : frame_(frame), schema_(schema), output_(output) {}
 
     void write(const EntryKey &key, Schema schema, std::string_view entry) override {
@@ -133,7 +133,7 @@ class DocumentSink : public Sink {
 
     const Frame &frame_;
     TextSchema schema_;
-    Output &output_;
+    Taker &output_;
     std::optional<std::string> list_;
     std::set<std::string, std::less<>> lists_;
     std::uint64_t bare_ = 0;
@@ -141,7 +141,7 @@ class DocumentSink : public Sink {
 
 class LineSink : public Sink {
   public:
-    LineSink(Schema schema, Output &output) : schema_(schema), output_(output) {}
+    LineSink(Schema schema, Taker &output) : schema_(schema), output_(output) {}
     void write(const EntryKey &key, Schema schema, std::string_view entry) override {
         schema_.require(schema);
         if (key.acl != list_) {
@@ -156,14 +156,14 @@ class LineSink : public Sink {
 
   private:
     TextSchema schema_;
-    Output &output_;
+    Taker &output_;
     std::optional<std::string> list_;
     std::string opening_; // what stands before its entries
 };
 
 class EncodingSink : public Sink {
   public:
-    EncodingSink(bool labels, Output &output) : labels_(labels), output_(output) {}
+    EncodingSink(bool labels, Taker &output) : labels_(labels), output_(output) {}
     void write(const EntryKey &key, Schema schema, std::string_view entry) override {
         if (labels_) {
             label_.clear();
@@ -176,14 +176,14 @@ class EncodingSink : public Sink {
 
   private:
     const bool labels_;
-    Output &output_;
+    Taker &output_;
     std::string label_;
 };
 
 /// Entries of a list stand below its name, each behind two blanks; those of none without.
 class WordSink : public Sink {
   public:
-    explicit WordSink(Output &output) : output_(output) {}
+    explicit WordSink(Taker &output) : output_(output) {}
     void write(const EntryKey &key, Schema /*schema*/, std::string_view entry) override {
         if (key.acl && key.acl != list_) {
             output_.write("acl " + in_quotes(*key.acl) + "\n");
@@ -196,13 +196,13 @@ class WordSink : public Sink {
     void close() override {}
 
   private:
-    Output &output_;
+    Taker &output_;
     std::optional<std::string> list_;
 };
 
 } // namespace
 
-std::unique_ptr<Sink> make_sink(OutputFormat format, Schema schema, Output &output) {
+std::unique_ptr<Sink> make_sink(OutputFormat format, Schema schema, Taker &output) {
     switch (format) {
     case OutputFormat::json:
         return std::make_unique<DocumentSink>(json_frame, schema, output);

@@ -22,7 +22,7 @@ class Sink {
   public:
     virtual ~Sink() = default;
     /// Writes one entry: its text or words on one line, or its encoding. Throws DataError
-    /// when the format has no place for it, and what Output::write throws.
+    /// when the format has no place for it, and what the output throws.
     virtual void write(const EntryKey &key, Schema schema, std::string_view entry) = 0;
     /// Completes the output; nothing may follow.
     virtual void close() = 0;
@@ -32,6 +32,6 @@ class Sink {
 /// of a list together. Entries without a list name are written bare: in JSON
 /// one a line, in XML not more than one. Texts are all of one schema, the first
 /// one's; `schema` is that of an output without entries.
-std::unique_ptr<Sink> make_sink(OutputFormat format, Schema schema, Output &output);
+std::unique_ptr<Sink> make_sink(OutputFormat format, Schema schema, Taker &output);
 
 } // namespace aceconv

@@ -72,7 +72,7 @@ std::size_t leading_blanks(Window &window) {
         return blanks < text.size();
     });
     if (blanks == window.view().size()) {
-        throw StreamError("", "the input is empty; --from-format ndjson or cbor takes that for no "
+        throw StreamError("", "the input is empty; in the formats ndjson and cbor alone that is no "
                               "entries");
     }
     return blanks;

@@ -96,8 +96,9 @@ typedef enum aceconv_format {
     ACECONV_FORMAT_JSON = 1,
     ACECONV_FORMAT_NDJSON = 2, /* an entry a line */
     ACECONV_FORMAT_XML = 3,
-    ACECONV_FORMAT_CBOR = 4,     /* encodings; written with labels */
-    ACECONV_FORMAT_BARE_CBOR = 5 /* encodings written without labels */
+    ACECONV_FORMAT_CBOR = 4,      /* encodings; written with labels */
+    ACECONV_FORMAT_BARE_CBOR = 5, /* encodings written without labels */
+    ACECONV_FORMAT_TEXT = 6       /* an entry a line in plain words, for people; output alone */
 } aceconv_format;
 
 typedef enum aceconv_backend {
@@ -185,6 +186,8 @@ typedef struct aceconv_result {
     aceconv_schema schema; /* of the product, ANY where an encoding does not tell */
     uint64_t line;         /* where the entry stands in its input, as in aceconv_error */
     uint64_t ordinal;
+    const char *words; /* the entry in plain words: of aceconv_inspect, or beside changes; or "" */
+    const char *words_after;       /* and as it comes out, beside changes; or "" */
     const aceconv_change *changes; /* losses; of aceconv_diff the differences */
     size_t change_count;
     const aceconv_field *fields; /* of aceconv_inspect */
@@ -195,7 +198,7 @@ typedef struct aceconv_result {
 ACECONV_EXPORT aceconv_code aceconv_encode(aceconv_converter *converter, const aceconv_input *entry,
                                            const aceconv_result **result) ACECONV_NOEXCEPT;
 
-/* The text of an encoding on one line, as JSON or XML. */
+/* The text of an encoding on one line, as JSON, XML or plain words. */
 ACECONV_EXPORT aceconv_code aceconv_decode(aceconv_converter *converter,
                                            const aceconv_input *encoding, aceconv_format format,
                                            const aceconv_result **result) ACECONV_NOEXCEPT;

@@ -1,6 +1,5 @@
 #include "tools/aceconv/losses.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "tools/aceconv/exit_code.h"
@@ -68,15 +67,9 @@ void LossAccount::count(const Entry &entry, const Product &product) {
 
 /// `file` is empty where it need not be named.
 void LossAccount::note(const std::string &file, const Entry &entry, const Product &product) {
-    const Losses &losses = product.changes;
-    const bool widens =
-        std::any_of(losses.begin(), losses.end(), [](const Change &loss) { return loss.widens; });
-    Tally &tally = run_.tally();
-    tally.losses += losses.size();
-    tally.entries_with_losses += losses.empty() ? 0U : 1U;
-    tally.entries_widened += widens ? 1U : 0U;
+    run_.tally().add(product.changes);
     if (report_) {
-        for (const Change &loss : losses) {
+        for (const Change &loss : product.changes) {
             report_->add(loss, entry, file);
         }
     }

@@ -8,18 +8,10 @@
 #include <optional>
 #include <string>
 
+#include "converter/passage.h"
 #include "stream/window.h"
 
 namespace aceconv::tool {
-
-/// How much of what a run has done.
-struct Tally {
-    std::uint64_t entries = 0; // bad ones included
-    std::uint64_t errors = 0;
-    std::uint64_t losses = 0;
-    std::uint64_t entries_with_losses = 0;
-    std::uint64_t entries_widened = 0; // match more than before
-};
 
 /// "1 entry" or "2 entries".
 std::string counted(std::uint64_t count, const char *one, const char *more);

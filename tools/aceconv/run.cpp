@@ -37,12 +37,15 @@ Run::Run(const CommonOptions &common, const InputOptions &input, const std::stri
 void Run::begin(Work work, unsigned jobs, OnFault on_fault) {
     on_fault_ = std::move(on_fault);
     const bool traced = !common_.trace.empty(); // the trace stays in order
-    stream_ = std::make_unique<EntryStream>(source_, *meter_, setup_, traced ? 1 : jobs,
-                                            std::move(work), [this] {
-                                                for (Output *output : outputs_) {
-                                                    output->flush();
-                                                }
-                                            });
+    passage_ = std::make_unique<Passage>(
+        source_, *meter_, setup_, traced ? 1 : jobs, std::move(work),
+        [this] {
+            for (Output *output : outputs_) {
+                output->flush();
+            }
+        },
+        input_.paths.size(), lists_, tally_,
+        [this](const Entry &entry, const DataError &fault) { return report(entry, fault); });
 }
 
 std::string Run::shown(const Entry &entry) const {
@@ -51,60 +54,33 @@ std::string Run::shown(const Entry &entry) const {
 }
 
 EntryStream::Item *Run::next() {
-    while (!over_) {
-        EntryStream::Item *item = stream_->next();
-        if (item == nullptr) {
-            break;
+    try {
+        EntryStream::Item *item = passage_->next();
+        if (item != nullptr) {
+            progress_.update(tally_.entries);
         }
-        const std::size_t input = item->entry.position.input;
-        if (input == ended_) {
-            continue;
-        }
-        try {
-            if (item->fault) {
-                std::rethrow_exception(item->fault);
-            }
-            note_key(item->entry);
-            progress_.update(++tally_.entries);
-            return item;
-        } catch (const SchemaUnknown &unknown) {
-            const std::string option = input_.schema_option;
-            const Entry &entry = item->entry;
-            throw UsageError(shown_place(file(entry.position), entry.position, entry.key) +
-                             unknown.what() + "; give " + option + " base or " + option + " um");
-        } catch (const PipeClosed &) { // met before waiting for input
-            closed_ = over_ = true;
-        } catch (const StreamError &fault) {
-            fail(item->entry, fault);
-            ended_ = input;
-            over_ = over_ || input + 1 == input_.paths.size();
-        } catch (const DataError &fault) {
-            progress_.update(++tally_.entries);
-            fail(item->entry, fault);
-        }
-    }
-    return nullptr;
-}
-
-void Run::note_key(const Entry &entry) {
-    if (lists_ == Lists::apart &&
-        std::exchange(used_in_, entry.position.input) != entry.position.input) {
-        used_ = {};
-    }
-    const EntryKey &key = entry.key;
-    if (key.acl && key.sequence && !used_.insert(*key.acl, *key.sequence)) {
-        throw DataError("", "a second entry of this sequence number");
+        return item;
+    } catch (const SchemaUnknown &unknown) {
+        const std::string option = input_.schema_option;
+        const Entry &entry = *passage_->at();
+        throw UsageError(shown_place(file(entry.position), entry.position, entry.key) +
+                         unknown.what() + "; give " + option + " base or " + option + " um");
+    } catch (const PipeClosed &) { // met before waiting for input
+        closed_ = true;
+        passage_->stop();
+        return nullptr;
     }
 }
 
-void Run::fail(const Entry &entry, const DataError &fault) {
+bool Run::report(const Entry &entry, const DataError &fault) {
+    progress_.update(tally_.entries);
     const std::string words = words_of_encoding(descriptor(), entry);
     say_fault(file(entry.position), entry, fault, words);
-    ++tally_.errors;
-    stopped_ = over_ = !common_.keep_going;
+    stopped_ = !common_.keep_going;
     if (on_fault_) {
         on_fault_(entry, fault);
     }
+    return common_.keep_going;
 }
 
 void Run::merge(const Run &other) {
@@ -115,9 +91,9 @@ void Run::merge(const Run &other) {
 
 void Run::each(Work work, const Emit &emit) {
     struct Stop { // no thread outlives what `work` refers to, on any way out
-        std::unique_ptr<EntryStream> &stream;
-        ~Stop() { stream.reset(); }
-    } const stop{stream_};
+        std::unique_ptr<Passage> &passage;
+        ~Stop() { passage.reset(); }
+    } const stop{passage_};
     begin(std::move(work), common_.jobs);
     while (EntryStream::Item *item = next()) {
         try {
@@ -125,7 +101,8 @@ void Run::each(Work work, const Emit &emit) {
         } catch (const DataError &fault) {
             fail(item->entry, fault);
         } catch (const PipeClosed &) {
-            closed_ = over_ = true;
+            closed_ = true;
+            passage_->stop();
         }
     }
 }

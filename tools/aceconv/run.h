@@ -6,9 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "converter/entry_stream.h"
+#include "converter/passage.h"
 #include "stream/files_in_use.h"
-#include "stream/sequence_numbers.h"
 #include "stream/sink.h"
 #include "tools/aceconv/inputs.h"
 #include "tools/aceconv/options.h"
@@ -16,10 +15,6 @@
 #include "tools/aceconv/report.h"
 
 namespace aceconv::tool {
-
-/// Whether the entries of several inputs are to stand in one output, where a list has each
-/// sequence number once, or have nothing to do with each other.
-enum class Lists { joined, apart };
 
 class Run {
   public:
@@ -49,7 +44,7 @@ class Run {
     /// meaning depends on a schema that is not known.
     EntryStream::Item *next();
     /// The fault counts as the entry's own.
-    void fail(const Entry &entry, const DataError &fault);
+    void fail(const Entry &entry, const DataError &fault) { passage_->fail(entry, fault); }
 
     /// All three for every entry, `jobs` as the options have it.
     void each(Work work, const Emit &emit);
@@ -76,8 +71,8 @@ class Run {
     int conclude();
 
   private:
-    /// Throws when the list has had this sequence number before.
-    void note_key(const Entry &entry);
+    /// Reports the fault; whether the run goes on.
+    bool report(const Entry &entry, const DataError &fault);
 
     const CommonOptions common_;
     const InputOptions input_;
@@ -87,14 +82,10 @@ class Run {
     const std::shared_ptr<InputMeter> meter_ = std::make_shared<InputMeter>();
     Inputs source_;
     Progress progress_;
-    std::unique_ptr<EntryStream> stream_;
+    std::unique_ptr<Passage> passage_;
     OnFault on_fault_;
     std::vector<Output *> outputs_;
-    SequenceNumbers used_;
-    std::size_t used_in_ = 0;          // the input that they stand in
-    std::optional<std::size_t> ended_; // the input of which no more entries are taken
     Tally tally_;
-    bool over_ = false;    // no more entries are taken
     bool closed_ = false;  // the reader of the output has gone, and that ends it
     bool stopped_ = false; // at a fault, since it was not to keep going
 };
