@@ -47,7 +47,6 @@ void convert_with_words(const Workshop &shop, Entry &entry, Schema to, Format fo
 /// `earlier` gives the encoding that goes with the entry, once its key is complete.
 template <class Earlier>
 void encode_text(const Workshop &shop, Entry &entry, Earlier earlier, Product &product) {
-    require_schema(shop.codec.descriptor(), entry);
     if (!entry.format) {
         throw StreamError("", "an encoding already; expected entries in JSON or XML");
     }

@@ -114,6 +114,10 @@ void Output::write(std::string_view bytes) {
     }
 }
 
+bool Output::is_terminal() const {
+    return isatty(fd_) == 1;
+}
+
 void Output::flush() {
     std::string_view rest = buffer_;
     while (!rest.empty()) {

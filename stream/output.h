@@ -49,6 +49,9 @@ class Output final : public Taker {
 
     [[nodiscard]] bool empty() const { return empty_; }
 
+    /// People read along.
+    [[nodiscard]] bool is_terminal() const;
+
   private:
     [[noreturn]] void fail(int error) const;
     void create_beside(const struct stat *replaced);

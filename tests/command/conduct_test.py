@@ -192,6 +192,7 @@ class Messages(Case):
         self.file("modules/aceconv-base.yang", (EXAMPLES.parent / "yang/aceconv-base.yang").read_text())
         remark, bags = self.file("remark", '{"remark":"r"}'), self.file("bags", self.ok("encode", doc))
         um = self.file("um", document("um", ("X", numbered({}))))
+        unlabelled = self.file("unlabelled", self.ok("encode", "--no-labels", stdin='{"deny":{"icmp-on":{}}}'))
         for code, args, said in [
                 (2, (), "a verb is expected: encode, "),
                 (2, ("help", "encod"), "VERB: encod not in {encode,"), (2, ("help", "encod"), "did you mean encode?"),
@@ -225,6 +226,7 @@ class Messages(Case):
                 (2, ("encode", doc, "-j", "0"), "--jobs"), (2, ("encode", doc, "-j", "257"), "--jobs"),
                 (2, ("decode", doc), "an entry's text; expected encodings"),
                 (2, ("encode", bags), "an encoding already; expected entries in JSON or XML"),
+                (2, ("encode", unlabelled), "an encoding already; expected entries in JSON or XML"),
                 (2, ("encode", um, "--stored", bags), "no effect on entries of the UM schema"),
                 (3, ("--plugin", missing, "--version"), "cannot open shared object file: No such file"),
                 (2, ("encode", "--schema", "um", doc), "of the base schema; expected the um")]:
@@ -603,8 +605,9 @@ class Terminal(Case):
         shown = self.on_terminal("diff", doc, other)[1]
         for sign in ("10\x1b[0m: \x1b[31;1m-\x1b[0m only", "20\x1b[0m: \x1b[32m+\x1b[0m only"):
             self.assertIn(sign, shown)
-        code, shown = self.on_terminal("encode", doc)  # encodings are binary
-        self.assertEqual((code, "encodings are not for a terminal; redirect" in shown), (2, True))
+        for args in ((), ("-o", "/dev/stdout"), ("-o", "/dev/fd/1")):
+            code, shown = self.on_terminal("encode", doc, *args)  # encodings are binary
+            self.assertEqual((code, "encodings are not for a terminal; redirect" in shown), (2, True))
 
     def test_trace(self):
         bad = '{"deny":{"tcp-flags":{"match-all":{"tcp-bits":"+syn +syn"}}}}'

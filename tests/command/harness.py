@@ -14,6 +14,7 @@ EXAMPLES = pathlib.Path(os.environ["ACECONV_SOURCE"]) / "examples"
 SUMMARY = re.compile(r"aceconv: (stopped: )?((\d+ entr(y matches|ies match) more than before; )?"
                      r"\d+ entr(y|ies), \d+ errors?.*); [\d.]+ s, "
                      r"\d+ entries a second\n\Z")
+TIMES = re.compile(r"; \d+\.\d+ s, \d+ entries a second")
 MODULE = {"base": "aceconv-base", "um": "aceconv-um"}
 
 # Under nohup and in background jobs these come ignored, and would be for the command.

@@ -7,12 +7,11 @@ import shutil
 import subprocess
 import unittest
 
-from harness import ACECONV, EXAMPLES, Case
+from harness import ACECONV, EXAMPLES, TIMES, Case
 
 PAGES = pathlib.Path(os.environ["ACECONV_BUILD"]) / "pages"
 VERBS = re.findall(r"(?m)^  (\w+) {3}", subprocess.run(
     [ACECONV, "--help"], check=True, capture_output=True, text=True).stdout.split("Subcommands:")[1])
-TIMES = re.compile(r"; \d+\.\d+ s, \d+ entries a second")
 ESCAPES = {r"\-": "-", r"\e": "\\", r"\(aq": "'", r"\(ga": "`", r"\(ha": "^", r"\(ti": "~", r"\&": ""}
 
 

@@ -1,6 +1,5 @@
 // aceconv encode: entries to encodings.
 #include <algorithm>
-#include <unistd.h>
 #include <utility>
 
 #include "stream/errors.h"
@@ -37,9 +36,6 @@ bool read_stored(const EncodeOptions &options, Run &run, StoredRecords &stored) 
 
 int run_encode(const EncodeOptions &options) {
     Run run(options.common, options.input, options.output, Lists::joined);
-    if (options.output == "-" && isatty(STDOUT_FILENO) == 1) {
-        throw UsageError("encodings are not for a terminal; redirect the output or give -o FILE");
-    }
     const auto &inputs = options.input.paths;
     if (options.stored == "-" && std::find(inputs.begin(), inputs.end(), "-") != inputs.end()) {
         throw UsageError("only one of INPUT and --stored can be standard input");
@@ -54,6 +50,9 @@ int run_encode(const EncodeOptions &options) {
     }
     const RecordView view(run.descriptor());
     Output output(options.output, reader_gone(options.losses));
+    if (output.is_terminal()) {
+        throw UsageError("encodings are not for a terminal; redirect the output or give -o FILE");
+    }
     const auto sink = make_sink(options.bare ? OutputFormat::bare_cbor : OutputFormat::cbor,
                                 Schema::base, output);
     LossAccount account(options.losses, "\"verb\":\"encode\"", run);
