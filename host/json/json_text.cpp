@@ -90,6 +90,12 @@ class JsonLook {
         if (levels_.back().object != object) {
             refuse("", "the JSON brackets do not match");
         }
+        // Which not every libyang refuses.
+        const std::size_t last =
+            text_.substr(0, place_of(walk_.token())).find_last_not_of(json_blanks);
+        if (text_[last] == ',') {
+            refuse("", "a comma before " + std::string(walk_.token()));
+        }
         names_.resize(levels_.back().names);
         levels_.pop_back();
         // Entries of a list all have the list's name.

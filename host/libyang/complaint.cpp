@@ -64,6 +64,7 @@ std::optional<std::string_view> value(std::string_view message) {
         return std::nullopt;
     }
     message = message.substr(0, message.find(" does not conform to"));
+    message = message.substr(0, message.find(" - no matching subtype found"));
     return message.substr(start, message.rfind('"') - start);
 }
 
@@ -107,9 +108,9 @@ DataError complaint(const LibyangError &error, const SchemaNode &entry) {
     if (!unknown.empty()) {
         return {below.append("/").append(unknown), unknown_node(*node, unknown)};
     }
-    // The container "tcp" is expected to be represented as JSON name/object, but ...
-    const SchemaNode *child = node->find(between(message, " \"", "\" is expected to be"));
-    if (child != nullptr) {
+    // An array instead of an object, or the like; the node is the first word in quotes.
+    const SchemaNode *child = node->find(between(message, " \"", "\""));
+    if (child != nullptr && message.find("JSON name/") != std::string_view::npos) {
         return {below.append("/").append(child->name), child->kind == NodeKind::list
                                                            ? "expected an array of objects"
                                                            : "expected an object"};

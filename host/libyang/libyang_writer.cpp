@@ -1,6 +1,7 @@
 #include <cstdlib>
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 #include "host/error.h"
 #include "host/libyang/libyang_tree.h"
@@ -157,15 +158,36 @@ class LibyangWriter final : public EntryWriter {
         }
     }
 
+    void append_whole(std::string_view printed, std::string &text) const {
+        format_ == Format::json ? append_json(printed, text) : append_xml(printed, text);
+    }
+
+    /// Whichever libyang prints it, text is the same: libyang 3 has escapes of its own.
+    static void append_json(std::string_view printed, std::string &text) {
+        for (std::size_t at; (at = printed.find('\\')) != std::string::npos;) {
+            std::string_view escape = printed.substr(at, printed.substr(at + 1, 1) == "u" ? 6 : 2);
+            text += printed.substr(0, at);
+            printed.remove_prefix(at + escape.size());
+            for (const auto &[other, ours] : other_escapes) {
+                escape = escape == other ? ours : escape;
+            }
+            text += escape;
+        }
+        text += printed;
+    }
+
     /// libyang leaves carriage returns in XML as they are, and whoever reads it takes
     /// them for line feeds.
-    static void append_whole(std::string_view printed, std::string &text) {
+    static void append_xml(std::string_view printed, std::string &text) {
         for (std::size_t at; (at = printed.find('\r')) != std::string::npos;) {
             text.append(printed.substr(0, at)).append("&#13;");
             printed.remove_prefix(at + 1);
         }
         text += printed;
     }
+
+    static constexpr std::pair<std::string_view, std::string_view> other_escapes[] = {
+        {"\\r", "\\u000D"}, {"\\t", "\\u0009"}, {"\\u007F", "\x7F"}};
 
     const Format format_;
     LibyangOutput output_;

@@ -89,7 +89,7 @@ class Installed(Case):
         plugin, = self.dir.rglob("libipv4_acl_ace.so")
         def shown(option, file):
             return subprocess.run(["readelf", "-W", option, file], check=True, capture_output=True,
-                                  text=True).stdout
+                                  text=True, errors="replace").stdout
         self.assertNotIn(".debug_info", shown("-S", plugin))
         self.assertIn(f"{plugin.name}.debug", shown("--string-dump=.gnu_debuglink", plugin))
         self.assertIn(".debug_info", shown("-S", f"{plugin}.debug"))

@@ -44,7 +44,7 @@ TEST(BagCodec, SmallRecordsByteByByte) {
          "A1 07 82 A0 A2 00 07 01 61 78"},
         {"a block without elements",
          [](Small &r) {
-             r.list = {0, static_cast<Element *>(std::malloc(1))};
+             r.list = {0, static_cast<Element *>(std::malloc(sizeof(Element)))};
          },
          "A0"},
         {"sub-record",
