@@ -19,6 +19,7 @@ cross_packages=(
   gcc-aarch64-linux-gnu g++-aarch64-linux-gnu cmake ninja-build pkg-config binutils mmdebstrap
 )
 package_packages=(dpkg-dev debhelper fakeroot lintian)
+cluster_packages=(slurm-wlm slurmctld slurmd munge python3-distributed)
 fuzz_packages=(clang libclang-rt-dev)
 
 # Ends the script, saying what of `missing` is missing, why, and how to go on.
