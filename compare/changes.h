@@ -40,7 +40,4 @@ struct Change {
 /// "dport1 (destination-port/first-destination-port): 80 (www) -> 443"
 std::string change_text(const Change &change);
 
-/// The same as a JSON object's text, with the entry's place; `file` may be empty.
-std::string change_json(const Change &change, const Entry &entry, const std::string &file);
-
 } // namespace aceconv

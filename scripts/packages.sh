@@ -7,7 +7,7 @@ build_packages=(
   libexpat1-dev libcli11-dev nlohmann-json3-dev libsimdjson-dev libmd4c-dev
 )
 test_packages=(
-  libgtest-dev python3 'libyang2-tools|libyang3-tools' binutils parallel mandoc bash-completion zsh fish
+  libgtest-dev python3 python3-jsonschema 'libyang2-tools|libyang3-tools' binutils parallel mandoc bash-completion zsh fish
 )
 lint_packages=(clang-format clang-tidy cppcheck shellcheck)
 coverage_packages=(gcovr)

@@ -271,8 +271,9 @@ class Messages(Case):
                                        "--json", *losses, *common]),
                           ("convert", ["INPUT", "--from-format", "--schema", "--to",
                                        "-o,--output", "--format", *losses, *common]),
-                          ("check", ["INPUT", "--from-format", "--schema", *losses, *common]),
-                          ("diff", ["A", "B", "--schema", "--schema-a", "--schema-b", *losses, *common])):
+                          ("check", ["INPUT", "--from-format", "--schema", "--json", *losses, *common]),
+                          ("diff", ["A", "B", "--schema", "--schema-a", "--schema-b", "--json", *losses,
+                                    *common])):
             shown = self.ok(*verb.split(), "--help").decode()
             told = re.findall(r"(?m)^  (\S+).*(?:  |\} )\S+ \S+ \S+", re.sub(r"\n {20,}", "  ", shown))
             general = ["-h,--help", "--plugin", "--modules", "-V,--version"]

@@ -1,34 +1,30 @@
 #include "tools/aceconv/losses.h"
 
-#include <utility>
-
+#include "converter/report_rows.h"
 #include "tools/aceconv/exit_code.h"
+#include "tools/aceconv/json_report.h"
 #include "tools/aceconv/report.h"
 
 namespace aceconv::tool {
 
-/// The losses as a JSON document, written as they come.
+/// The losses as a JSON document.
 class LossAccount::Report {
   public:
     Report(const std::string &path, const std::string &about)
-        : output_(path, ReaderGone::is_ignored) {
-        output_.write("{" + about + (about.empty() ? "" : ",") + "\"losses\":[");
-    }
-    void add(const Change &loss, const Entry &entry, const std::string &file) {
-        output_.write(std::exchange(first_, false) ? "\n" : ",\n");
-        output_.write(change_json(loss, entry, file));
+        : output_(path, ReaderGone::is_ignored), report_(output_, about, "losses") {}
+    void add(const EntryPlace &place, const Product &product) {
+        for (const Change &loss : product.changes) {
+            report_.add(loss_row(place, product, loss));
+        }
     }
     Output *finish(const Tally &tally) {
-        output_.write("\n],\"entries\":" + std::to_string(tally.entries) +
-                      ",\"entries-with-losses\":" + std::to_string(tally.entries_with_losses) +
-                      ",\"entries-that-match-more\":" + std::to_string(tally.entries_widened) +
-                      "}\n");
+        report_.finish(loss_members(tally, false));
         return &output_;
     }
 
   private:
     Output output_;
-    bool first_ = true;
+    JsonReport report_;
 };
 
 bool losses_wanted(const LossOptions &options) {
@@ -69,9 +65,7 @@ void LossAccount::count(const Entry &entry, const Product &product) {
 void LossAccount::note(const std::string &file, const Entry &entry, const Product &product) {
     run_.tally().add(product.changes);
     if (report_) {
-        for (const Change &loss : product.changes) {
-            report_->add(loss, entry, file);
-        }
+        report_->add({file, entry.key, entry.position}, product);
     }
 }
 

@@ -152,7 +152,9 @@ Options options_of(ConvertOptions &convert) {
 }
 
 Options options_of(CheckOptions &check) {
-    return joined({input_options(check.input), loss_options(check.losses)});
+    return joined({input_options(check.input),
+                   {{"--json", "", "Write a JSON document instead of lines", &check.json}},
+                   loss_options(check.losses)});
 }
 
 Options options_of(DiffOptions &diff) {
@@ -165,7 +167,8 @@ Options options_of(DiffOptions &diff) {
            {.required = true}},
           schema_option("--schema", diff.schema),
           {"--schema-a", "SCHEMA", "The same of A alone", one_of(schemas, diff.left.schema)},
-          {"--schema-b", "SCHEMA", "The same of B alone", one_of(schemas, diff.right.schema)}},
+          {"--schema-b", "SCHEMA", "The same of B alone", one_of(schemas, diff.right.schema)},
+          {"--json", "", "Write a JSON document instead of lines", &diff.json}},
          loss_options(diff.losses)});
 }
 

@@ -3,11 +3,10 @@
 #include <map>
 #include <set>
 #include <tuple>
-#include <unistd.h>
 
 #include "compare/entry_words.h"
 #include "stream/errors.h"
-#include "stream/text.h"
+#include "tools/aceconv/diff_report.h"
 #include "tools/aceconv/exit_code.h"
 #include "tools/aceconv/losses.h"
 #include "tools/aceconv/verbs/verbs.h"
@@ -92,8 +91,8 @@ class Side {
 
 class Comparison {
   public:
-    explicit Comparison(const bag_descriptor &descriptor)
-        : view_(descriptor), descriptor_(descriptor) {}
+    Comparison(const bag_descriptor &descriptor, DiffReport &report)
+        : view_(descriptor), descriptor_(descriptor), report_(report) {}
 
     /// Compares the two entries of this key, if both are there by now.
     void pair(const PairKey &key, Side &left, Side &right) {
@@ -102,59 +101,39 @@ class Comparison {
         if (a == left.waiting().end() || b == right.waiting().end()) {
             return;
         }
-        compare(a->second, b->second);
+        const auto changes = differences(view_, descriptor_, a->second.encoding, a->second.schema,
+                                         b->second.encoding, b->second.schema);
+        if (!changes.empty()) {
+            report_.changed(reported(a->second), reported(b->second), changes);
+        }
         left.waiting().erase(a);
         right.waiting().erase(b);
     }
 
-    void rest(Side &side, const Side &other, const std::string &mark) {
-        for (const auto &[key, entry] : side.waiting()) {
-            if (other.lacks(key)) {
-                ++different_;
-                const std::string where = mark + " only in " + escaped(side.file());
-                write(entry,
-                      where +
-                          (other.may_have(key) ? ", or a bad entry of " + escaped(other.file())
-                                               : "") +
-                          ": " + words(entry));
+    /// What waits in vain.
+    void rest(Side &left, Side &right) {
+        for (const auto &[key, entry] : left.waiting()) {
+            if (right.lacks(key)) {
+                report_.only_in_a(reported(entry), right.may_have(key));
+            }
+        }
+        for (const auto &[key, entry] : right.waiting()) {
+            if (left.lacks(key)) {
+                report_.only_in_b(reported(entry), left.may_have(key));
             }
         }
     }
 
-    [[nodiscard]] int verdict() const { return different_ == 0 ? exit_ok : exit_verdict; }
-
-    [[nodiscard]] const Style &style() const { return style_; }
-    [[nodiscard]] Output &output() { return output_; }
-
   private:
-    void compare(const Encoded &a, const Encoded &b) {
-        const auto changes =
-            differences(view_, descriptor_, a.encoding, a.schema, b.encoding, b.schema);
-        if (changes.empty()) {
-            return;
-        }
-        ++different_;
-        write(a, style_.red("-") + " " + words(a));
-        write(a, style_.green("+") + " " + words(b));
-        for (const Change &change : changes) {
-            write(a, change_text(change));
-        }
-    }
-
-    [[nodiscard]] std::string words(const Encoded &entry) const {
+    [[nodiscard]] ReportedEntry reported(const Encoded &entry) const {
         const DecodedRecord record(descriptor_, entry.encoding);
-        return entry_words(view_, record.get(), entry.schema, entry.key.sequence);
+        return {entry.key, entry.position,
+                entry_words(view_, record.get(), entry.schema, entry.key.sequence)};
     }
 
-    void write(const Encoded &entry, const std::string &what) {
-        output_.write(style_.bold(shown_entry(entry.key, entry.position)) + ": " + what + "\n");
-    }
-
-    RecordView view_;
+    const RecordView view_;
     const bag_descriptor &descriptor_;
-    Style style_{STDOUT_FILENO};
-    Output output_{"-", ReaderGone::is_ignored};
-    std::uint64_t different_ = 0;
+    DiffReport &report_;
 };
 
 } // namespace
@@ -177,9 +156,10 @@ int run_diff(const DiffOptions &options) {
         right.run().also_writes(options.losses.report);
     }
     LossAccount account(options.losses, "\"verb\":\"diff\"", left.run());
-    Comparison comparison(left.run().descriptor());
-    left.run().hand_over(comparison.output());
-    right.run().hand_over(comparison.output());
+    DiffReport report(options.json, left.file(), right.file());
+    Comparison comparison(left.run().descriptor(), report);
+    left.run().hand_over(report.output());
+    right.run().hand_over(report.output());
     const auto stopped = [&] {
         return !options.common.keep_going &&
                left.run().tally().errors + right.run().tally().errors != 0;
@@ -196,12 +176,13 @@ int run_diff(const DiffOptions &options) {
         }
     }
     if (!stopped()) {
-        comparison.rest(left, right, comparison.style().red("-"));
-        comparison.rest(right, left, comparison.style().green("+"));
+        comparison.rest(left, right);
     }
     left.run().merge(right.run());
-    left.run().finish(comparison.output(), account.finish_report());
-    return std::max({account.verdict(), left.run().conclude(), comparison.verdict()});
+    report.finish(left.run().tally(), stopped());
+    left.run().finish(report.output(), account.finish_report());
+    const int verdict = report.different() == 0 ? exit_ok : exit_verdict;
+    return std::max({account.verdict(), left.run().conclude(), verdict});
 }
 
 } // namespace aceconv::tool

@@ -48,6 +48,7 @@ int run_convert(const ConvertOptions &options);
 struct CheckOptions {
     CommonOptions common;
     InputOptions input;
+    bool json = false;
     LossOptions losses;
 };
 int run_check(const CheckOptions &options);
@@ -57,6 +58,7 @@ struct DiffOptions {
     std::optional<Schema> schema; // of either input that is told no other
     InputOptions left = {.schema_option = "--schema-a"};
     InputOptions right = {.schema_option = "--schema-b"};
+    bool json = false;
     LossOptions losses; // on the way to the records that are compared
 };
 int run_diff(const DiffOptions &options);

@@ -1,0 +1,158 @@
+#include "converter/report_rows.h"
+
+#include <nlohmann/json.hpp>
+
+namespace aceconv {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string text_of(const Json &row) {
+    return row.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+template <class Value>
+Json or_null(const std::optional<Value> &value) {
+    return value ? Json(*value) : Json();
+}
+
+/// "" is unknown.
+Json or_null(const std::string &text) {
+    return text.empty() ? Json() : Json(text);
+}
+
+/// The value as people read it, and by its type.
+Json value_json(const std::optional<std::string> &shown, const TypedValue &value) {
+    using Type = TypedValue::Type;
+    if (!shown) {
+        return {};
+    }
+    Json row = {{"text", *shown}};
+    switch (value.type) {
+    case Type::number:
+        row["number"] = value.number;
+        break;
+    case Type::keyword:
+        row["number"] = value.number;
+        row["keyword"] = value.text;
+        break;
+    case Type::boolean:
+        row["boolean"] = value.number != 0;
+        break;
+    case Type::address:
+        row["address"] = value.text;
+        break;
+    case Type::text:
+        row["string"] = value.text;
+        break;
+    case Type::user_fields:
+    case Type::present:
+    case Type::absent:
+        break;
+    }
+    return row;
+}
+
+void add_change(Json &row, const Change &change) {
+    if (!change.field.empty()) {
+        row["field"] = change.field;
+    }
+    if (!change.leaf.empty()) {
+        row["leaf"] = change.leaf;
+    }
+    row["before"] = value_json(change.before, change.before_value);
+    row["after"] = value_json(change.after, change.after_value);
+    if (!change.reason.empty()) {
+        row["reason"] = change.reason;
+    }
+    row["widens"] = change.widens;
+}
+
+Json changes_json(const std::vector<Change> &changes) {
+    Json rows = Json::array();
+    for (const Change &change : changes) {
+        add_change(rows.emplace_back(Json::object()), change);
+    }
+    return rows;
+}
+
+void add_position(Json &row, const Position &position) {
+    if (position.line != 0) {
+        row["line"] = position.line;
+    } else if (position.ordinal != 0) {
+        row["item"] = position.ordinal;
+    }
+}
+
+Json place_json(const EntryPlace &place) {
+    Json row = Json::object();
+    if (!place.file.empty()) {
+        row["file"] = place.file;
+    }
+    row["acl"] = or_null(place.key.acl);
+    row["sequence"] = or_null(place.key.sequence);
+    add_position(row, place.position);
+    return row;
+}
+
+void add_words(Json &row, const Product &product) {
+    row["words"] = or_null(product.words);
+    row["words-after"] = or_null(product.words_after);
+}
+
+Json side_json(const ReportedEntry *side) {
+    if (side == nullptr) {
+        return {};
+    }
+    Json row = Json::object();
+    add_position(row, side->position);
+    row["words"] = side->words;
+    return row;
+}
+
+} // namespace
+
+std::string loss_row(const EntryPlace &place, const Product &product, const Change &loss) {
+    Json row = place_json(place);
+    add_change(row, loss);
+    add_words(row, product);
+    return text_of(row);
+}
+
+std::string losses_row(const EntryPlace &place, const Product &product) {
+    Json row = place_json(place);
+    add_words(row, product);
+    row["changes"] = changes_json(product.changes);
+    return text_of(row);
+}
+
+std::string difference_row(const ReportedEntry *a, const ReportedEntry *b, bool may_be_bad,
+                           const std::vector<Change> &changes) {
+    const EntryKey &key = (a != nullptr ? a : b)->key;
+    Json row = {{"acl", or_null(key.acl)}, {"sequence", or_null(key.sequence)}};
+    row["a"] = side_json(a);
+    row["b"] = side_json(b);
+    if (a == nullptr || b == nullptr) {
+        row["may-be-bad"] = may_be_bad;
+    }
+    row["changes"] = changes_json(changes);
+    return text_of(row);
+}
+
+std::string fault_row(const EntryPlace &place, const DataError &fault, const std::string &words) {
+    Json row = place_json(place);
+    row["path"] = or_null(fault.path());
+    row["text"] = fault.what();
+    row["words"] = or_null(words);
+    return text_of(row);
+}
+
+std::string json_member(const std::string &name, const std::string &text) {
+    return text_of(name) + ":" + text_of(text);
+}
+
+std::string json_member(const std::string &name, std::uint64_t number) {
+    return text_of(name) + ":" + std::to_string(number);
+}
+
+} // namespace aceconv

@@ -1,0 +1,45 @@
+// What the command reports to programs, as JSON objects on one line each.
+// docs/reports.md says what they mean, docs/schemas/ what they hold.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "compare/changes.h"
+#include "converter/work.h"
+#include "stream/source.h"
+
+namespace aceconv {
+
+/// An entry of a file, which need not be named: "" then.
+struct EntryPlace {
+    const std::string &file;
+    const EntryKey &key;
+    const Position &position;
+};
+
+/// A loss of an entry.
+std::string loss_row(const EntryPlace &place, const Product &product, const Change &loss);
+
+/// An entry and all that is lost of it.
+std::string losses_row(const EntryPlace &place, const Product &product);
+
+/// One of two entries that are compared.
+struct ReportedEntry {
+    EntryKey key;
+    Position position;
+    std::string words;
+};
+/// What differs between them; null stands for a side that has no such entry, or, if `may_be_bad`,
+/// no good one.
+std::string difference_row(const ReportedEntry *a, const ReportedEntry *b, bool may_be_bad,
+                           const std::vector<Change> &changes);
+
+/// A fault; `words` may be "".
+std::string fault_row(const EntryPlace &place, const DataError &fault, const std::string &words);
+
+/// A member of an object, such as "a":"text" and "a":1.
+std::string json_member(const std::string &name, const std::string &text);
+std::string json_member(const std::string &name, std::uint64_t number);
+
+} // namespace aceconv

@@ -1,0 +1,86 @@
+"""What the command reports to programs, against the schemas in docs/."""
+import json
+import unittest
+
+import jsonschema
+
+from harness import EXAMPLES, Case, document, numbered
+
+SCHEMA = json.loads((EXAMPLES.parent / "docs/schemas/reports.json").read_text())
+WHOLE = jsonschema.Draft202012Validator(SCHEMA)
+LOSSY = {"permit": {"source": {"host": "192.0.2.1"}, "capture": {}, "icmp": {"message-type-name": "Echo"},
+                    "udf-entries": {"udf": [{"udf-name": "f"}]}, "police": {"value": 1, "unit": "pps"},
+                    "log": {}, "log-input": {}},
+         "remark": "r"}
+
+
+class Reports(Case):
+    def valid(self, kind, text):
+        """The report, which is one of this kind and of no other."""
+        report = json.loads(text)
+        WHOLE.validate(report)
+        WHOLE.evolve(schema={"$ref": f"#/$defs/{kind}", "$defs": SCHEMA["$defs"]}).validate(report)
+        return report
+
+    def test_schema(self):
+        WHOLE.check_schema(SCHEMA)
+        for change in ({"stopped": 1}, {"more": 1}, {"losses": [{}]}):  # that it can fail
+            good = {"verb": "encode", "losses": [], "entries": 1, "errors": 0, "stopped": False,
+                    "entries-with-losses": 0, "entries-that-match-more": 0}
+            self.valid("losses", json.dumps(good))
+            self.assertFalse(WHOLE.is_valid({**good, **change}), change)
+
+    def test_losses_in_every_verb(self):
+        path, report = self.file("um", document("um", ("X", numbered(LOSSY)))), self.dir / "report"
+        bags = self.file("bags", self.run_command("encode", path)[1])
+        for *call, source in (("convert", "--to", "base", path), ("convert", "--to", "base", bags),
+                              ("check", path), ("encode", path), ("inspect", path),
+                              ("decode", bags), ("diff", path, path)):
+            self.run_command(*call, "-q", "--report", report, source)
+            told = self.valid("losses", report.read_text())
+            self.assertEqual(told.get("verb", "convert"), call[0])
+        self.run_command("convert", "-q", "--to", "base", "--report", report, path)
+        told = self.valid("losses", report.read_text())
+        values = {loss.get("field", loss["leaf"]): loss["before"] for loss in told["losses"]}
+        self.assertEqual(values["Police.PoliceUnit"], {"text": "0 (pps)", "number": 0, "keyword": "pps"})
+        self.assertEqual(values["Police.PoliceValue"], {"text": "1", "number": 1})
+        self.assertEqual({(loss["words"], loss["words-after"]) for loss in told["losses"]}, {(
+            '10 permit 192.0.2.1 any icmp echo udf "f" 0x0/0x0 police 1 police-unit pps capture '
+            'log-input remark "r"',
+            '10 permit 192.0.2.1 any icmp echo capture log-input remark "r"')})
+
+    def test_check_and_diff(self):
+        good, bad = document("um", ("X", numbered(LOSSY, {"permit": {}}))), '{"permit":{"protocol":"x"}}'
+        path = self.file("um", good)
+        code, out, _ = self.run_command("check", "--json", path)
+        told = self.valid("check", out)
+        self.assertEqual((code, told["entries"], [row["sequence"] for row in told["entries-that-differ"]]),
+                         (1, 2, [10]))
+        self.assertIn("log", [change["leaf"].split("/")[-1] for change in
+                              told["entries-that-differ"][0]["changes"]])
+        code, out, _ = self.run_command("check", "--json", "--keep-going", path, self.file("bad", bad))
+        told = self.valid("check", out)
+        self.assertEqual((code, told["errors"], told["stopped"], told["entries-that-differ"][0]["file"]),
+                         (2, 1, False, path))
+        told = self.valid("check", self.run_command("check", "--json", stdin=bad)[1])
+        self.assertTrue(told["stopped"])
+        other = self.file("other", document("um", ("X", [{"sequence-number": 20, "permit": {"protocol": "tcp"}},
+                                                         {"sequence-number": 30, "deny": {}}])))
+        code, out, _ = self.run_command("diff", "--json", "--no-losses", path, other)
+        told = self.valid("diff", out)
+        self.assertEqual((code, told["a"], told["b"], told["different"]), (1, path, other, 3))
+        changed, = [row for row in told["differences"] if row["a"] and row["b"]]
+        self.assertEqual([changed[side]["words"] for side in "ab"], ["20 permit any any", "20 permit tcp any any"])
+        self.assertEqual(changed["changes"][0]["after"], {"text": "6 (tcp)", "number": 6, "keyword": "tcp"})
+        self.assertEqual([row["b"]["words"] for row in told["differences"] if not row["a"]],
+                         ["30 deny any any"])
+        self.valid("diff", self.ok("diff", "--json", other, other))
+
+    def test_inspect(self):
+        for path in sorted(EXAMPLES.glob("*.json")):
+            for line in self.ok("inspect", "--json", "--no-losses", path).splitlines():
+                self.valid("record", line)
+
+
+if __name__ == "__main__":
+    unittest.main()
