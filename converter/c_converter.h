@@ -1,6 +1,7 @@
 // What stands behind aceconv/converter.h.
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
