@@ -7,9 +7,10 @@ build_packages=(
   libexpat1-dev libcli11-dev nlohmann-json3-dev libsimdjson-dev libmd4c-dev
 )
 test_packages=(
-  libgtest-dev python3 python3-jsonschema 'libyang2-tools|libyang3-tools' binutils parallel mandoc bash-completion zsh fish
+  libgtest-dev python3 python3-jsonschema 'libyang2-tools|libyang3-tools' binutils parallel
+  python3-pytest python3-hypothesis python3-ncclient mandoc bash-completion zsh fish
 )
-lint_packages=(clang-format clang-tidy cppcheck shellcheck)
+lint_packages=(clang-format clang-tidy cppcheck shellcheck mypy)
 coverage_packages=(gcovr)
 bench_packages=(
   python3 'libyang2-tools|libyang3-tools' libbenchmark-dev valgrind time libprotobuf-dev
