@@ -64,6 +64,12 @@ std::string xml_escaped(std::string_view text) {
     return written.append(text, copied);
 }
 
+std::string attribute_fault(std::string_view attribute) {
+    const bool asks = attribute == "operation" || attribute == "insert";
+    return "unknown attribute \"" + std::string(attribute) + "\"" +
+           (asks ? "; it asks for a change, while entries are taken as they stand" : "");
+}
+
 struct XmlParser::Handlers {
     /// No exception goes through expat; it stops at the first one.
     template <class Call>
@@ -141,11 +147,12 @@ XmlParser::XmlParser() : parser_(XML_ParserCreateNS("UTF-8", separator), &XML_Pa
 
 XmlParser::~XmlParser() = default;
 
-void XmlParser::restart() {
+void XmlParser::restart(std::uint64_t first_line) {
     XML_Parser parser = parser_.get();
     XML_ParserReset(parser, "UTF-8");
     failure_ = nullptr;
     begin_ = 0;
+    first_line_ = first_line;
     XML_SetUserData(parser, this);
     XML_SetXmlDeclHandler(parser, Handlers::declaration);
     XML_SetStartDoctypeDeclHandler(parser, Handlers::doctype);
@@ -174,6 +181,7 @@ bool XmlParser::outcome(int status) {
         if (error == XML_ERROR_NO_MEMORY) {
             throw std::bad_alloc();
         }
+        begin_ = static_cast<std::uint64_t>(current_index(parser_.get()));
         throw DataError("",
                         "not well-formed XML: " + std::string(error == XML_ERROR_INVALID_TOKEN
                                                                   ? "unexpected character"
@@ -188,7 +196,11 @@ void XmlParser::pause() {
 }
 
 std::uint64_t XmlParser::line() const {
-    return current_line(parser_.get());
+    return first_line_ - 1 + current_line(parser_.get());
+}
+
+bool XmlParser::something_follows() const {
+    return XML_GetErrorCode(parser_.get()) == XML_ERROR_JUNK_AFTER_DOC_ELEMENT;
 }
 
 std::uint64_t XmlParser::piece_end() const {

@@ -30,8 +30,11 @@ class XmlParser {
     /// is not well-formed; nothing follows that.
     bool parse(std::string_view bytes, bool last);
     bool resume();
-    /// Ready for another document.
-    void restart();
+    /// Ready for another document, whose first line has this number.
+    void restart(std::uint64_t first_line = 1);
+    /// Whether the fault that was thrown last is that something follows the document,
+    /// which may be another one, at piece_begin().
+    [[nodiscard]] bool something_follows() const;
 
   protected:
     struct Name {
@@ -68,6 +71,10 @@ class XmlParser {
     std::unique_ptr<XML_ParserStruct, void (*)(XML_ParserStruct *)> parser_;
     std::exception_ptr failure_;
     std::uint64_t begin_ = 0;
+    std::uint64_t first_line_ = 1;
 };
+
+/// Why an attribute cannot stand on an element.
+std::string attribute_fault(std::string_view attribute);
 
 } // namespace aceconv

@@ -103,4 +103,37 @@ bool JsonCursor::object(std::string &text, std::size_t limit, std::string_view w
     return fits_;
 }
 
+void JsonCursor::skip(std::string_view what) {
+    constexpr std::string_view behind_word = ",]} \t\r\n";
+    constexpr std::string_view brackets_and_quote = "{[\"";
+    if (!inside_) {
+        const int first = peek();
+        if (first < 0 || behind_word.find(static_cast<char>(first)) != behind_word.npos) {
+            unexpected(what);
+        }
+        inside_ = true;
+        scan_ = {};
+        word_ = brackets_and_quote.find(static_cast<char>(first)) == brackets_and_quote.npos;
+    }
+    for (bool more = true; more;) {
+        if (window_.view().empty() && !window_.more()) {
+            throw StreamError("", "the input ends inside " + std::string(what));
+        }
+        const std::string_view view = window_.view();
+        std::size_t end = 0;
+        if (word_) {
+            end = std::min(view.find_first_of(behind_word), view.size());
+            more = end == view.size();
+        } else {
+            do { // the first mark is the value's first character
+                end = std::min(scan_.next(view, end) + 1, view.size());
+                more = scan_.depth() > 0 || scan_.in_string();
+            } while (more && end < view.size());
+        }
+        line_ += count_lines(view.substr(0, end));
+        window_.take(end);
+    }
+    inside_ = false;
+}
+
 } // namespace aceconv

@@ -26,6 +26,8 @@ class JsonCursor {
     /// Takes an object into `text` as it stands. An object beyond `limit` bytes is taken
     /// all the same, but not kept; returns whether it was.
     bool object(std::string &text, std::size_t limit, std::string_view what);
+    /// Takes a value of any kind and length, and looks into it only for its end.
+    void skip(std::string_view what);
     /// The line of the object last begun.
     [[nodiscard]] std::uint64_t object_line() const { return object_line_; }
 
@@ -37,8 +39,9 @@ class JsonCursor {
   private:
     Window &window_;
     std::uint64_t line_ = 1;
-    // The object that is being taken, as far as it has been.
+    // The object or other value that is being taken, as far as it has been.
     bool inside_ = false;
+    bool word_ = false; // a number, true, false or null
     JsonScan scan_;
     bool fits_ = true;
     std::string text_;

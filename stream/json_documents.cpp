@@ -1,22 +1,24 @@
 #include "stream/json_documents.h"
 
+#include <utility>
+
 #include "stream/errors.h"
 #include "stream/text.h"
 
 namespace aceconv {
 
 // The characters that must follow before a value can be taken, and what they begin.
-constexpr JsonDocuments::Due before_module[] = {{'{', "a document"}};
-constexpr JsonDocuments::Due before_acls[] = {{':', "':'"}, {'{', "an object"}};
+constexpr JsonDocuments::Due before_value[] = {{':', "':'"}};
 constexpr JsonDocuments::Due before_lists[] = {{':', "':'"}, {'[', "an array"}};
 constexpr JsonDocuments::Due before_list[] = {{'{', "an access list"}};
-constexpr JsonDocuments::Due before_name[] = {{':', "':'"}};
 constexpr JsonDocuments::Due before_entries[] = {{':', "':'"}, {'[', "an array of entries"}};
-constexpr JsonDocuments::Due before_end[] = {{'}', "'}', the end of \"acls\""},
-                                             {'}', "'}', the end of the document"}};
+constexpr JsonDocuments::Due after_acls[] = {{'}', "'}', the end of \"acls\""}};
 
-JsonDocuments::JsonDocuments(Window window, std::optional<Schema> wanted)
-    : window_(std::move(window)), cursor_(window_), schema_(wanted), due_(before_module) {}
+JsonDocuments::JsonDocuments(Window window, std::optional<Schema> wanted, OtherModules others)
+    : window_(std::move(window)), cursor_(window_), wanted_(wanted), others_(others),
+      schema_(wanted) {
+    begin_document();
+}
 
 std::string JsonDocuments::list_path() const {
     return schema_ ? "/" + std::string(module_name(*schema_)) + ":acls/acl" +
@@ -31,27 +33,9 @@ std::string JsonDocuments::member_name(std::string_view what) {
     return split && (!split->schema || split->schema == schema_) ? std::string(split->local) : name;
 }
 
-void JsonDocuments::take_module() {
-    const std::string name = cursor_.string("the member \"acls\"");
-    const auto split = split_name(name);
-    if (!split || !split->schema || split->local != "acls") {
-        throw StreamError("", "unknown member \"" + printable(name) + "\"; expected \"" +
-                                  std::string(module_name(schema_.value_or(Schema::base))) +
-                                  ":acls\"" + (schema_ ? "" : " or \"aceconv-um:acls\""));
-    }
-    if (schema_ && schema_ != split->schema) {
-        throw StreamError("", "the document is of the " + std::string(schema_name(*split->schema)) +
-                                  " schema; expected the " + std::string(schema_name(*schema_)) +
-                                  " schema");
-    }
-    schema_ = split->schema;
-    due_ = before_acls;
-    state_ = State::acls;
-}
-
 void JsonDocuments::take_acls() {
     if (cursor_.peek() == '}') {
-        end_document();
+        end_acls();
         return;
     }
     const std::string lists = member_name("the member \"acl\"");
@@ -100,7 +84,7 @@ void JsonDocuments::take_member() {
     }
     seen_entries_ = seen_entries_ || entries;
     first_ = entries;
-    due_ = entries ? std::span<const Due>(before_entries) : before_name;
+    due_ = entries ? std::span<const Due>(before_entries) : before_value;
     state_ = entries ? State::entries : State::name;
 }
 
@@ -121,14 +105,14 @@ void JsonDocuments::describe(Entry &entry) const {
     entry.key = {name_, std::nullopt};
     entry.schema = *schema_;
     entry.format = Format::json;
-    entry.in_document = true;
+    entry.in_document = lists_ > 0;
 }
 
 /// What comes before an element of an "entry" array, or the array's end.
 void JsonDocuments::next_entry() {
     if (cursor_.accept(']')) {
         first_ = false;
-        state_ = State::members;
+        state_ = lists_ > 0 ? State::members : State::document;
         return;
     }
     if (!first_) {
@@ -149,7 +133,7 @@ bool JsonDocuments::take_entry(Entry &entry) {
         fault.emplace(list_path(),
                       "an entry longer than " + std::to_string(max_entry_bytes) + " bytes");
     }
-    if (!name_) {
+    if (lists_ > 0 && !name_) {
         held_.push(entry, fault ? &*fault : nullptr);
         return false;
     }
@@ -176,27 +160,40 @@ void JsonDocuments::after_list() {
         return;
     }
     cursor_.expect(']', "',' or ']'");
-    end_document();
+    end_acls();
 }
 
-void JsonDocuments::end_document() {
+void JsonDocuments::end_acls() {
     lists_ = 0; // what follows stands in no list
     name_.reset();
-    due_ = before_end;
-    state_ = State::tail;
+    if (in_acls_) {
+        due_ = after_acls;
+    }
+    first_ = false;
+    state_ = State::document;
 }
 
 /// One step through the document; true when it was an entry that can be given out.
 bool JsonDocuments::step(Entry &entry) {
     switch (state_) {
+    case State::document:
+        next_module();
+        break;
     case State::module:
         take_module();
+        break;
+    case State::other:
+        cursor_.skip("a value");
+        state_ = State::document;
+        break;
+    case State::errors:
+        refuse_errors();
         break;
     case State::acls:
         take_acls();
         break;
     case State::lists:
-        cursor_.accept(']') ? end_document() : begin_list();
+        cursor_.accept(']') ? end_acls() : begin_list();
         break;
     case State::members:
         next_member();
@@ -218,10 +215,13 @@ bool JsonDocuments::step(Entry &entry) {
         after_list();
         break;
     case State::tail:
-        if (cursor_.peek() != -1) {
-            cursor_.unexpected("nothing behind the document");
+        if (const int next = cursor_.peek(); next == '{') {
+            begin_document();
+        } else if (next != -1) {
+            cursor_.unexpected("another document or nothing");
+        } else {
+            state_ = State::end;
         }
-        state_ = State::end;
         break;
     case State::end:
         break;
@@ -249,8 +249,9 @@ bool JsonDocuments::next(Entry &entry) {
     }
 }
 
-std::unique_ptr<Source> make_json_source(Window window, std::optional<Schema> schema) {
-    return std::make_unique<JsonDocuments>(std::move(window), schema);
+std::unique_ptr<Source> make_json_source(Window window, std::optional<Schema> schema,
+                                         OtherModules others) {
+    return std::make_unique<JsonDocuments>(std::move(window), schema, others);
 }
 
 } // namespace aceconv

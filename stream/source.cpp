@@ -40,9 +40,12 @@ std::string first_member(Window &window) {
     return name;
 }
 
+/// A document's members are of some module; those of an entry may be, but only of one of ours.
 bool is_document(Window &window) {
     const std::string name = first_member(window);
-    return name.substr(name.find(':') + 1) == "acls"; // npos + 1 is 0
+    const std::string local = name.substr(name.find(':') + 1); // npos + 1 is 0
+    const auto split = split_name(name);
+    return local == "acls" || !split || (split->schema && (local == "acl" || local == "entry"));
 }
 
 /// Whether the first line is a complete object.
@@ -100,7 +103,7 @@ InputFormat recognise(Window &window) {
 } // namespace
 
 std::unique_ptr<Source> make_source(Window window, std::optional<InputFormat> format,
-                                    std::optional<Schema> schema) {
+                                    std::optional<Schema> schema, OtherModules others) {
     window.want(byte_order_mark.size());
     if (format != InputFormat::cbor && window.view().substr(0, 3) == byte_order_mark) {
         window.take(byte_order_mark.size());
@@ -111,13 +114,13 @@ std::unique_ptr<Source> make_source(Window window, std::optional<InputFormat> fo
     switch (*format) {
     case InputFormat::json:
         leading_blanks(window);
-        return is_document(window) ? make_json_source(std::move(window), schema)
+        return is_document(window) ? make_json_source(std::move(window), schema, others)
                                    : make_object_source(std::move(window), false, schema);
     case InputFormat::ndjson:
         return make_object_source(std::move(window), true, schema);
     case InputFormat::xml:
         leading_blanks(window);
-        return make_xml_source(std::move(window), schema);
+        return make_xml_source(std::move(window), schema, others);
     case InputFormat::cbor:
         break;
     }
@@ -125,9 +128,9 @@ std::unique_ptr<Source> make_source(Window window, std::optional<InputFormat> fo
 }
 
 std::unique_ptr<Source> open_source(const std::string &path, std::optional<InputFormat> format,
-                                    std::optional<Schema> schema,
-                                    std::shared_ptr<InputMeter> meter) {
-    return make_source(Window(open_input(path, std::move(meter))), format, schema);
+                                    std::optional<Schema> schema, std::shared_ptr<InputMeter> meter,
+                                    OtherModules others) {
+    return make_source(Window(open_input(path, std::move(meter))), format, schema, others);
 }
 
 } // namespace aceconv

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/entry.h"
+#include "stream/surroundings.h"
 #include "stream/window.h"
 
 namespace aceconv {
@@ -60,6 +61,9 @@ class Source {
 
     /// The schema of the data, once it is known.
     [[nodiscard]] virtual std::optional<Schema> schema() const = 0;
+
+    /// What stood around the entries so far.
+    [[nodiscard]] virtual Surroundings surroundings() const { return {}; }
 };
 
 /// Opens `path` ("-" is standard input). Format and schema are recognised from
@@ -68,17 +72,21 @@ class Source {
 std::unique_ptr<Source>
 open_source(const std::string &path, std::optional<InputFormat> format,
             std::optional<Schema> schema,
-            std::shared_ptr<InputMeter> meter = std::make_shared<InputMeter>());
+            std::shared_ptr<InputMeter> meter = std::make_shared<InputMeter>(),
+            OtherModules others = OtherModules::refused);
 
 /// The same over any input. An empty one is no entries where the format is given as
 /// ndjson or cbor, and refused otherwise.
 std::unique_ptr<Source> make_source(Window window, std::optional<InputFormat> format,
-                                    std::optional<Schema> schema);
+                                    std::optional<Schema> schema,
+                                    OtherModules others = OtherModules::refused);
 
 /// The formats' sources.
-std::unique_ptr<Source> make_json_source(Window window, std::optional<Schema> schema);
+std::unique_ptr<Source> make_json_source(Window window, std::optional<Schema> schema,
+                                         OtherModules others);
 std::unique_ptr<Source> make_object_source(Window window, bool lines, std::optional<Schema> schema);
-std::unique_ptr<Source> make_xml_source(Window window, std::optional<Schema> schema);
+std::unique_ptr<Source> make_xml_source(Window window, std::optional<Schema> schema,
+                                        OtherModules others);
 std::unique_ptr<Source> make_encoding_source(Window window, std::optional<Schema> schema);
 
 } // namespace aceconv

@@ -1,17 +1,18 @@
-// Entries of an XML document, or one <entry> element, read as a stream. Only what
-// stands around the entries is looked at here; an entry is handed on as it is
-// written, with the namespaces that are declared around it.
+// Entries of XML documents that follow each other, each one <acls>, a part of it or what NETCONF
+// and RESTCONF put around it, read as a stream. Only what stands around the entries is looked at
+// here; an entry is handed on as it is written, with the namespaces that are declared around it.
 #include <algorithm>
 #include <set>
 #include <vector>
 
 #include "host/data_path.h"
-#include "host/xml_parser.h"
 #include "stream/errors.h"
 #include "stream/source.h"
 #include "stream/spool.h"
 #include "stream/text.h"
+#include "stream/xml_input.h"
 #include "stream/xml_namespaces.h"
+#include "stream/xml_places.h"
 
 namespace aceconv {
 namespace {
@@ -19,14 +20,12 @@ namespace {
 constexpr std::size_t max_depth = 256;            // levels of elements
 constexpr std::size_t max_namespace_bytes = 4096; // declared for any one element
 
-std::string longer_than(std::size_t bytes) {
-    return "longer than " + std::to_string(bytes) + " bytes";
-}
+constexpr std::size_t longest_error = 1000; // bytes of a server's words
 
-class XmlSource : public Source, private XmlParser {
+class XmlSource : public Source, private XmlInput {
   public:
-    XmlSource(Window window, std::optional<Schema> wanted)
-        : window_(std::move(window)), schema_(wanted) {}
+    XmlSource(Window window, std::optional<Schema> wanted, OtherModules others)
+        : XmlInput(std::move(window)), wanted_(wanted), others_(others), schema_(wanted) {}
 
     bool next(Entry &entry) override {
         try {
@@ -44,6 +43,7 @@ class XmlSource : public Source, private XmlParser {
     }
 
     [[nodiscard]] std::optional<Schema> schema() const override { return schema_; }
+    [[nodiscard]] Surroundings surroundings() const override { return surroundings_; }
 
   private:
     // ---- On through the input ---------------------------------------------------------
@@ -52,42 +52,23 @@ class XmlSource : public Source, private XmlParser {
     /// the input.
     bool advance() {
         try {
-            while (!ended_) {
-                paused_ = !(paused_ ? resume() : feed());
-                if (paused_) {
-                    return true;
-                }
-                ended_ = last_;
-            }
-            return false;
+            return XmlInput::advance();
         } catch (const DataError &fault) {
-            ended_ = true;
-            const bool cut_off = last_ && !lines_.empty();
-            fault_line_ = cut_off ? lines_.back() : fault.line();
+            const bool cut_off = at_end() && !open_.empty();
+            fault_line_ = cut_off ? open_.back().line : fault.line();
             throw StreamError(path(), !cut_off     ? fault.what()
                                       : in_entry() ? "the input ends inside an entry"
                                                    : "the input ends inside the document");
         }
     }
 
-    bool feed() {
-        // Of what has been read, the parser keeps a piece that is not complete, and
-        // this the entry from its begin on.
-        const std::uint64_t read = first_ + bytes_.size();
-        if (read - piece_begin() > max_entry_bytes) {
-            refuse(in_entry() ? "an entry " + longer_than(max_entry_bytes)
-                              : "a tag, a comment or blanks " + longer_than(max_entry_bytes));
-        }
-        fits_ = fits_ && (!in_entry() || read - entry_begin_ <= max_entry_bytes);
-        const std::uint64_t needed = in_entry() && fits_ ? entry_begin_ : piece_begin();
-        bytes_.erase(0, needed - first_);
-        first_ = needed;
-        window_.want(1);
-        const std::string_view view = window_.view();
-        last_ = view.empty();
-        bytes_ += view;
-        window_.take(view.size()); // which leaves it where it is
-        return parse(view, last_);
+    void begin_document() override {
+        names_.clear();
+        lists_ = 0;
+    }
+
+    [[nodiscard]] std::optional<std::uint64_t> needed() const override {
+        return in_entry() ? std::optional(entry_begin_) : std::nullopt;
     }
 
     [[noreturn]] void refuse(const std::string &what) const { refuse(what, line()); }
@@ -97,11 +78,12 @@ class XmlSource : public Source, private XmlParser {
 
     /// Of the innermost list that is open.
     [[nodiscard]] std::string path() const {
-        if (!schema_ || lines_.empty() || in_entry()) {
+        const Place place = around();
+        if (!schema_ || (place != Place::acls && place != Place::acl && place != Place::name)) {
             return "";
         }
         std::string path = "/" + std::string(module_name(*schema_)) + ":acls";
-        if (lines_.size() > 1) {
+        if (place != Place::acls) {
             path += "/acl";
             path += name_ ? key_predicate("name", *name_) : "[" + std::to_string(lists_) + "]";
         }
@@ -124,79 +106,136 @@ class XmlSource : public Source, private XmlParser {
         if (++depth_ > max_depth) {
             refuse("more than " + std::to_string(max_depth) + " levels of elements");
         }
-        if (in_entry()) {
+        if (opaque_depth_ != 0) {
             return;
         }
-        check_namespace(element);
-        if (!attribute.empty()) {
-            refuse("unknown attribute '" + printable(attribute) + "'");
+        const Place place = place_of(element);
+        if (!attribute.empty() && !takes_attributes(place)) {
+            refuse(attribute_fault(printable(attribute)));
         }
-        const std::string_view name = element.local;
-        if (!(depth_ == 1   ? name == "acls" || name == "entry"
-              : depth_ == 2 ? name == "acl"
-                            : depth_ == 3 && (name == "name" || name == "entry"))) {
-            refuse("unknown element '" + printable(name) + "'");
-        }
-        if (name == "name" && name_) {
+        if (place == Place::name && name_) {
             refuse("\"name\" is given twice");
         }
-        lines_.push_back(line());
-        in_name_ = name == "name";
-        lists_ += name == "acl" ? 1 : 0;
-        if (name == "entry") {
+        open_.push_back({place, line()});
+        takes_text_ =
+            place == Place::name || (place == Place::error_part && is_error_text(element.local));
+        lists_ += place == Place::acl ? 1 : 0;
+        if (place == Place::entry) {
             begin_entry();
+        } else if (place == Place::other) {
+            opaque_depth_ = depth_;
         }
     }
 
     void end() override {
-        if (depth_ == entry_depth_) {
-            end_entry();
-        } else if (!in_entry() && depth_ == 3) {
-            end_name();
-        } else if (!in_entry() && depth_ == 2) {
-            end_list();
+        if (depth_ == opaque_depth_) {
+            end_opaque();
+        } else if (opaque_depth_ == 0) {
+            end_known();
         }
-        lines_.resize(std::min(lines_.size(), --depth_));
+        open_.resize(std::min(open_.size(), --depth_), {});
     }
 
     void text(std::string_view part) override {
-        if (in_name_) {
+        if (takes_text_) {
             text_.append(part.substr(0, max_list_name_bytes + 1 - text_.size()));
-        } else if (!in_entry() && !std::all_of(part.begin(), part.end(), is_json_blank)) {
+        } else if (opaque_depth_ == 0 && around() != Place::error_part &&
+                   !std::all_of(part.begin(), part.end(), is_json_blank)) {
             refuse("unexpected text");
         }
     }
 
     void instruction(std::string_view target) override {
-        if (!in_entry()) {
+        if (opaque_depth_ == 0) {
             refuse("unexpected processing instruction '" + printable(target) + "'");
         }
     }
 
-    void check_namespace(const Name &element) {
-        const std::string shown = "<" + printable(element.local) + ">";
-        const auto found = schema_of_namespace(element.space);
-        if (!found) {
-            refuse(shown + " in an unknown namespace; expected \"" +
-                   std::string(module_namespace(schema_.value_or(Schema::base))) + "\"");
+    // ---- What stands around the entries -----------------------------------------------
+
+    [[nodiscard]] Place around() const { return open_.empty() ? Place::input : open_.back().place; }
+
+    Place place_of(const Name &element) {
+        const auto schema = schema_of_namespace(element.space);
+        if (schema) {
+            expect_schema(element, *schema);
         }
-        if (schema_ && schema_ != found) {
-            refuse(shown + " is of the " + std::string(schema_name(*found)) +
-                   " schema; expected the " + std::string(schema_name(*schema_)) + " schema");
+        const Found found = find_place(element.space, element.local, around());
+        if (found.place == Place::other && others_ == OtherModules::stepped_over) {
+            surroundings_.stepped_over(std::string(element.space) + ":" +
+                                       std::string(element.local));
+        } else if (found.place == Place::other || (!found.place && !found.known_space)) {
+            refuse("<" + printable(element.local) + "> in an unknown namespace; expected \"" +
+                   std::string(module_namespace(schema_.value_or(Schema::base))) + "\"" +
+                   (found.place ? step_over_hint : ""));
+        } else if (!found.place) {
+            refuse("unknown element '" + printable(element.local) + "'");
         }
-        schema_ = found;
+        if (found.wraps) {
+            surroundings_.unwrapped(element.local);
+        }
+        return *found.place;
+    }
+
+    /// Beside each other may stand what is of different schemas.
+    void expect_schema(const Name &element, Schema schema) {
+        const auto expected = modules_stand_in(around()) ? wanted_ : schema_;
+        if (expected && expected != schema) {
+            refuse("<" + printable(element.local) + "> is of the " +
+                   std::string(schema_name(schema)) + " schema; expected the " +
+                   std::string(schema_name(*expected)) + " schema");
+        }
+        if (schema_ != schema) { // whose lists are others
+            names_.clear();
+        }
+        schema_ = schema;
+    }
+
+    void end_known() {
+        const std::uint64_t line = open_.back().line;
+        switch (around()) {
+        case Place::name:
+            end_name();
+            break;
+        case Place::acl:
+            end_list();
+            break;
+        case Place::acls:
+            lists_ = 0;
+            break;
+        case Place::error_part:
+            if (takes_text_) {
+                error_ += error_.size() < longest_error ? ": " + printable(text_) : "";
+                text_.clear();
+                takes_text_ = false;
+            }
+            break;
+        case Place::error:
+            refuse(error_reply + error_, line);
+        case Place::ok:
+            refuse("the reply says <ok/>, and holds no data", line);
+        default:
+            break;
+        }
+    }
+
+    void end_opaque() {
+        if (in_entry()) {
+            end_entry();
+        }
+        opaque_depth_ = 0;
     }
 
     // ---- Lists ------------------------------------------------------------------------
 
     void end_name() {
-        in_name_ = false;
+        takes_text_ = false;
         std::string name = std::exchange(text_, {});
         if (const std::string fault = list_name_fault(name); !fault.empty()) {
-            refuse(fault, lines_.back());
+            refuse(fault, open_.back().line);
         }
         if (!names_.insert(name).second) {
-            refuse("a second access list of the name '" + name + "'", lines_.back());
+            refuse("a second access list of the name '" + name + "'", open_.back().line);
         }
         name_ = std::move(name);
         releasing_ = !held_.empty();
@@ -207,27 +246,25 @@ class XmlSource : public Source, private XmlParser {
 
     void end_list() {
         if (!name_) {
-            refuse("an access list without \"name\"", lines_.back());
+            refuse("an access list without \"name\"", open_.back().line);
         }
         name_.reset();
     }
 
     // ---- Entries ----------------------------------------------------------------------
 
-    [[nodiscard]] bool in_entry() const { return entry_depth_ != 0; }
+    [[nodiscard]] bool in_entry() const { return opaque_depth_ != 0 && around() == Place::entry; }
 
     void begin_entry() {
-        entry_depth_ = depth_;
+        opaque_depth_ = depth_;
         entry_begin_ = piece_begin();
-        fits_ = true;
         declarations_ = namespaces_.inherited();
     }
 
     void end_entry() {
         entry_end_ = piece_end();
-        entry_line_ = lines_.back();
-        in_document_ = entry_depth_ > 1;
-        entry_depth_ = 0;
+        entry_line_ = open_.back().line;
+        in_document_ = open_.size() > 1;
         pause();
     }
 
@@ -244,12 +281,13 @@ class XmlSource : public Source, private XmlParser {
         describe(entry);
         entry.position = {entry_line_, ++ordinal_};
         entry.text.clear();
-        if (fits_) {
-            entry.text.assign(bytes_, entry_begin_ - first_, entry_end_ - entry_begin_);
+        const auto text = bytes(entry_begin_, entry_end_);
+        if (text) {
+            entry.text = *text;
             entry.text.insert(entry.text.find_first_of(" \t\r\n/>"), declarations_);
         }
         std::optional<DataError> fault;
-        if (!fits_ || entry.text.size() > max_entry_bytes) {
+        if (!text || entry.text.size() > max_entry_bytes) {
             fault.emplace("", "an entry " + longer_than(max_entry_bytes));
         }
         if (in_document_ && !name_) {
@@ -270,41 +308,44 @@ class XmlSource : public Source, private XmlParser {
         return releasing_;
     }
 
-    Window window_;
+    struct Open {
+        Place place = Place::input;
+        std::uint64_t line = 0;
+    };
+
+    const std::optional<Schema> wanted_;
+    const OtherModules others_;
+    Surroundings surroundings_;
     std::optional<Schema> schema_;
-    bool paused_ = false; // the parser
-    bool last_ = false;   // the input has been read to its end
-    bool ended_ = false;
     std::uint64_t fault_line_ = 0;
-    std::string bytes_;       // of the input that may be needed yet,
-    std::uint64_t first_ = 0; // and where they stand in it
 
     std::size_t depth_ = 0;
-    std::vector<std::uint64_t> lines_; // of the open elements, no deeper than entries
+    std::vector<Open> open_;       // elements, no deeper than entries
+    std::size_t opaque_depth_ = 0; // of the open element into which nobody looks here
     XmlNamespaces namespaces_;
 
     std::uint64_t lists_ = 0;
     std::optional<std::string> name_; // of the current list
-    bool in_name_ = false;
+    bool takes_text_ = false;         // of a name, or of an error
     std::string text_;
+    std::string error_;
     std::set<std::string, std::less<>> names_;
     Spool held_;
     bool releasing_ = false;
 
     std::uint64_t ordinal_ = 0;
-    std::size_t entry_depth_ = 0; // of the open entry
     std::uint64_t entry_begin_ = 0;
     std::uint64_t entry_end_ = 0;
     std::uint64_t entry_line_ = 0;
-    bool fits_ = true;
     bool in_document_ = false;
     std::string declarations_;
 };
 
 } // namespace
 
-std::unique_ptr<Source> make_xml_source(Window window, std::optional<Schema> schema) {
-    return std::make_unique<XmlSource>(std::move(window), schema);
+std::unique_ptr<Source> make_xml_source(Window window, std::optional<Schema> schema,
+                                        OtherModules others) {
+    return std::make_unique<XmlSource>(std::move(window), schema, others);
 }
 
 } // namespace aceconv

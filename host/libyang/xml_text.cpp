@@ -73,8 +73,7 @@ void XmlText::start(const Name &element, std::string_view attribute) {
     }
     const SchemaNode &schema = child(element);
     if (!attribute.empty()) {
-        refuse(levels_.size() == 1 ? "" : schema.name,
-               "unknown attribute \"" + std::string(attribute) + "\"");
+        refuse(levels_.size() == 1 ? "" : schema.name, attribute_fault(attribute));
     }
     levels_.back().parent = true;
     levels_.push_back({&schema});

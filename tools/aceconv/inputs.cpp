@@ -32,7 +32,7 @@ Inputs::Inputs(const InputOptions &options, std::shared_ptr<InputMeter> meter)
 }
 
 bool Inputs::next(Entry &entry) {
-    for (; at_ < options_.paths.size(); ++at_, source_.reset()) {
+    for (; at_ < options_.paths.size(); end_input()) {
         entry.position = {};
         struct Mark {
             Position &position;
@@ -44,8 +44,9 @@ bool Inputs::next(Entry &entry) {
                 if (!meter_->may_wait) {
                     throw InputPauses(); // the first bytes cannot be read in pieces
                 }
-                source_ =
-                    open_source(options_.paths[at_], options_.format, options_.schema, meter_);
+                source_ = open_source(options_.paths[at_], options_.format, options_.schema, meter_,
+                                      options_.ignore_others ? OtherModules::stepped_over
+                                                             : OtherModules::refused);
                 meter_->size = size_;
             }
             if (source_->next(entry)) {
@@ -55,12 +56,25 @@ bool Inputs::next(Entry &entry) {
             if (!source_) { // a fault of the first bytes
                 entry.position.line = 1;
             }
-            source_.reset();
-            ++at_;
+            end_input();
             throw;
         }
     }
     return false;
+}
+
+void Inputs::end_input() {
+    surroundings_ = surroundings();
+    source_.reset();
+    ++at_;
+}
+
+Surroundings Inputs::surroundings() const {
+    Surroundings all = surroundings_;
+    if (source_) {
+        all.add(source_->surroundings());
+    }
+    return all;
 }
 
 std::optional<Schema> Inputs::schema() const {

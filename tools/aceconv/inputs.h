@@ -19,12 +19,16 @@ class Inputs : public Source {
 
     bool next(Entry &entry) override;
     [[nodiscard]] std::optional<Schema> schema() const override;
+    [[nodiscard]] Surroundings surroundings() const override;
 
   private:
+    void end_input();
+
     const InputOptions options_;
     const std::shared_ptr<InputMeter> meter_;
     std::optional<std::uint64_t> size_; // of them all, in bytes, when all are regular files
     std::size_t at_ = 0;
+    Surroundings surroundings_;      // of the inputs that have ended
     std::unique_ptr<Source> source_; // of input `at_`, once it is open
 };
 

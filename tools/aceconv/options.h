@@ -30,6 +30,7 @@ struct InputOptions {
     std::vector<std::string> paths = {"-"}; // read one after the other
     std::optional<InputFormat> format = {};
     std::optional<Schema> schema = {};
+    bool ignore_others = false;             // nodes of other modules beside the access lists
     const char *schema_option = "--schema"; // what sets it
 };
 

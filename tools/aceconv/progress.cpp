@@ -23,7 +23,7 @@ std::string counted(std::uint64_t count, const char *one, const char *more) {
     return std::to_string(count) + " " + (count == 1 ? one : more);
 }
 
-std::string summary(const Tally &tally, double seconds) {
+std::string summary(const Tally &tally, const Surroundings &around, double seconds) {
     std::string text;
     if (tally.entries_widened != 0) {
         text = counted(tally.entries_widened, "entry matches", "entries match") +
@@ -35,6 +35,7 @@ std::string summary(const Tally &tally, double seconds) {
         text += ", " + counted(tally.losses, "loss", "losses") + " in " +
                 counted(tally.entries_with_losses, "entry", "entries");
     }
+    text += around.text();
     char time[32];
     std::snprintf(time, sizeof time, "; %.2f s", seconds);
     return text + time + entries_and_rate(tally.entries, seconds, ", ");

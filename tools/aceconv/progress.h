@@ -9,6 +9,7 @@
 #include <string>
 
 #include "converter/passage.h"
+#include "stream/surroundings.h"
 #include "stream/window.h"
 
 namespace aceconv::tool {
@@ -18,7 +19,7 @@ std::string counted(std::uint64_t count, const char *one, const char *more);
 
 /// "2 entries match more than before; 2500 entries, 1 error, 3 losses in 2 entries;
 /// 0.12 s, 20833 entries a second"
-std::string summary(const Tally &tally, double seconds);
+std::string summary(const Tally &tally, const Surroundings &around, double seconds);
 
 class Progress {
   public:

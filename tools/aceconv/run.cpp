@@ -86,6 +86,7 @@ bool Run::report(const Entry &entry, const DataError &fault) {
 void Run::merge(const Run &other) {
     tally_.entries += other.tally_.entries;
     tally_.errors += other.tally_.errors;
+    surroundings_.add(other.source_.surroundings());
     stopped_ = stopped_ || other.stopped_;
 }
 
@@ -119,8 +120,9 @@ void Run::finish(Output &output, Output *report, Sink *sink) {
 }
 
 int Run::conclude() {
+    surroundings_.add(source_.surroundings());
     if (!common_.quiet && !closed_ && (tally_.entries != 0 || tally_.errors == 0)) {
-        say((stopped_ ? "stopped: " : "") + summary(tally_, progress_.seconds()));
+        say((stopped_ ? "stopped: " : "") + summary(tally_, surroundings_, progress_.seconds()));
     }
     return tally_.errors == 0 ? exit_ok : exit_trouble;
 }

@@ -86,6 +86,7 @@ class Run {
     OnFault on_fault_;
     std::vector<Output *> outputs_;
     Tally tally_;
+    Surroundings surroundings_;
     bool closed_ = false;  // the reader of the output has gone, and that ends it
     bool stopped_ = false; // at a fault, since it was not to keep going
 };

@@ -63,6 +63,11 @@ Option format_option(const char *names, OutputFormat &format) {
             one_of(text_formats, format)};
 }
 
+Option others_option(bool &ignored) {
+    return {"--ignore-other-modules", "",
+            "Step over nodes of other modules beside the access lists, and count them", &ignored};
+}
+
 Option output_option(std::string &path) {
     return {"-o,--output", "FILE", "The file to write; - is standard output, the default", &path};
 }
@@ -74,6 +79,7 @@ Options input_options(InputOptions &input, const char *schema_names = "--schema"
             {"--from-format,--input", "FORMAT",
              "The input's format, when it is not to be recognised from the data",
              one_of(input_formats, input.format)},
+            others_option(input.ignore_others),
             schema_option(schema_names, input.schema)};
 }
 
@@ -166,6 +172,7 @@ Options options_of(DiffOptions &diff) {
            &diff.right.paths.front(),
            {.required = true}},
           schema_option("--schema", diff.schema),
+          others_option(diff.ignore_others),
           {"--schema-a", "SCHEMA", "The same of A alone", one_of(schemas, diff.left.schema)},
           {"--schema-b", "SCHEMA", "The same of B alone", one_of(schemas, diff.right.schema)},
           {"--json", "", "Write a JSON document instead of lines", &diff.json}},

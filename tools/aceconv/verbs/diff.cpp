@@ -145,6 +145,7 @@ int run_diff(const DiffOptions &options) {
     const bool wanted = losses_wanted(options.losses);
     const auto input = [&options](InputOptions side) {
         side.schema = side.schema ? side.schema : options.schema;
+        side.ignore_others = options.ignore_others;
         return side;
     };
     Side left(options.common, input(options.left), wanted);

@@ -56,6 +56,7 @@ int run_check(const CheckOptions &options);
 struct DiffOptions {
     CommonOptions common;
     std::optional<Schema> schema; // of either input that is told no other
+    bool ignore_others = false;   // of both
     InputOptions left = {.schema_option = "--schema-a"};
     InputOptions right = {.schema_option = "--schema-b"};
     bool json = false;

@@ -1,0 +1,50 @@
+// XML documents that follow each other in one input. Of what has been read, the parser keeps a
+// piece that is not complete, and this what its user still needs.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "host/xml_parser.h"
+#include "stream/window.h"
+
+namespace aceconv {
+
+class XmlInput : protected XmlParser {
+  public:
+    explicit XmlInput(Window window) : window_(std::move(window)) {}
+
+  protected:
+    /// Goes on to the next pause(); false at the end of the input. Throws what is thrown on the
+    /// way and DataError; nothing follows that.
+    bool advance();
+    /// The last byte has been read.
+    [[nodiscard]] bool at_end() const { return last_; }
+
+    /// Where in the document begins what is needed yet; it is let go beyond max_entry_bytes.
+    [[nodiscard]] virtual std::optional<std::uint64_t> needed() const = 0;
+    /// What stands there, nothing if it has been let go.
+    [[nodiscard]] std::optional<std::string_view> bytes(std::uint64_t begin,
+                                                        std::uint64_t end) const;
+    /// One has ended, and what follows is another one.
+    virtual void begin_document() = 0;
+
+  private:
+    bool feed();
+    void start_anew();
+
+    Window window_;
+    bool paused_ = false; // the parser
+    bool again_ = false;  // what has been read already begins another document
+    bool last_ = false;   // the input has been read to its end
+    bool ended_ = false;
+    std::string bytes_;       // of the input that may be needed yet,
+    std::uint64_t first_ = 0; // and where they stand in the document
+};
+
+/// "longer than 5 bytes".
+std::string longer_than(std::size_t bytes);
+
+} // namespace aceconv

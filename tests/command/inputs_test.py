@@ -1,0 +1,125 @@
+"""What engineers hand in: what servers put around access lists, many files, and encodings as text."""
+import json
+import unittest
+
+from harness import Case, document, numbered
+
+RULES = numbered({"grant": "deny"}, {"grant": "permit", "remark": "r"})
+LISTS = {"acl": [{"name": "X", "entry": RULES}]}
+ACLS = json.dumps({"aceconv-base:acls": LISTS})
+XMLNS = 'xmlns="urn:aceconv:base"'
+ENTRIES = ("<entry><sequence-number>10</sequence-number><grant>deny</grant></entry><entry>"
+           "<sequence-number>20</sequence-number><grant>permit</grant><remark>r</remark></entry>")
+ACL = f"<acl %s><name>X</name>{ENTRIES}</acl>"
+XML = f"<acls {XMLNS}>{ACL % ''}</acls>"
+NETCONF = 'xmlns="urn:ietf:params:xml:ns:netconf:base:1.0"'
+RESTCONF = 'xmlns="urn:ietf:params:xml:ns:yang:ietf-restconf"'
+NMDA = 'xmlns="urn:ietf:params:xml:ns:yang:ietf-netconf-nmda"'
+OTHER = '<interfaces xmlns="urn:i"><interface a="1"><?x?>eth<acls/><!-- --></interface></interfaces>'
+REPLY = f'<?xml version="1.0"?>\n<rpc-reply {NETCONF} message-id="101" u:user="x" xmlns:u="u">%s</rpc-reply>\n'
+OTHERS = {"i:interfaces": [{"name": "]}\\\"", "n": -1.5e3}, None], "j:s": "a\\\"}", "k:n": 12, "l:t": True}
+
+# input, and what the summary names
+WRAPPED = [
+    (REPLY % f"<data>{XML}</data>", ", out of rpc-reply, data"),
+    (REPLY % f"<data {NMDA}>{XML}</data>", ", out of rpc-reply, data"),
+    (f"<config {NETCONF}>{XML}</config>", ", out of config"),
+    (f"<data {RESTCONF}>{XML}</data><!-- behind -->\n", ", out of data"),
+    (ACL % XMLNS, ", out of acl"),
+    (json.dumps({"ietf-restconf:data": {"aceconv-base:acls": LISTS}}), ", out of ietf-restconf:data"),
+    (json.dumps({"aceconv-base:acl": LISTS["acl"]}), ", out of aceconv-base:acl"),
+    (json.dumps({"ietf-restconf:data": {}}) + ACLS + '{"aceconv-base:acls":{}}',
+     ", out of ietf-restconf:data"),
+    (f"<data {NETCONF}/>\n<?xml version='1.0'?>\n" + XML, ", out of data"),
+]
+# input, the nodes that are stepped over, and how they are named
+BESIDE = [
+    (f"<data {NETCONF}>{OTHER}{XML}{OTHER}</data>", 2, "urn:i:interfaces"),
+    (OTHER + XML, 1, "urn:i:interfaces"),
+    (json.dumps({**OTHERS, "aceconv-base:acls": LISTS}), 4, "i:interfaces, j:s, k:n, l:t"),
+    (json.dumps({"aceconv-base:acls": LISTS, **{f"m{i}:n": {} for i in range(9)}}), 9,
+     ", ".join(f"m{i}:n" for i in range(8)) + ", ..."),
+    (json.dumps({"ietf-restconf:data": {"i:x": "y" * (3 << 20), "aceconv-base:acls": LISTS}}, indent=1),
+     1, "i:x"),
+]
+ERROR = ("<error-type>application</error-type><error-tag>invalid-value</error-tag><error-message "
+         "xml:lang='en'>no such\nlist</error-message><error-info><x xmlns='u'>y</x></error-info>")
+# input, and what must be said behind "aceconv: <stdin>:"
+REFUSED = [
+    (REPLY % f"\n<rpc-error>{ERROR}</rpc-error>", r"3: the reply is an error: invalid-value: no such\\x0alist\n"),
+    (f"<errors {RESTCONF}><error>{ERROR}</error></errors>", "1: the reply is an error: invalid-value: no such"),
+    (json.dumps({"ietf-restconf:errors": {"error": [{"error-tag": "access-denied", "error-message": "no"}]}}),
+     "1: the reply is an error: access-denied: no\n"),
+    (REPLY % "<ok/>", "2: the reply says <ok/>, and holds no data"),
+    (REPLY % XML, "2: unknown element 'acls'"),
+    (f"<data {NETCONF}>{ACL % XMLNS}</data>", "1: unknown element 'acl'"),
+    (f"<rpc {NETCONF}/>", "1: unknown element 'rpc'"),
+    (f"<data {NETCONF}>\nx</data>", "2: unexpected text"),
+    (f"<data {NETCONF} operation='merge'/>", '1: unknown attribute "operation"; it asks for a change, while'),
+    (f'<acls {XMLNS} xmlns:nc="{NETCONF[7:-1]}"><acl nc:operation="delete"/></acls>',
+     '1: /aceconv-base:acls: unknown attribute "operation"; it asks for a change'),
+    (f'<acls {XMLNS} xmlns:nc="{NETCONF[7:-1]}"><acl><name>X</name><entry nc:operation="delete"/></acl></acls>',
+     '1: acl \'X\': .*unknown attribute "operation"; it asks for a change'),
+    (f"<data {NETCONF}>\n{OTHER}</data>", "2: <interfaces> in an unknown namespace; .*; --ignore-other-modules"),
+    (f"{XML}\n<interfaces/>", '2: <interfaces> in an unknown namespace; expected "urn:aceconv:base"\n'),
+    (f"{XML}\n\n<acls {XMLNS}>\n<acl><x/>", "4: /aceconv-base:acls/acl.1.: unknown element 'x'"),
+    (f"{XML}\nhello", "2: not well-formed XML"),
+    ('{"ietf-restconf:data":\n{"i:x":1}}', '2: unknown member "i:x"; .*; --ignore-other-modules steps over'),
+    ('{"ietf-restconf:data":{"aceconv-base:acl":[]}}', '1: unknown member "aceconv-base:acl"; expected'),
+    ('{"ietf-restconf:data":{"ietf-restconf:data":{}}}', '1: unknown member "ietf-restconf:data"; expected'),
+    (ACLS + "\n" + ACLS, "2: acl 'X' entry 10: a second entry of this sequence number"),
+    (ACLS + "\n{}", "2: expected the member \"acls\", found '}'"),
+]
+
+
+class Wrappers(Case):
+    def encoded(self, *args, stdin):
+        code, out, err = self.run_command("encode", *args, stdin=stdin)
+        self.assertEqual((code, err), (0, ""), stdin[:300])
+        return out, self.summary.partition(" errors")[2].rpartition("; ")[0]
+
+    def test_are_taken_off_and_named(self):
+        wanted = self.encoded(stdin=ACLS)
+        self.assertEqual(wanted[1], "")
+        for text, said in WRAPPED:
+            with self.subTest(text[:200]):
+                self.assertEqual(self.encoded(stdin=text), (wanted[0], said))
+        # Both schemas side by side, and documents of either one after the other.
+        other = document("um", ("X", numbered({"permit": {}})))
+        um = self.encoded(stdin=other)[0]
+        both = json.dumps({"ietf-restconf:data": {**json.loads(ACLS), **json.loads(other)}})
+        for text in (both, ACLS + other, XML + '<acls xmlns="urn:aceconv:um"><acl><name>X</name><entry>'
+                     "<sequence-number>10</sequence-number><permit/></entry></acl></acls>"):
+            code, out, err = self.run_command("inspect", "--json", stdin=text)
+            self.assertIn("acl 'X' entry 10: a second entry", err)
+            apart = text.replace('"X"', '"Y"', 1).replace(">X<", ">Y<", 1)
+            self.assertEqual(self.encoded(stdin=apart)[0], wanted[0].replace(b"\x61X", b"\x61Y") + um)
+
+    def test_an_entry_by_itself_has_no_list(self):
+        text = json.dumps({"aceconv-base:entry": RULES})
+        self.assertEqual([(r["acl"], r["sequence"]) for r in self.records(stdin=text)],
+                         [(None, 10), (None, 20)])
+        self.assertIn(", out of aceconv-base:entry, which names no list; ", self.summary)
+
+    def test_other_modules_are_stepped_over_when_asked(self):
+        wanted, _ = self.encoded(stdin=ACLS)
+        for text, count, names in BESIDE:
+            with self.subTest(names):
+                out, said = self.encoded("--ignore-other-modules", stdin=text)
+                self.assertEqual(out, wanted)
+                self.assertTrue(said.endswith(f" stepped over ({names})"), said)
+                self.assertIn(f", {count} node", said)
+                code, _, err = self.run_command("encode", stdin=text)
+                self.assertEqual((code, "; --ignore-other-modules steps" in err), (2, True), err)
+
+    def test_what_is_not_data_is_refused(self):
+        for text, said in REFUSED:
+            with self.subTest(text[:200]):
+                for options in ((), ("--ignore-other-modules",))[:1 if "--ignore" in said else 2]:
+                    code, _, err = self.run_command("inspect", *options, stdin=text)
+                    self.assertEqual(code, 2)
+                    self.assertRegex(err, "^aceconv: <stdin>:" + said)
+
+
+if __name__ == "__main__":
+    unittest.main()
