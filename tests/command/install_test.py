@@ -2,9 +2,11 @@
 and what others build against."""
 import os
 import pathlib
+import re
 import shlex
 import shutil
 import subprocess
+import textwrap
 import unittest
 
 from harness import Case
@@ -180,6 +182,11 @@ class BuiltAgainst(Case):
         self.output("cc", *SANITIZE, names, "-o", self.dir / "names",
                     *config("--cflags", "--libs", "aceconv-keywords"))
         self.assertEqual(self.output(self.dir / "names"), "permit\n")
+        readme = (SOURCE / "README.md").read_text()
+        program = textwrap.dedent(re.search(r"(?ms)^    #include <aceconv.*?^    }\n", readme)[0])
+        self.output("cc", *SANITIZE, self.file("example.c", program), "-o", self.dir / "example",
+                    *config("--cflags", "--libs", "aceconv >= 1.0"), "-Wl,-rpath," + str(folder.parent))
+        self.assertRegex(self.output(self.dir / "example"), r'^{.*"permit":{.*}\nlost: sequence-str, since ')
 
 
 if __name__ == "__main__":
