@@ -114,7 +114,9 @@ class Completion(Case):
         def complete(line):
             found = self.lines("fish", "--no-config", "-c", script, line,
                                env={**os.environ, "HOME": str(self.dir)})
-            return [candidate.split("\t")[0] for candidate in found]
+            words = [candidate.split("\t")[0] for candidate in found]
+            # A newer one also offers what has the word inside.
+            return [word for word in words if word.startswith(line.split(" ")[-1])]
         self.expect(complete)
 
     @needs("zsh")
