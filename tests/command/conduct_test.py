@@ -201,6 +201,10 @@ class Messages(Case):
                 (2, ("encode", "--no-such-option=1", doc), "unknown option --no-such-option\n"),
                 (2, ("convert", "--form", "um", "--to", "um"), "unknown option --form; did you mean --format?"),
                 (2, ("diff", doc, doc, doc), "one argument too many: " + doc),
+                (2, ("--schema", "base", "encode", doc), "--schema has its place behind encode\n"),
+                (2, ("--quite", "encode", doc), "unknown option --quite\n"), (2, ("x", "encode"), "unknown verb x"),
+                (2, ("convert", "--schema", "um", "--from", "base"), "--schema is given more than once\n"),
+                (2, ("help", "--plugin", doc, "encode"), "unknown option --plugin\n"),
                 (2, ("check", "-q", "--progress", doc), "--quiet excludes --progress"),
                 (2, ("encode", "--backend", "b"), "{bulk,validating}\naceconv: see aceconv encode --help\n"),
                 (2, ("encode", remark), "--schema base or --schema um"),
@@ -262,7 +266,6 @@ class Messages(Case):
         losses, common = ["--report", "--strict", "--no-losses"], [
             "--ignore-other-modules", "--keep-going", "--backend", "-j,--jobs", "-q,--quiet", "--progress", "--trace[=REGEX]"]
         for verb, own in (("", ["encode", "decode", "inspect", "convert", "check", "diff", "help"]),
-                          ("help", ["VERB"]),
                           ("encode", ["INPUT", "--from-format", "--schema", "-o,--output",
                                       "--stored", "--no-labels", *losses, *common]),
                           ("decode", ["INPUT", "--from-format", "--schema", "-o,--output",

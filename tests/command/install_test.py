@@ -68,6 +68,13 @@ class Installed(Case):
         install(BUILD, self.dir / "plain")
         self.assertIn(self.runs_from(self.dir / "plain"), ("lib/aceconv", "lib64/aceconv"))
 
+    @unittest.skipUnless((BUILD / "pages").exists(), "there was no libmd4c")
+    def test_pages_and_completions_are_where_they_are_looked_for(self):
+        install(BUILD, self.dir)
+        for name in ("man/man1/aceconv-hostcheck.1", "man/man5/aceconv-record.5", "zsh/site-functions/_aceconv",
+                     "bash-completion/completions/aceconv", "fish/vendor_completions.d/aceconv.fish"):
+            self.assertGreater((self.dir / "share" / name).stat().st_size, 1000, name)
+
     def test_nothing_comes_from_the_tree_it_was_built_from(self):
         prefix = self.dir / "prefix"
         install(BUILD, prefix)

@@ -39,7 +39,7 @@ class Manual(Case):
         for verb in VERBS:
             page = (PAGES / "man1" / f"aceconv-{verb}.1").read_text().replace(r"\-", "-")
             told = re.findall(r"(?m)^  (?:-\w,)?(--[\w-]+)", self.ok("help", verb).decode())
-            self.assertGreater(len(told), 3)
+            self.assertIn("--help", told)
             self.assertEqual(re.findall(r"(?m)^\.TP\n(?:\\fB-\w\\fR, )?\\fB(--[\w-]+)", page), told, verb)
             self.assertIn("\n.SH EXAMPLES\n", page, verb)
 

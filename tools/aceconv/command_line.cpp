@@ -161,9 +161,23 @@ void parse(CLI::App &app, Arguments arguments) {
         const CLI::App &verb = verbs.empty() ? app : *verbs.front();
         const bool answered =
             dynamic_cast<const CLI::Success *>(&fault) != nullptr && !verbs.empty();
-        const std::vector<std::string> rest = verb.remaining();
-        if (!rest.empty() && !answered) {
+        if (answered) {
+            throw;
+        }
+        if (const auto rest = verb.remaining(); !rest.empty()) {
             throw misplaced(verb, rest.front());
+        }
+        if (const auto rest = app.remaining(); !rest.empty()) { // in front of the verb
+            const std::string first = rest.front();
+            const std::string name = first.substr(0, first.find('='));
+            throw name.starts_with('-') && verb.get_option_no_throw(name) != nullptr
+                ? UsageError(name + " has its place behind " + verb.get_name())
+                : misplaced(app, first);
+        }
+        for (const CLI::Option *option : verb.get_options()) {
+            if (option->get_items_expected_max() == 1 && option->count() > 1) {
+                throw UsageError(option->get_name() + " is given more than once");
+            }
         }
         throw;
     }

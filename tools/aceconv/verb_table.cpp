@@ -83,6 +83,10 @@ Options input_options(InputOptions &input, const char *schema_names = "--schema"
             schema_option(schema_names, input.schema)};
 }
 
+Option help_option() {
+    return {"-h,--help", "", "Show this help", Question::help};
+}
+
 Options loss_options(LossOptions &losses) {
     return {{"--report", "FILE", "Write the losses to this file, as JSON", &losses.report},
             {"--strict", "", "Exit with 1 when anything is lost", &losses.strict},
@@ -208,15 +212,14 @@ constexpr Verb verbs[] = {
     {"help", "Show what the command, or a verb of it, does and takes", call_help},
 };
 
-Call call_help(CommonOptions &common) {
+Call call_help(CommonOptions & /*common*/) {
     const auto verb = std::make_shared<std::string>();
     Choice choice;
     for (const Verb &row : verbs) {
         choice.names.emplace_back(row.name);
     }
     choice.take = [verb](std::size_t at) { *verb = verbs[at].name; };
-    return {joined({{{"VERB", "VERB", "The verb; none is the command", choice}},
-                    general_options(common)}),
+    return {{{"VERB", "VERB", "The verb; none is the command", choice}, help_option()},
             [verb] { return show_help(*verb); }};
 }
 
@@ -230,7 +233,7 @@ std::vector<Option> general_options(CommonOptions &common) {
     return {
         {"--plugin", "FILE", "The plug-in library to load", &common.plugin},
         {"--modules", "DIR", "The folder of the YANG modules", &common.modules},
-        {"-h,--help", "", "Show this help", Question::help},
+        help_option(),
         {"-V,--version", "", "Show the version, and which plug-in is loaded", Question::version}};
 }
 
