@@ -10,6 +10,8 @@ test_packages=(
   libgtest-dev python3 python3-jsonschema 'libyang2-tools|libyang3-tools' binutils parallel
   python3-pytest python3-hypothesis python3-ncclient mandoc bash-completion zsh fish
 )
+python_packages=(python3-dev pybind11-dev) # for the Python package
+all_packages=("${build_packages[@]}" "${python_packages[@]}" "${test_packages[@]}")
 lint_packages=(clang-format clang-tidy cppcheck shellcheck mypy)
 coverage_packages=(gcovr)
 bench_packages=(
@@ -51,7 +53,8 @@ choose_names() {
   local at name
   for at in "${!missing[@]}"; do
     for name in ${missing[at]//|/ }; do
-      if apt-cache show "$name" >/dev/null 2>&1; then
+      # Not `show`, which knows names that others only stand in for.
+      if [[ $(apt-cache madison "$name" 2>/dev/null) ]]; then
         missing[at]=$name
         break
       fi

@@ -12,7 +12,7 @@ DEV = pathlib.Path(os.environ["ACECONV_SOURCE"]) / "dev"
 COMMON = ("bash", "dirname", "nproc", "cat", "env", "grep")
 FAKES = {
     "dpkg-query": 'for name; do :; done; grep -qx -- "$name" "$MACHINE/installed" && echo -n installed',
-    "apt-cache": 'grep -qx -- "$2" "$MACHINE/offered"',
+    "apt-cache": '[[ $1 != madison ]] || grep -x -- "$2" "$MACHINE/offered"',
     "apt-get": 'echo "${DEBIAN_FRONTEND-}" apt-get "$@" >>"$MACHINE/calls"\n'
                'if [[ $1 == update ]]; then cat "$MACHINE/mirror" >>"$MACHINE/offered"; exit; fi\n'
                '[[ ! -e $MACHINE/offline ]]',
@@ -21,10 +21,9 @@ FAKES = {
     "id": 'echo "$USER_ID"',
 }
 DEBIAN = ("dpkg-query", "apt-cache", "apt-get")
-BUILD, TEST = (subprocess.run(["bash", "-c", f'source scripts/packages.sh; echo "${{{task}_packages[@]}}"'],
+BUILD, ALL = (subprocess.run(["bash", "-c", f'source scripts/packages.sh; echo "${{{task}_packages[@]}}"'],
                               cwd=DEV.parent, check=True, capture_output=True, text=True).stdout.split()
-               for task in ("build", "test"))
-ALL = BUILD + TEST
+               for task in ("build", "all"))
 FIRST, SECOND = ([names.split("|")[at] for names in ALL] for at in (0, -1))
 GO_ON = ": install them or what they hold by other means, then go on with ACECONV_NO_INSTALL=1\n"
 INSTALL = "apt-get install -y -qq --no-install-recommends"
