@@ -82,6 +82,7 @@ void Writing::write_pages() const {
     page = {"aceconv-record", 5, "The record of an access-list entry and its encoding",
             read_sections(sources / "docs/record_format.md")};
     page.sections.front().title = "Description";
+    add_members(page);
     add_see_also(page, all);
     write(page);
     write_file(out / "completions/aceconv", bash_completion(command));

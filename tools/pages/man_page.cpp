@@ -4,6 +4,8 @@
 #include <cctype>
 #include <iterator>
 
+#include "compare/record_fields.h"
+
 namespace aceconv::pages {
 namespace {
 
@@ -100,6 +102,26 @@ void add_see_also(Page &page, const std::vector<std::string> &pages) {
         }
     }
     page.sections.push_back({see.title, see.body + "\n"});
+}
+
+void add_members(Page &page) {
+    Section members{
+        "Members",
+        "Beside the two masks; \\fBaceconv inspect\\fR shows where each lies. Paths begin "
+        "below an entry, those of UM below its action.\n"};
+    for (const RecordField &field : record_fields()) {
+        std::string bits = field.first_bit < 0 ? "" : ", bit " + bit_name(field.first_bit);
+        if (field.last_bit > field.first_bit) {
+            bits += " to " + bit_name(field.last_bit);
+        }
+        const auto leaf = [&field](Schema schema) {
+            const std::string path = field.leaf(schema) == nullptr ? "" : field.leaf(schema);
+            return path.empty() ? "none" : path == "." ? "the action itself" : bold(path);
+        };
+        members.body += ".TP\n" + bold(field.name) + bits + "\nbase: " + leaf(Schema::base) +
+                        "; UM: " + leaf(Schema::um) + "\n";
+    }
+    page.sections.push_back(members);
 }
 
 std::string man_page(Page page, const Edition &edition) {

@@ -28,6 +28,9 @@ void add_usage(Page &page, const std::string &called, const VerbEntry &verb);
 void add_verbs(Page &page, const CommandEntry &command);
 void add_see_also(Page &page, const std::vector<std::string> &pages);
 
+/// Adds the members of the record: the bits that mark them and their leaves in both schemas.
+void add_members(Page &page);
+
 /// The page in man(7), its sections in the customary order.
 std::string man_page(Page page, const Edition &edition);
 
