@@ -50,6 +50,7 @@ void JsonDocuments::take_acls() {
 void JsonDocuments::begin_list() {
     ++lists_;
     name_.reset();
+    before_list_ = ordinal_;
     seen_entries_ = false;
     first_ = true;
     due_ = before_list;
@@ -61,6 +62,9 @@ void JsonDocuments::next_member() {
     if (cursor_.accept('}')) {
         if (!name_) {
             throw StreamError(list_path(), "an access list without \"name\"");
+        }
+        if (ordinal_ == before_list_) {
+            empty_lists_.push_back({*name_, {name_line_, ordinal_}});
         }
         state_ = held_.empty() ? State::after_list : State::held;
         return;
@@ -90,6 +94,7 @@ void JsonDocuments::take_member() {
 
 void JsonDocuments::take_name() {
     std::string name = cursor_.string("the access list's name");
+    name_line_ = cursor_.line();
     if (const std::string fault = list_name_fault(name); !fault.empty()) {
         throw StreamError(list_path(), fault);
     }

@@ -89,6 +89,8 @@ class JsonDocuments : public Source {
     std::uint64_t ordinal_ = 0;
     std::uint64_t lists_ = 0;         // 0 outside of them
     std::optional<std::string> name_; // of the current list
+    std::uint64_t name_line_ = 0;
+    std::uint64_t before_list_ = 0; // entries
     bool seen_entries_ = false;
     std::set<std::string, std::less<>> names_;
     Spool held_; // entries of a list whose name is not known yet

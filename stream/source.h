@@ -7,6 +7,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/entry.h"
@@ -47,6 +48,12 @@ struct Entry {
     Bytes encoding = {};
 };
 
+/// A list in a document that has no entries, not even bad ones.
+struct EmptyList {
+    std::string acl;
+    Position position; // of its name
+};
+
 class Source {
   public:
     virtual ~Source() = default;
@@ -64,6 +71,12 @@ class Source {
 
     /// What stood around the entries so far.
     [[nodiscard]] virtual Surroundings surroundings() const { return {}; }
+
+    /// Those that were met since the last call.
+    std::vector<EmptyList> take_empty_lists() { return std::exchange(empty_lists_, {}); }
+
+  protected:
+    std::vector<EmptyList> empty_lists_;
 };
 
 /// Opens `path` ("-" is standard input). Format and schema are recognised from

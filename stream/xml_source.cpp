@@ -119,7 +119,10 @@ class XmlSource : public Source, private XmlInput {
         open_.push_back({place, line()});
         takes_text_ =
             place == Place::name || (place == Place::error_part && is_error_text(element.local));
-        lists_ += place == Place::acl ? 1 : 0;
+        if (place == Place::acl) {
+            ++lists_;
+            before_list_ = ordinal_;
+        }
         if (place == Place::entry) {
             begin_entry();
         } else if (place == Place::other) {
@@ -238,6 +241,7 @@ class XmlSource : public Source, private XmlInput {
             refuse("a second access list of the name '" + name + "'", open_.back().line);
         }
         name_ = std::move(name);
+        name_line_ = open_.back().line;
         releasing_ = !held_.empty();
         if (releasing_) {
             pause();
@@ -247,6 +251,9 @@ class XmlSource : public Source, private XmlInput {
     void end_list() {
         if (!name_) {
             refuse("an access list without \"name\"", open_.back().line);
+        }
+        if (ordinal_ == before_list_) {
+            empty_lists_.push_back({*name_, {name_line_, ordinal_}});
         }
         name_.reset();
     }
@@ -326,6 +333,8 @@ class XmlSource : public Source, private XmlInput {
 
     std::uint64_t lists_ = 0;
     std::optional<std::string> name_; // of the current list
+    std::uint64_t name_line_ = 0;
+    std::uint64_t before_list_ = 0; // entries
     bool takes_text_ = false;         // of a name, or of an error
     std::string text_;
     std::string error_;

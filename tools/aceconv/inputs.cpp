@@ -64,6 +64,12 @@ bool Inputs::next(Entry &entry) {
 }
 
 void Inputs::end_input() {
+    if (source_) {
+        for (EmptyList &list : source_->take_empty_lists()) {
+            list.position.input = at_;
+            empty_lists_.push_back(std::move(list));
+        }
+    }
     surroundings_ = surroundings();
     source_.reset();
     ++at_;

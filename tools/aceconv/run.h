@@ -33,6 +33,8 @@ class Run {
     [[nodiscard]] std::string file(const Position &position = {}) const {
         return shown_name(input_.paths[position.input]);
     }
+    /// The inputs' lists without entries, once they have been read.
+    [[nodiscard]] std::vector<EmptyList> empty_lists() { return source_.take_empty_lists(); }
     [[nodiscard]] bool several() const { return input_.paths.size() > 1; }
     /// What to call an entry on standard output, with its input if there are several.
     [[nodiscard]] std::string shown(const Entry &entry) const;
