@@ -5,10 +5,6 @@
 
 namespace aceconv {
 
-const char *const duplicate_rule = "duplicate";
-const char *const shadowed_rule = "shadowed";
-const char *const empty_list_rule = "empty-list";
-
 namespace {
 
 using Record = ipv4_acl_config_ace;
@@ -176,34 +172,32 @@ struct ProtocolMatch {
     const char *what;
     std::span<const std::uint8_t> protocols;
     const char *names;
-    bool one_needed; // it is of several protocols, and none tells which
+    bool one_needed; // to tell which of several protocols is meant
 };
 
-/// The matches of the entry are of no protocol that it names.
+/// The protocols of the entry are none of those that have what it compares.
 void check_protocol(const ProtocolMatch &match, const LintRule &rule, const LintSubject &entry,
                     LintWarnings &warnings) {
     const Compared found = compared_protocol(entry.record, entry.schema);
     if (!has(entry.record, match.marks)) {
         return;
     }
-    if (found.as == As::nothing && match.one_needed) {
+    const auto say = [&](const std::string &in, const char *end) {
         warn(rule, entry, warnings, nullptr,
-             std::string(match.what) + " compared in every protocol; only " + match.names +
-                 " have them");
-    }
-    const auto matched = [&](std::uint8_t protocol) {
+             std::string(match.what) + " compared in " + in + ", not in " + match.names + end);
+    };
+    const auto in_run = [&](std::uint8_t protocol) {
         return std::any_of(found.numbers.begin(), found.numbers.end(), [&](Interval run) {
             return run.contains({protocol, protocol});
         });
     };
-    if (found.as == As::numbers &&
-        std::none_of(match.protocols.begin(), match.protocols.end(), matched)) {
+    if (found.as == As::nothing && match.one_needed) {
+        say("every protocol", " alone");
+    } else if (found.as == As::numbers &&
+               std::none_of(match.protocols.begin(), match.protocols.end(), in_run)) {
         const Interval run = found.numbers[0];
         const bool one = run.first == run.last && found.numbers[1].empty();
-        warn(rule, entry, warnings, nullptr,
-             std::string(match.what) + " compared in " +
-                 (one ? "protocol " + std::to_string(run.first) : "other protocols") + "; only " +
-                 match.names + " has them");
+        say(one ? "protocol " + std::to_string(run.first) : "other protocols", "");
     }
 }
 
@@ -213,8 +207,7 @@ constexpr std::uint8_t igmp[] = {2};
 constexpr std::uint8_t tcp[] = {6};
 
 constexpr ProtocolMatch ports = {bit(4) | bit(5) | bit(9) | bit(10) | bit(49) | bit(50),
-                                 "ports are", with_ports, "TCP, UDP, DCCP, SCTP and UDP-Lite",
-                                 true};
+                                 "ports are", with_ports, "TCP, UDP, DCCP, SCTP or UDP-Lite", true};
 constexpr ProtocolMatch icmp_message = {bit(18) | bit(19), "an ICMP message is", icmp, "ICMP",
                                         false};
 constexpr ProtocolMatch igmp_type = {bit(12), "an IGMP message is", igmp, "IGMP", false};
@@ -230,7 +223,7 @@ void check_match(const LintRule &rule, const LintSubject &entry, LintWarnings &w
 
 void check_no_action(const LintRule &rule, const LintSubject &entry, LintWarnings &warnings) {
     if (!has_action(entry.record) && !is_remark(entry.record)) {
-        warn(rule, entry, warnings, "grant", "neither permits nor denies");
+        warn(rule, entry, warnings, "grant", "it neither permits nor denies");
     }
 }
 
@@ -266,14 +259,14 @@ constexpr LintRule rules[] = {
     {"reversed-range",     "The first value of a range is above its last one.", check_reversed_range},
     {"never-met",          "A number is compared that no packet can have.", check_never_met},
     {"incomplete",         "A comparison lacks its operator, a value or its address.", check_incomplete},
-    {"port-protocol",      "Ports are compared, and the protocol is none that has them, or not given.", check_match<ports>},
+    {"port-protocol",      "Ports are compared, and the protocol is not given or none of those that have them.", check_match<ports>},
     {"icmp-protocol",      "An ICMP message is compared in another protocol.", check_match<icmp_message>},
     {"igmp-protocol",      "An IGMP message is compared in another protocol.", check_match<igmp_type>},
     {"tcp-flags-protocol", "TCP flags are compared in another protocol.", check_match<tcp_flags>},
     {"no-action",          "The entry neither permits nor denies, and is more than a remark.", check_no_action},
-    {"duplicate",          "An earlier entry of the list says the same, remarks aside.", check_duplicate},
-    {"shadowed",           "An earlier entry of the list takes every packet that the entry matches.", check_shadowed},
-    {"empty-list",         "A list has no entries.", nullptr},
+    {duplicate_rule,       "An earlier entry of the list says the same, remarks aside.", check_duplicate},
+    {shadowed_rule,        "An earlier entry of the list takes every packet that the entry matches.", check_shadowed},
+    {empty_list_rule,      "A list has no entries.", nullptr},
 };
 // clang-format on
 

@@ -48,9 +48,9 @@ std::span<const LintRule> lint_rules();
 const LintRule *find_lint_rule(std::string_view name);
 
 /// Those that look at a list.
-extern const char *const duplicate_rule;
-extern const char *const shadowed_rule;
-extern const char *const empty_list_rule;
+constexpr const char *duplicate_rule = "duplicate";
+constexpr const char *shadowed_rule = "shadowed";
+constexpr const char *empty_list_rule = "empty-list";
 
 /// Whether it is a note in the list: neither compares packets nor does anything with them.
 bool is_remark(const ipv4_acl_config_ace &record);

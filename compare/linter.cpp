@@ -26,17 +26,28 @@ bool Linter::looks_at(const char *rule) const {
     return std::find(rules_.begin(), rules_.end(), find_lint_rule(rule)) != rules_.end();
 }
 
-void Linter::leave_input() {
-    partly_ = partly();
-    lists_.clear();
-    texts_ = {};
+/// The list of the entry. Those of documents come one after the other; encodings of several
+/// lists may be mixed.
+Linter::List &Linter::list_of(const Entry &entry) {
+    ListName name(*entry.key.acl, entry.position.before_list);
+    const auto found = lists_.find(name);
+    if (found != lists_.end() && entry.position.input == input_) {
+        return found->second;
+    }
+    if (entry.in_document || entry.position.input != input_) {
+        partly_ = partly();
+        lists_.clear();
+        texts_ = {};
+        input_ = entry.position.input;
+    }
+    return lists_.try_emplace(std::move(name), steps_).first->second;
 }
 
 std::vector<PartlyLinted> Linter::partly() const {
     std::vector<PartlyLinted> partly = partly_;
-    for (const auto &[acl, list] : lists_) {
+    for (const auto &[name, list] : lists_) {
         if (list.shadowing.unseen() != 0) {
-            partly.push_back({input_, acl, list.shadowing.unseen()});
+            partly.push_back({input_, name.first, list.shadowing.unseen()});
         }
     }
     return partly;
@@ -64,17 +75,12 @@ void Linter::compare(List &list, const Entry &entry, const ipv4_acl_config_ace &
 }
 
 LintWarnings Linter::look_at(const Entry &entry, Encoding encoding) {
-    if (entry.position.input != input_) {
-        leave_input();
-        input_ = entry.position.input;
-    }
     const DecodedRecord decoded(descriptor_, encoding);
     LintSubject subject{decoded.get(), entry.schema};
     if (!entry.key.acl) {
         ++without_list_;
     } else if (has_action(subject.record)) {
-        List &list = lists_.try_emplace(*entry.key.acl, steps_).first->second;
-        compare(list, entry, subject.record, subject);
+        compare(list_of(entry), entry, subject.record, subject);
     }
     LintWarnings warnings;
     for (const LintRule *rule : rules_) {

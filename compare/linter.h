@@ -1,8 +1,10 @@
 // Lists as lint goes through them, entry by entry.
 #pragma once
 
+#include <map>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "compare/lint_rules.h"
@@ -45,16 +47,19 @@ class Linter {
         std::unordered_map<std::string, std::uint32_t> contents; // entries by what they say
     };
 
+    /// And where it begins: documents of one input may have lists of one name.
+    using ListName = std::pair<std::string, std::uint64_t>;
+
+    List &list_of(const Entry &entry);
     void compare(List &list, const Entry &entry, const ipv4_acl_config_ace &record,
                  LintSubject &subject);
-    void leave_input();
 
     const bag_descriptor &descriptor_;
     const std::vector<const LintRule *> rules_;
     const std::uint64_t steps_;
     std::size_t input_ = 0;
-    std::unordered_map<std::string, List> lists_; // of this input
-    std::vector<PartlyLinted> partly_;            // of earlier ones
+    std::map<ListName, List> lists_;   // of this input
+    std::vector<PartlyLinted> partly_; // of what came before
     std::uint64_t without_list_ = 0;
     TextNumbers texts_;
 };

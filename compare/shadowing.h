@@ -26,7 +26,7 @@ namespace aceconv {
 
 class Shadowing {
   public:
-    static constexpr std::uint64_t max_steps = 4'000'000'000; // some ten seconds
+    static constexpr std::uint64_t max_steps = 1'000'000'000; // some fifteen seconds
 
     explicit Shadowing(std::uint64_t steps = max_steps) : steps_left_(steps) {}
 

@@ -147,6 +147,26 @@ std::string fault_row(const EntryPlace &place, const DataError &fault, const std
     return text_of(row);
 }
 
+std::string warning_row(const EntryPlace &place, const LintWarning &warning,
+                        const std::string &words) {
+    Json row = place_json(place);
+    row["rule"] = warning.rule->name;
+    if (!warning.leaf.empty()) {
+        row["leaf"] = warning.leaf;
+    }
+    row["text"] = warning.text;
+    if (const auto &earlier = warning.earlier) {
+        Json &other = row["earlier"] = {{"sequence", or_null(earlier->sequence)}};
+        add_position(other, {earlier->line, earlier->ordinal});
+    }
+    row["words"] = or_null(words);
+    return text_of(row);
+}
+
+std::string uncompared_row(const std::string &file, const std::string &acl, std::uint64_t entries) {
+    return text_of({{"file", file}, {"acl", acl}, {"entries", entries}});
+}
+
 std::string json_member(const std::string &name, const std::string &text) {
     return text_of(name) + ":" + text_of(text);
 }

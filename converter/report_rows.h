@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "compare/changes.h"
+#include "compare/lint_rules.h"
 #include "converter/work.h"
 #include "stream/source.h"
 
@@ -37,6 +38,13 @@ std::string difference_row(const ReportedEntry *a, const ReportedEntry *b, bool 
 
 /// A fault; `words` may be "".
 std::string fault_row(const EntryPlace &place, const DataError &fault, const std::string &words);
+
+/// A warning about an entry, or, if `words` is "", a list.
+std::string warning_row(const EntryPlace &place, const LintWarning &warning,
+                        const std::string &words);
+
+/// How many entries of a list came behind the last one that shadowing was looked for.
+std::string uncompared_row(const std::string &file, const std::string &acl, std::uint64_t entries);
 
 /// A member of an object, such as "a":"text" and "a":1.
 std::string json_member(const std::string &name, const std::string &text);

@@ -132,6 +132,7 @@ bool JsonDocuments::take_entry(Entry &entry) {
     describe(entry);
     const bool fits = cursor_.object(entry.text, max_entry_bytes, "an entry");
     entry.position = {cursor_.object_line(), ++ordinal_};
+    entry.position.before_list = before_list_;
     state_ = State::entries;
     std::optional<DataError> fault;
     if (!fits) {
@@ -156,6 +157,7 @@ bool JsonDocuments::release(Entry &entry) {
         return false;
     }
     entry.key.acl = name_;
+    entry.position.before_list = before_list_;
     return true;
 }
 

@@ -34,6 +34,9 @@ struct Position {
     std::uint64_t line = 0;
     std::uint64_t ordinal = 0; // counted from 1
     std::size_t input = 0;     // which of several inputs, counted from 0
+    // How many entries the input had before the list, which may have a namesake in another
+    // document; 0 of encodings.
+    std::uint64_t before_list = 0;
 };
 
 /// One entry: its text, or its encoding.

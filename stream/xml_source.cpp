@@ -287,6 +287,7 @@ class XmlSource : public Source, private XmlInput {
     bool take_entry(Entry &entry) {
         describe(entry);
         entry.position = {entry_line_, ++ordinal_};
+        entry.position.before_list = before_list_;
         entry.text.clear();
         const auto text = bytes(entry_begin_, entry_end_);
         if (text) {
@@ -312,6 +313,7 @@ class XmlSource : public Source, private XmlInput {
         describe(entry);
         releasing_ = held_.pop(entry);
         entry.key.acl = name_;
+        entry.position.before_list = before_list_;
         return releasing_;
     }
 
@@ -335,7 +337,7 @@ class XmlSource : public Source, private XmlInput {
     std::optional<std::string> name_; // of the current list
     std::uint64_t name_line_ = 0;
     std::uint64_t before_list_ = 0; // entries
-    bool takes_text_ = false;         // of a name, or of an error
+    bool takes_text_ = false;       // of a name, or of an error
     std::string text_;
     std::string error_;
     std::set<std::string, std::less<>> names_;

@@ -265,7 +265,7 @@ class Messages(Case):
         # What there is to say behind each verb and option, which takes some words.
         losses, common = ["--report", "--strict", "--no-losses"], [
             "--ignore-other-modules", "--keep-going", "--backend", "-j,--jobs", "-q,--quiet", "--progress", "--trace[=REGEX]"]
-        for verb, own in (("", ["encode", "decode", "inspect", "convert", "check", "diff", "help"]),
+        for verb, own in (("", ["encode", "decode", "inspect", "convert", "check", "diff", "lint", "help"]),
                           ("encode", ["INPUT", "--from-format", "--schema", "-o,--output",
                                       "--stored", "--no-labels", *losses, *common]),
                           ("decode", ["INPUT", "--from-format", "--schema", "-o,--output",
@@ -275,6 +275,8 @@ class Messages(Case):
                           ("convert", ["INPUT", "--from-format", "--schema", "--to",
                                        "-o,--output", "--format", *losses, *common]),
                           ("check", ["INPUT", "--from-format", "--schema", "--json", *losses, *common]),
+                          ("lint", ["INPUT", "--from-format", "--schema", "--rule", "--no-rule",
+                                    "--list-rules", "--json", "--strict", *common]),
                           ("diff", ["A", "B", "--schema", "--schema-a", "--schema-b", "--json", *losses,
                                     *common])):
             shown = self.ok(*verb.split(), "--help").decode()

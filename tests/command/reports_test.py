@@ -76,6 +76,14 @@ class Reports(Case):
                          ["30 deny any any"])
         self.valid("diff", self.ok("diff", "--json", other, other))
 
+    def test_lint(self):
+        twice = document("base", ("X", numbered({"grant": "deny"}, {"grant": "deny", "protocol": "tcp"})), ("Y", []))
+        told = self.valid("lint", self.ok("lint", "-q", "--json", stdin=twice))
+        self.assertEqual([row["rule"] for row in told["warnings"]], ["shadowed", "empty-list"])
+        self.assertEqual(told["warnings"][0]["earlier"], {"sequence": 10, "line": 1})
+        code, out, _ = self.run_command("lint", "--json", stdin='{"grant":"x"}')
+        self.assertEqual((code, self.valid("lint", out)["stopped"]), (2, True))
+
     def test_inspect(self):
         for path in sorted(EXAMPLES.glob("*.json")):
             for line in self.ok("inspect", "--json", "--no-losses", path).splitlines():

@@ -20,8 +20,8 @@ namespace {
 constexpr const char *footer =
     "Formats: json (a document, or entries as objects), ndjson (an entry a line), xml, and cbor,\n"
     "a sequence of encodings. Input is recognised from its first bytes.\n"
-    "Exit codes: 0 done; 1 diff or check found a difference, or something was lost under "
-    "--strict;\n"
+    "Exit codes: 0 done; 1 diff or check found a difference, or something was lost or warned of "
+    "under --strict;\n"
     "2 bad data or usage; 3 input or output failed. The largest counts.\n"
     "aceconv help VERB tells a verb's options.";
 

@@ -183,6 +183,16 @@ Options options_of(DiffOptions &diff) {
          loss_options(diff.losses)});
 }
 
+Options options_of(LintOptions &lint) {
+    return joined(
+        {input_options(lint.input),
+         {{"--rule", "NAMES", "Look at these rules alone, separated by commas", &lint.only},
+          {"--no-rule", "NAMES", "Leave these rules out", &lint.without},
+          {"--list-rules", "", "Show the rules and what they mean", &lint.list_rules},
+          {"--json", "", "Write the warnings as one JSON object", &lint.json},
+          {"--strict", "", "Exit with 1 when there are warnings", &lint.strict}}});
+}
+
 /// What runs `run` with options of its own and the common ones.
 template <class Own, int (*run)(const Own &)>
 Call call(CommonOptions &common) {
@@ -209,6 +219,8 @@ constexpr Verb verbs[] = {
      "Compare two inputs, of either schema or encodings, entry by entry and field by field; the "
      "order of entries does not matter",
      call<DiffOptions, run_diff>},
+    {"lint", "Warn of what no router can mean, and of entries that never take effect",
+     call<LintOptions, run_lint>},
     {"help", "Show what the command, or a verb of it, does and takes", call_help},
 };
 

@@ -64,6 +64,16 @@ struct DiffOptions {
 };
 int run_diff(const DiffOptions &options);
 
+struct LintOptions {
+    CommonOptions common;
+    InputOptions input;
+    std::string only, without; // names of rules, which commas separate
+    bool list_rules = false;   // and nothing else
+    bool strict = false;       // any warning makes the exit code exit_verdict
+    bool json = false;
+};
+int run_lint(const LintOptions &options);
+
 /// The version, and what is loaded from where.
 int show_version(const CommonOptions &options);
 
