@@ -32,17 +32,14 @@ cannot_install() { # reason
   exit 1
 }
 
-is_installed() {
-  [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
-}
-
 # The packages of "$@" that are not installed, in `missing`.
 find_missing() {
-  local names name
+  local names name installed
+  installed=$'\n'$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' 2>/dev/null || true)$'\n'
   missing=()
   for names in "$@"; do
     for name in ${names//|/ }; do
-      is_installed "$name" && continue 2
+      [[ $installed != *$'\n'"installed $name"$'\n'* ]] || continue 2
     done
     missing+=("$names")
   done
@@ -52,6 +49,7 @@ find_missing() {
 choose_names() {
   local at name
   for at in "${!missing[@]}"; do
+    [[ ${missing[at]} == *'|'* ]] || continue
     for name in ${missing[at]//|/ }; do
       # Not `show`, which knows names that others only stand in for.
       if [[ $(apt-cache madison "$name" 2>/dev/null) ]]; then
@@ -63,7 +61,7 @@ choose_names() {
 }
 
 # Installs what is missing of the named packages. With ACECONV_NO_INSTALL=1 nothing is
-# installed: what lacks is named, and the build shows whether it is there all the same.
+# installed: what is lacking is named, and the build shows whether it is there all the same.
 need() {
   local missing root=()
   find_missing "$@"

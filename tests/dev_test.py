@@ -11,7 +11,7 @@ DEV = pathlib.Path(os.environ["ACECONV_SOURCE"]) / "dev"
 # Each machine has the programs that it names, and these.
 COMMON = ("bash", "dirname", "nproc", "cat", "env", "grep")
 FAKES = {
-    "dpkg-query": 'for name; do :; done; grep -qx -- "$name" "$MACHINE/installed" && echo -n installed',
+    "dpkg-query": 'while read -r name; do echo "installed $name"; done <"$MACHINE/installed"',
     "apt-cache": '[[ $1 != madison ]] || grep -x -- "$2" "$MACHINE/offered"',
     "apt-get": 'echo "${DEBIAN_FRONTEND-}" apt-get "$@" >>"$MACHINE/calls"\n'
                'if [[ $1 == update ]]; then cat "$MACHINE/mirror" >>"$MACHINE/offered"; exit; fi\n'
