@@ -99,6 +99,12 @@ RecordMarks make() {
 
 } // namespace
 
+Marks marks_of(const RecordField &field) {
+    Marks marks;
+    add(marks, field);
+    return marks;
+}
+
 const RecordMarks &record_marks() {
     static const RecordMarks marks = make();
     return marks;

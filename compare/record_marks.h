@@ -50,6 +50,9 @@ struct RecordMarks {
 
 const RecordMarks &record_marks();
 
+/// The bits that mark one field.
+Marks marks_of(const RecordField &field);
+
 /// Operators, ways to match flags, and types of next hops.
 constexpr std::uint8_t equal_code = 1;
 constexpr std::uint8_t not_equal_code = 4;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <arpa/inet.h>
 #include <bit>
-#include <bitset>
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
@@ -60,16 +59,16 @@ FieldType type_of(const std::string &described) {
 /// Whether the member has a byte that is not zero.
 bool is_set(const ipv4_acl_config_ace &record, const BagMember &member) {
     const auto *at = reinterpret_cast<const std::uint8_t *>(&record) + member.offset;
-    return std::any_of(at, at + member.width, [](std::uint8_t byte) { return byte != 0; });
+    return member.width <= sizeof(std::uint64_t) && std::has_single_bit(member.width)
+               ? load_number(at, member.width) != 0
+               : std::any_of(at, at + member.width, [](std::uint8_t byte) { return byte != 0; });
 }
 
-bool is_marked(const std::bitset<mask_bits> &bits, const RecordField &field) {
-    for (int bit = field.first_bit; bit >= 0 && bit <= field.last_bit; ++bit) {
-        if (bits.test(static_cast<std::size_t>(bit))) {
-            return true;
-        }
+/// Adds the bits of one of the two masks, whose first one is called `first`.
+void add_bits(std::uint64_t mask, int first, std::vector<int> &bits) {
+    for (; mask != 0; mask &= mask - 1) {
+        bits.push_back(first + std::countr_zero(mask));
     }
-    return false;
 }
 
 /// Reads the value of a member; whether it is anything but zero.
@@ -128,6 +127,7 @@ RecordView::RecordView(const bag_descriptor &descriptor) : members_(bag_members(
             throw IoError("the plug-in's record has an unknown field " + member.name);
         }
         const RecordField &field = *fields_.back();
+        marks_.push_back(marks_of(field));
         for (int bit = field.first_bit; bit >= 0 && bit <= field.last_bit; ++bit) {
             marked_.at(static_cast<std::size_t>(bit)) = {member.offset, member.width};
         }
@@ -139,46 +139,43 @@ RecordView::RecordView(const bag_descriptor &descriptor) : members_(bag_members(
 
 std::vector<FieldValue> RecordView::describe(const ipv4_acl_config_ace &record,
                                              Schema schema) const {
-    std::bitset<mask_bits> bits(record.ConfigurationMask2);
-    bits = bits << second_mask | std::bitset<mask_bits>(record.ConfigurationMask);
+    Marks left{record.ConfigurationMask, record.ConfigurationMask2};
     std::vector<FieldValue> shown;
+    shown.reserve(members_.size() / 2); // of most records
     for (std::size_t i = 0; i < members_.size(); ++i) {
         const BagMember &member = members_[i];
-        const RecordField &field = *fields_[i];
-        if (!is_set(record, member) && !is_marked(bits, field)) { // most of them
+        const Marks marks{left.first & marks_[i].first, left.second & marks_[i].second};
+        const bool marked = (marks.first | marks.second) != 0;
+        if (!marked && !is_set(record, member)) { // most of them
             continue;
         }
-        FieldValue value;
+        FieldValue &value = shown.emplace_back();
         value.name = member.name;
-        value.field = &field;
+        value.field = fields_[i];
         value.offset = member.offset;
         value.width = member.width;
         value.schema = schema;
-        for (int bit = field.first_bit; bit >= 0 && bit <= field.last_bit; ++bit) {
-            if (bits.test(static_cast<std::size_t>(bit))) {
-                value.bits.push_back(bit);
-                bits.reset(static_cast<std::size_t>(bit));
-            }
-        }
+        add_bits(marks.first, 0, value.bits);
+        add_bits(marks.second, second_mask, value.bits);
+        left.first &= ~marks.first;
+        left.second &= ~marks.second;
         const bool nonzero = read_value(record, member, value);
-        if (value.bits.empty() && !nonzero) {
-            continue;
-        }
-        if (value.bits.empty()) {
+        if (!marked && !nonzero) {
+            shown.pop_back();
+        } else if (!marked) {
             value.note = "not marked present";
         }
-        shown.push_back(std::move(value));
     }
-    for (std::size_t bit = 0; bit < bits.size(); ++bit) {
-        if (bits.test(bit)) {
-            FieldValue value{};
-            value.name = "bit " + bit_name(static_cast<int>(bit));
-            value.bits = {static_cast<int>(bit)};
-            value.note = is_next_hop_bit(static_cast<int>(bit))
-                             ? "next hop " + std::to_string(bit - 40) + " is configured"
-                             : "marks no field";
-            shown.push_back(std::move(value));
-        }
+    std::vector<int> bits;
+    add_bits(left.first, 0, bits);
+    add_bits(left.second, second_mask, bits);
+    for (const int bit : bits) {
+        FieldValue &value = shown.emplace_back();
+        value.name = "bit " + bit_name(bit);
+        value.bits = {bit};
+        value.note = is_next_hop_bit(bit)
+                         ? "next hop " + std::to_string(bit - 40) + " is configured"
+                         : "marks no field";
     }
     return shown;
 }

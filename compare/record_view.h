@@ -9,6 +9,7 @@
 #include "compare/changes.h"
 #include "compare/decoded_record.h"
 #include "compare/record_fields.h"
+#include "compare/record_marks.h"
 #include "host/bag_library.h"
 
 namespace aceconv {
@@ -23,11 +24,11 @@ enum class FieldType : std::uint8_t {
 };
 
 struct FieldValue {
-    std::string name;         // of the member; "bit 42" for a bit that marks no member
-    const RecordField *field; // null for such a bit
-    std::vector<int> bits;    // presence bits that are set
-    std::size_t offset = 0;   // bytes
-    std::size_t width = 0;    // bytes; 0 for such a bit
+    std::string name;                   // of the member; "bit 42" for a bit that marks no member
+    const RecordField *field = nullptr; // null for such a bit
+    std::vector<int> bits;              // presence bits that are set
+    std::size_t offset = 0;             // bytes
+    std::size_t width = 0;              // bytes; 0 for such a bit
     FieldType type = FieldType::bit;
     Schema schema = Schema::base;    // whose names the value has
     std::uint64_t number = 0;        // an address as it lies in the record
@@ -87,6 +88,7 @@ class RecordView {
     };
     std::vector<BagMember> members_;
     std::vector<const RecordField *> fields_; // of the members
+    std::vector<Marks> marks_;                // of the members
     std::array<Place, mask_bits> marked_;     // by bit; empty for a bit without a member
 };
 
