@@ -5,6 +5,7 @@
 build_packages=(
   g++ cmake ninja-build pkg-config libsafec-dev 'libyang2-dev|libyang-dev' libcbor-dev
   libexpat1-dev libcli11-dev nlohmann-json3-dev libsimdjson-dev libmd4c-dev
+  python3-dev pybind11-dev
 )
 test_packages=(
   libgtest-dev python3 python3-jsonschema 'libyang2-tools|libyang3-tools' binutils parallel
@@ -21,7 +22,7 @@ bench_packages=(
 cross_packages=(
   gcc-aarch64-linux-gnu g++-aarch64-linux-gnu cmake ninja-build pkg-config binutils mmdebstrap
 )
-package_packages=(dpkg-dev debhelper fakeroot lintian)
+package_packages=(dpkg-dev debhelper dh-python fakeroot lintian)
 cluster_packages=(slurm-wlm slurmctld slurmd munge python3-distributed)
 fuzz_packages=(clang libclang-rt-dev)
 

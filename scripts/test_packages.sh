@@ -17,7 +17,8 @@ trap clean_up EXIT
 
 mkdir "$work/source"
 git archive HEAD | tar -x -C "$work/source"
-mmdebstrap --quiet --variant=apt --include=dpkg-dev --skip=cleanup/apt/lists bookworm "$work/root"
+mmdebstrap --quiet --variant=apt --include=dpkg-dev --dpkgopt=force-unsafe-io \
+  --skip=cleanup/apt/lists bookworm "$work/root"
 mount -t proc proc "$work/root/proc"
 rm -rf "$packages/tests"
 autopkgtest --no-built-binaries --output-dir="$packages/tests" "$packages"/*.deb "$work/source/" -- \
