@@ -122,8 +122,18 @@ def of_plugin(instructions):
                      wanted, stretch, {schema: instructions[f"{verb}-{schema}/typical"]})
 
 
-def target_table(results, cold, instructions):
+def of_python(ratios):
+    """ratios: what python_speed.py measured, by schema."""
+    for name, what, wanted in (
+        ("batch", "Python, encode_many against the command's encode", 1.3),
+        ("round trip", "Python, dict to bag to dict against json's own round trip", 3),
+    ):
+        yield Target(what, "", wanted, None,
+                     {schema: ratios[schema][name] for schema in SCHEMAS})
+
+
+def target_table(results, cold, instructions, in_python):
     targets = [*in_time(results[LARGE]), *of_cold_start(cold), *of_growth(results),
-               *of_memory(results), *of_plugin(instructions)]
+               *of_memory(results), *of_plugin(instructions), *of_python(in_python)]
     return table(["", "Before", "Wanted", "Stretch", "Base", "UM", ""],
                  [target.cells() for target in targets])

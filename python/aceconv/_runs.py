@@ -12,13 +12,13 @@ from itertools import islice
 from typing import IO, TYPE_CHECKING, Any, TypeAlias
 
 from . import _converter
-from ._types import AceconvError, DataError, Entry, InputError, Loss, Tally, UsageError
+from ._types import AceconvError, Entry, Loss, LossError, Tally, UsageError
 
 if TYPE_CHECKING:
     from ._converter import Converter, EntryLike
 
 _ENCODE, _DECODE, _CONVERT, _READ = 1, 2, 3, 6
-_NDJSON, _BARE_CBOR = 2, 5
+_BARE_CBOR = 5
 _CHUNK = 4096  # entries that a call of encode_many converts at once, for each thread
 _WAITING = 8   # batches that iter_entries reads ahead
 _MOST_JOBS = 256
@@ -28,13 +28,8 @@ Source: TypeAlias = "str | os.PathLike[str] | int | bytes | IO[bytes]"
 OnFault: TypeAlias = "Callable[[Exception], object] | None"
 
 
-def _is_line(text: bytes) -> bool:
-    return text[:1] == b"{" and b"\n" not in text and b"\r" not in text
-
-
-def _bytes_of(entry: EntryLike) -> bytes:
-    taken, _ = _converter._taken(entry)
-    return taken.encode() if isinstance(taken, str) else bytes(taken)
+def _text_of(entry: EntryLike) -> Any:
+    return entry if type(entry) in (bytes, str) else _converter._taken(entry)[0]
 
 
 def encode_many(converter: Converter, entries: Iterable[EntryLike], schema: str | None,
@@ -46,9 +41,18 @@ def encode_many(converter: Converter, entries: Iterable[EntryLike], schema: str 
     def encoded() -> Iterator[Any]:
         rest, first = iter(entries), 1
         while chunk := list(islice(rest, _CHUNK * jobs)):
-            bags, lossy = _encode_lines(converter, chunk, code, jobs)
+            # What one entry tells of its schema holds for those behind it in a batch.
+            bags: list[bytes | None] = [None] * len(chunk)
+            all_good = False
+            if code or converter._schema:
+                bags, all_good = converter._native.encode_lines(list(map(_text_of, chunk)), code,
+                                                                jobs)
+            if all_good:
+                yield from bags
+                first += len(chunk)
+                continue
             for at, bag in enumerate(bags):
-                if bag is not None and at not in lossy:
+                if bag is not None:
                     yield bag
                     continue
                 # The call for one entry says what is wrong, or lost, or that nothing is.
@@ -56,43 +60,13 @@ def encode_many(converter: Converter, entries: Iterable[EntryLike], schema: str 
                     yield converter.encode(chunk[at], schema=schema)
                 except AceconvError as fault:
                     fault.ordinal, fault.line = first + at, None
-                    if on_fault is None or not isinstance(fault, (DataError, InputError)):
+                    if on_fault is None or isinstance(fault, LossError):
                         raise
                     on_fault(fault)
                     yield None
             first += len(chunk)
 
     return encoded()
-
-
-def _encode_lines(converter: Converter, chunk: list[EntryLike], schema: int,
-                  jobs: int) -> tuple[list[bytes | None], set[int]]:
-    """The bags of the entries that stand on one line each, None for others and bad ones; and
-    which of them lose something. Where no schema is named no entry is among them: what one tells
-    would hold for the others too."""
-    bags: list[bytes | None] = [None] * len(chunk)
-    if not schema and not converter._schema:
-        return bags, set()
-    places, lines = [], []
-    for at, entry in enumerate(chunk):
-        if _is_line(text := _bytes_of(entry)):
-            places.append(at)
-            lines.append(text)
-    counts = [0] * len(lines)
-    lossy = set()
-
-    def take(batch: list[Any]) -> None:
-        for bag, _, _, _, line, _ in batch:
-            counts[line - 1] += 1
-            bags[places[line - 1]] = bag
-
-    converter._native.run(_ENCODE, _NDJSON, schema, 0, _BARE_CBOR, jobs, b"\n".join(lines), -1, take,
-                          lambda loss: lossy.add(places[(loss.line or 0) - 1]), lambda fault: None,
-                          None)
-    for at, count in zip(places, counts):
-        if count != 1:
-            bags[at] = None
-    return bags, lossy
 
 
 class _Stopped(Exception):

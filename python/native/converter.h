@@ -50,6 +50,11 @@ class Converter {
     py::list diff(py::handle before, int before_format, py::handle after, int after_format,
                   int schema);
 
+    /// Encodes the texts of `entries` that stand on one line each. Returns a list with the bag
+    /// of each, or None where it is for `encode` to say what the entry lacks or loses,
+    /// and whether there is no such one.
+    py::tuple encode_lines(const py::list &entries, int schema, unsigned jobs);
+
     /// Entries of `source`, bytes or the number of a file open for reading, through a verb. The
     /// output goes to the open file `sink` unless that is -1. What `on_entries` takes is
     /// a list of (product, list, sequence, schema, line, ordinal), a batch at a time; on_losses

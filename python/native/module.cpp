@@ -22,6 +22,7 @@ PYBIND11_MODULE(_native, module) {
         .def("check", &Converter::check, "entry"_a, "format"_a, "schema"_a)
         .def("diff", &Converter::diff, "before"_a, "before_format"_a, "after"_a, "after_format"_a,
              "schema"_a)
+        .def("encode_lines", &Converter::encode_lines, "entries"_a, "schema"_a, "jobs"_a)
         .def("run", &Converter::run, "verb"_a, "from_format"_a, "schema"_a, "to"_a, "format"_a,
              "jobs"_a, "source"_a, "sink"_a, "on_entries"_a, "on_losses"_a, "on_fault"_a,
              "on_tick"_a);
