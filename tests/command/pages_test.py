@@ -11,7 +11,7 @@ from harness import ACECONV, EXAMPLES, TIMES, Case
 
 PAGES = pathlib.Path(os.environ["ACECONV_BUILD"]) / "pages"
 VERBS = re.findall(r"(?m)^  (\w+) {3}", subprocess.run(
-    [ACECONV, "--help"], check=True, capture_output=True, text=True).stdout.split("Subcommands:")[1])
+    [ACECONV, "--help"], check=True, capture_output=True, text=True).stdout.split("Verbs:")[1])
 ESCAPES = {r"\-": "-", r"\e": "\\", r"\(aq": "'", r"\(ga": "`", r"\(ha": "^", r"\(ti": "~", r"\&": ""}
 
 

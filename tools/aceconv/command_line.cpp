@@ -23,7 +23,7 @@ constexpr const char *footer =
     "Exit codes: 0 done; 1 diff or check found a difference, or something was lost or warned of "
     "under --strict;\n"
     "2 bad data or usage; 3 input or output failed. The largest counts.\n"
-    "aceconv help VERB tells a verb's options.";
+    "aceconv help VERB tells a verb's options; man aceconv-VERB shows examples.";
 
 /// Shows an option by the first of its long names, and what its value may be.
 class HelpText : public CLI::Formatter {
@@ -116,11 +116,13 @@ struct CommandLine {
     /// than an entry to convert.
     explicit CommandLine(const Arguments &arguments) {
         app.footer(footer);
-        app.formatter(std::make_shared<HelpText>());
+        const auto help_text = std::make_shared<HelpText>();
+        help_text->label("SUBCOMMAND", "VERB");
+        app.formatter(help_text);
         app.require_subcommand(0, 1);
         add_options(app, general_options(common));
         for (const Verb &row : verb_table()) {
-            CLI::App *verb = app.add_subcommand(row.name, row.help);
+            CLI::App *verb = app.add_subcommand(row.name, row.help)->group("Verbs");
             if (std::find(arguments.begin(), arguments.end(), row.name) != arguments.end()) {
                 Call call = row.call(common);
                 add_options(*verb, call.options);
