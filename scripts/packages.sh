@@ -8,7 +8,7 @@ build_packages=(
   python3-dev pybind11-dev
 )
 test_packages=(
-  libgtest-dev python3 python3-jsonschema 'libyang2-tools|libyang3-tools' binutils parallel
+  libgtest-dev python3 python3-jsonschema libxml2-utils 'libyang2-tools|libyang3-tools' binutils parallel
   python3-pytest python3-hypothesis python3-ncclient mandoc bash-completion zsh fish
 )
 python_packages=(python3-dev pybind11-dev) # for the Python package

@@ -158,7 +158,7 @@ void Output::put_in_place() {
     placed_ = true;
 }
 
-void Output::commit(std::initializer_list<Output *> outputs) {
+void Output::commit(const std::vector<Output *> &outputs) {
     for (Output *output : outputs) {
         if (output != nullptr) {
             output->complete();

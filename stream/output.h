@@ -2,10 +2,10 @@
 // only when it is complete.
 #pragma once
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
+#include <vector>
 
 namespace aceconv {
 
@@ -41,7 +41,7 @@ class Output final : public Taker {
     void flush();
     /// Puts files in their places, none before they are all complete on the disk, and
     /// the first one first; null stands for none. Only destruction may follow.
-    static void commit(std::initializer_list<Output *> outputs);
+    static void commit(const std::vector<Output *> &outputs);
     void commit() { commit({this}); }
 
     /// Written where readers can see it already, so what is there should be whole.

@@ -264,7 +264,8 @@ class Messages(Case):
         self.assertRegex(version, r"(?m)^record  ipv4_acl_config_ace [0-9a-f]{16}\nmodules /.*/yang$")
         # What there is to say behind each verb and option, which takes some words.
         losses, common = ["--report", "--strict", "--no-losses"], [
-            "--ignore-other-modules", "--keep-going", "--backend", "-j,--jobs", "-q,--quiet", "--progress", "--trace[=REGEX]"]
+            "--ignore-other-modules", "--keep-going", "--errors", "--junit",
+            "--backend", "-j,--jobs", "-q,--quiet", "--progress", "--trace[=REGEX]"]
         for verb, own in (("", ["encode", "decode", "inspect", "convert", "check", "diff", "lint", "help"]),
                           ("encode", ["INPUT", "--from-format", "--schema", "-o,--output",
                                       "--stored", "--no-labels", *losses, *common]),

@@ -1,6 +1,8 @@
 """What the command reports to programs, against the schemas in docs/."""
 import json
+import subprocess
 import unittest
+import xml.etree.ElementTree
 
 import jsonschema
 
@@ -83,6 +85,55 @@ class Reports(Case):
         self.assertEqual(told["warnings"][0]["earlier"], {"sequence": 10, "line": 1})
         code, out, _ = self.run_command("lint", "--json", stdin='{"grant":"x"}')
         self.assertEqual((code, self.valid("lint", out)["stopped"]), (2, True))
+
+    def test_errors_and_test_report(self):
+        name = "a<\u202e&\"]]>\ufffd"
+        lossy = self.file("lossy", document("um", (name, numbered(LOSSY)), ("good", numbered({"deny": {}}))))
+        bad = self.file("bad", '{"permit":{}}\n{"permit":{"protocol":"\u001b<&"}}\n{"deny":{"log":1}}\n')
+        bare = self.file("bare", self.ok("encode", "--no-labels", stdin='{"grant":"permit"}')[:-1] + b"\7")
+        errors, junit = self.dir / "errors", self.dir / "junit"
+        base = self.file("base", document("um", (name, numbered({"permit": {}}))))
+        keep = ("--keep-going", lossy, bad)
+        for call, files, code, faults, cases in (
+                # of each case: its list, what is wrong, and how often
+                (("check",), keep, 2, 2, [(name, "failure", 1), ("good", "", 0), ("(no list)", "error", 2)]),
+                (("convert", "--to", "base"), (lossy,), 0, 0, [(name, "", 0), ("good", "", 0)]),
+                (("convert", "--to", "base", "--strict"), (lossy,), 1, 0,
+                 [(name, "failure", 4), ("good", "", 0)]),
+                (("encode", "-o", "/dev/null"), (lossy, bad), 2, 1,
+                 [(name, "", 0), ("good", "", 0), ("(no list)", "error", 1)]),
+                (("decode",), (bare,), 2, 1, [("(no list)", "error", 1)]),
+                (("inspect", "--json"), keep, 2, 2, [(name, "", 0), ("good", "", 0), ("(no list)", "error", 2)]),
+                (("lint",), (base,), 0, 0, [(name, "", 0)]),
+                (("diff",), (lossy, base), 1, 0, [(name, "failure", 1), ("good", "failure", 1)])):
+            with self.subTest(call=call):
+                self.assertEqual(self.run_command(*call, "--errors", errors, "--junit", junit, *files)[0], code)
+                told = [self.valid("fault", line) for line in errors.read_text().splitlines()]
+                self.assertEqual(len(told), faults)
+                subprocess.run(["xmllint", "--noout", "--nonet", "--schema",
+                                EXAMPLES.parent / "docs/schemas/junit.xsd", junit],
+                               check=True, stderr=subprocess.DEVNULL)
+                suite = xml.etree.ElementTree.parse(junit).getroot()
+                found = []
+                for case in suite.iter("testcase"):
+                    list_name = case.get("name").replace("\\xe2\\x80\\xae", "\u202e")
+                    wrong = [(part.tag, len(part.text.splitlines())) for part in case]
+                    found += [(list_name, *(wrong[0] if wrong else ("", 0)))]
+                self.assertEqual(found, cases)
+                self.assertEqual([int(suite.get(count)) for count in ("tests", "failures", "errors")],
+                                 [len(cases), *(sum(row[1] == kind for row in cases)
+                                                for kind in ("failure", "error"))])
+        self.run_command("check", "--errors", errors, *keep)
+        told = [json.loads(line) for line in errors.read_text().splitlines()]
+        self.assertEqual([(row["file"], row["line"]) for row in told], [(bad, 2), (bad, 3)])
+        self.assertIn("/deny/log", told[1]["path"])
+        self.run_command("decode", "--errors", errors, bare)
+        self.assertEqual(json.loads(errors.read_text())["words"], "no-action any any [grant=7]")
+        self.ok("check", "-q", "--errors", errors, base)  # what a program looks at is never of another run
+        self.assertEqual(errors.read_text(), "")
+        for call in (("check", "--errors", base, base), ("check", "--errors", junit, "--junit", junit, base),
+                     ("diff", "--junit", base, lossy, base)):
+            self.assertEqual(self.run_command(*call)[0], 2)
 
     def test_inspect(self):
         for path in sorted(EXAMPLES.glob("*.json")):

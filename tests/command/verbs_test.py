@@ -382,7 +382,8 @@ class Formats(Case):
         code, encoded, err = self.run_command("encode", "-q", "--keep-going", "--stored", kept,
                                               stdin=base("X"))
         self.assertEqual((code, err), (2, f"aceconv: {kept}:#2: acl 'X' entry 20: a second encoding "
-                                          "under this label\n"))
+                                          "under this label; the entry: 20 permit any any udf "
+                                          "\"offset-a\" 0x1f/0xff\n"))
         self.assertEqual([False, True], ["UDF" in [f["name"] for f in r["fields"]]
                                          for r in self.records(stdin=encoded)])
 

@@ -31,8 +31,10 @@ bool losses_wanted(const LossOptions &options) {
     return !options.unsaid || options.strict || !options.report.empty();
 }
 
-ReaderGone reader_gone(const LossOptions &options) {
-    return options.strict || !options.report.empty() ? ReaderGone::is_ignored : ReaderGone::ends;
+ReaderGone reader_gone(const LossOptions &options, const CommonOptions &common) {
+    const bool told = options.strict || !options.report.empty() || !common.errors.empty() ||
+                      !common.junit.empty();
+    return told ? ReaderGone::is_ignored : ReaderGone::ends;
 }
 
 LossAccount::LossAccount(const LossOptions &options, const std::string &about, Run &run)
@@ -47,18 +49,26 @@ LossAccount::~LossAccount() = default;
 
 void LossAccount::add(const Entry &entry, const Product &product) {
     if (!product.changes.empty()) {
-        count(entry, product);
-        say_losses(run_.file(entry.position), entry, product);
+        const std::string file = run_.file(entry.position);
+        note(run_.several() ? file : "", entry, product);
+        run_.findings().add_losses(file, entry, product, options_.strict);
+        say_losses(file, entry, product);
     }
 }
 
 void LossAccount::add(const std::string &file, const Entry &entry, const Product &product) {
     note(file, entry, product);
+    run_.findings().add_losses(file, entry, product, options_.strict);
     say_losses(file, entry, product);
 }
 
 void LossAccount::count(const Entry &entry, const Product &product) {
-    note(run_.several() ? run_.file(entry.position) : "", entry, product);
+    if (product.changes.empty()) {
+        return;
+    }
+    const std::string file = run_.file(entry.position);
+    note(run_.several() ? file : "", entry, product);
+    run_.findings().add_losses(file, entry, product, true);
 }
 
 /// `file` is empty where it need not be named.

@@ -14,9 +14,9 @@ namespace aceconv::tool {
 /// Whether anyone asks for losses; where no one does they need not be found.
 bool losses_wanted(const LossOptions &options);
 
-/// What the end of the output's reader means: the exit code or the report may still tell
+/// What the end of the output's reader means: the exit code or another file may still tell
 /// of losses.
-ReaderGone reader_gone(const LossOptions &options);
+ReaderGone reader_gone(const LossOptions &options, const CommonOptions &common);
 
 class LossAccount {
   public:
@@ -29,7 +29,7 @@ class LossAccount {
     void add(const Entry &entry, const Product &product);
     /// The same of an entry of another file than the run's inputs.
     void add(const std::string &file, const Entry &entry, const Product &product);
-    /// Like the first, but says nothing: for a verb whose output they are.
+    /// Like the first, but says nothing: for a verb whose output they are, so that it fails.
     void count(const Entry &entry, const Product &product);
 
     /// The report, with its end written; null when there is none, or the run has stopped.

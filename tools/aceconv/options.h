@@ -24,6 +24,8 @@ struct CommonOptions {
     bool keep_going = false;
     bool quiet = false; // no progress, no summary
     bool progress = false;
+    std::string errors; // a file to list the faults in; empty: none
+    std::string junit;  // a file for a test report; empty: none
 };
 
 struct InputOptions {

@@ -87,11 +87,16 @@ std::string shown_place(const std::string &file, const Position &position, const
     return text + " " + (who.empty() ? "" : who + ": ");
 }
 
+std::string fault_text(const std::string &file, const Entry &entry, const DataError &fault,
+                       const std::string &words) {
+    return shown_place(file, entry.position, entry.key) +
+           (fault.path().empty() ? "" : fault.path() + ": ") + fault.what() +
+           (words.empty() ? "" : "; the entry: " + words);
+}
+
 void say_fault(const std::string &file, const Entry &entry, const DataError &fault,
                const std::string &words) {
-    say_error(shown_place(file, entry.position, entry.key) +
-              (fault.path().empty() ? "" : fault.path() + ": ") + fault.what() +
-              (words.empty() ? "" : "; the entry: " + words));
+    say_error(fault_text(file, entry, fault, words));
 }
 
 void say(std::string_view line) {

@@ -36,10 +36,13 @@ std::string shown_entry(const EntryKey &key, const Position &position);
 std::string shown_place(const std::string &file, const Position &position, const EntryKey &key);
 
 /// A fault of an entry of `file`, as
-///   aceconv: FILE:LINE: acl 'X' entry 20: PATH: what is wrong
+///   FILE:LINE: acl 'X' entry 20: PATH: what is wrong
 /// where entries have no lines, "#3" is the third one; `words`, the entry in words, may be "".
+std::string fault_text(const std::string &file, const Entry &entry, const DataError &fault,
+                       const std::string &words);
+/// Says it.
 void say_fault(const std::string &file, const Entry &entry, const DataError &fault,
-               const std::string &words = "");
+               const std::string &words);
 
 /// One line on standard error, after "aceconv: ".
 void say(std::string_view line);

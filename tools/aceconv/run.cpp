@@ -31,8 +31,8 @@ FilesInUse files_of(const std::vector<std::string> &inputs, const std::string &o
 Run::Run(const CommonOptions &common, const InputOptions &input, const std::string &output,
          Lists lists)
     : common_(common), input_(input), lists_(lists), files_(files_of(input.paths, output)),
-      setup_(start(common)), source_(input, meter_),
-      progress_(progress_shown(common, output), meter_) {}
+      findings_(std::make_shared<Findings>(common, files_)), setup_(start(common)),
+      source_(input, meter_), progress_(progress_shown(common, output), meter_) {}
 
 void Run::begin(Work work, unsigned jobs, OnFault on_fault) {
     on_fault_ = std::move(on_fault);
@@ -58,6 +58,9 @@ EntryStream::Item *Run::next() {
         EntryStream::Item *item = passage_->next();
         if (item != nullptr) {
             progress_.update(tally_.entries);
+            if (names_lists_ && findings_->has_report()) {
+                findings_->see(file(item->entry.position), item->entry.key);
+            }
         }
         return item;
     } catch (const SchemaUnknown &unknown) {
@@ -72,10 +75,15 @@ EntryStream::Item *Run::next() {
     }
 }
 
+void Run::say_fault_of(const std::string &file, const Entry &entry, const DataError &fault) {
+    const std::string words = words_of_encoding(descriptor(), entry);
+    say_fault(file, entry, fault, words);
+    findings_->add_fault(file, entry, fault, words);
+}
+
 bool Run::report(const Entry &entry, const DataError &fault) {
     progress_.update(tally_.entries);
-    const std::string words = words_of_encoding(descriptor(), entry);
-    say_fault(file(entry.position), entry, fault, words);
+    say_fault_of(file(entry.position), entry, fault);
     stopped_ = !common_.keep_going;
     if (on_fault_) {
         on_fault_(entry, fault);
@@ -113,9 +121,11 @@ void Run::finish(Output &output, Output *report, Sink *sink) {
         if (sink != nullptr && (!stopped() || (output.visible() && !output.empty()))) {
             sink->close();
         }
-        Output::commit({report, !stopped() || output.visible() ? &output : nullptr});
+        findings_->commit({report, !stopped() || output.visible() ? &output : nullptr},
+                          progress_.seconds());
     } catch (const PipeClosed &) {
         closed_ = true;
+        findings_->commit({}, progress_.seconds());
     }
 }
 

@@ -9,6 +9,7 @@
 #include "converter/passage.h"
 #include "stream/files_in_use.h"
 #include "stream/sink.h"
+#include "tools/aceconv/findings.h"
 #include "tools/aceconv/inputs.h"
 #include "tools/aceconv/options.h"
 #include "tools/aceconv/progress.h"
@@ -59,6 +60,16 @@ class Run {
     /// Completes the output of the run, and with it the report if there is one. When it
     /// was stopped, a file is dropped, while what readers can see already is made whole.
     void finish(Output &output, Output *report, Sink *sink = nullptr);
+    /// Says a fault of a file beside the inputs.
+    void say_fault_of(const std::string &file, const Entry &entry, const DataError &fault);
+    [[nodiscard]] Findings &findings() const { return *findings_; }
+    /// What this run finds is a part of what the other one does, which names the lists.
+    void share_findings(const Run &other) {
+        findings_ = other.findings_;
+        names_lists_ = false;
+    }
+    /// Nothing is made; what has been found is.
+    void abandon() { findings_->commit({}, progress_.seconds()); }
     /// Other files of the run beside its inputs and its output. Throw UsageError when
     /// one of them is in use already.
     void also_reads(const std::string &path) { files_.reads(path); }
@@ -80,6 +91,8 @@ class Run {
     const InputOptions input_;
     const Lists lists_;
     FilesInUse files_;
+    std::shared_ptr<Findings> findings_;
+    bool names_lists_ = true;
     const CodecSetup setup_;
     const std::shared_ptr<InputMeter> meter_ = std::make_shared<InputMeter>();
     Inputs source_;

@@ -97,6 +97,10 @@ Options loss_options(LossOptions &losses) {
 Options common_options(CommonOptions &common) {
     return {
         {"--keep-going", "", "Report every bad entry and go on with the rest", &common.keep_going},
+        {"--errors", "FILE", "Write the faults to this file, a JSON object a line", &common.errors},
+        {"--junit", "FILE",
+         "Write a test report to this file, in the format of JUnit: a test case for each list",
+         &common.junit},
         {"--backend", "BACKEND",
          "How JSON is read and written: bulk (fast) or validating (libyang); both accept the same",
          one_of(backends, common.backend)},

@@ -25,7 +25,7 @@ int run_convert(const ConvertOptions &options) {
     const Schema to = *options.to;
     Run run(options.common, options.input, options.output, Lists::joined);
     const RecordView view(run.descriptor());
-    Output output(options.output, reader_gone(options.losses));
+    Output output(options.output, reader_gone(options.losses, options.common));
     const auto sink = make_sink(options.format, to, output);
     LossAccount account(options.losses, about(from, to), run);
     run.hand_over(output);

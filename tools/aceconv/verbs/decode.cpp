@@ -10,7 +10,7 @@ namespace aceconv::tool {
 int run_decode(const DecodeOptions &options) {
     Run run(options.common, options.input, options.output, Lists::joined);
     const RecordView view(run.descriptor());
-    Output output(options.output, reader_gone(options.losses));
+    Output output(options.output, reader_gone(options.losses, options.common));
     const auto sink =
         make_sink(options.format, options.input.schema.value_or(Schema::base), output);
     LossAccount account(options.losses, "\"verb\":\"decode\"", run);

@@ -104,7 +104,10 @@ class Comparison {
         const auto changes = differences(view_, descriptor_, a->second.encoding, a->second.schema,
                                          b->second.encoding, b->second.schema);
         if (!changes.empty()) {
-            report_.changed(reported(a->second), reported(b->second), changes);
+            const ReportedEntry before = reported(a->second);
+            const ReportedEntry after = reported(b->second);
+            report_.changed(before, after, changes);
+            found(left, before, before.words + " -> " + after.words);
         }
         left.waiting().erase(a);
         right.waiting().erase(b);
@@ -114,17 +117,27 @@ class Comparison {
     void rest(Side &left, Side &right) {
         for (const auto &[key, entry] : left.waiting()) {
             if (right.lacks(key)) {
-                report_.only_in_a(reported(entry), right.may_have(key));
+                const ReportedEntry alone = reported(entry);
+                report_.only_in_a(alone, right.may_have(key));
+                found(left, alone, "only in " + left.file() + ": " + alone.words);
             }
         }
         for (const auto &[key, entry] : right.waiting()) {
             if (left.lacks(key)) {
-                report_.only_in_b(reported(entry), left.may_have(key));
+                const ReportedEntry alone = reported(entry);
+                report_.only_in_b(alone, left.may_have(key));
+                found(left, alone, "only in " + right.file() + ": " + alone.words);
             }
         }
     }
 
   private:
+    /// Cases are the lists of the first input.
+    static void found(Side &left, const ReportedEntry &entry, const std::string &what) {
+        left.run().findings().add_difference(left.file(), entry.key,
+                                             shown_entry(entry.key, entry.position) + ": " + what);
+    }
+
     [[nodiscard]] ReportedEntry reported(const Encoded &entry) const {
         const DecodedRecord record(descriptor_, entry.encoding);
         return {entry.key, entry.position,
@@ -152,9 +165,14 @@ int run_diff(const DiffOptions &options) {
     CommonOptions unseen = options.common; // the other one keeps its pace
     unseen.quiet = true;
     unseen.progress = false;
+    unseen.errors = unseen.junit = "";
     Side right(unseen, input(options.right), wanted);
-    if (!options.losses.report.empty()) {
-        right.run().also_writes(options.losses.report);
+    right.run().share_findings(left.run());
+    for (const std::string &path :
+         {options.losses.report, options.common.errors, options.common.junit}) {
+        if (!path.empty()) {
+            right.run().also_writes(path);
+        }
     }
     LossAccount account(options.losses, "\"verb\":\"diff\"", left.run());
     DiffReport report(options.json, left.file(), right.file());

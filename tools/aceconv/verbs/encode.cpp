@@ -23,7 +23,7 @@ bool read_stored(const EncodeOptions &options, Run &run, StoredRecords &stored) 
             }
             stored.add(entry);
         } catch (const DataError &fault) {
-            say_fault(shown_name(options.stored), entry, fault);
+            run.say_fault_of(shown_name(options.stored), entry, fault);
             if (!options.common.keep_going) {
                 return false;
             }
@@ -45,11 +45,12 @@ int run_encode(const EncodeOptions &options) {
     if (any_stored) {
         run.also_reads(options.stored);
         if (!read_stored(options, run, stored)) {
+            run.abandon();
             return exit_trouble;
         }
     }
     const RecordView view(run.descriptor());
-    Output output(options.output, reader_gone(options.losses));
+    Output output(options.output, reader_gone(options.losses, options.common));
     if (output.is_terminal()) {
         throw UsageError("encodings are not for a terminal; redirect the output or give -o FILE");
     }

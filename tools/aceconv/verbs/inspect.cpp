@@ -39,7 +39,7 @@ std::string as_text(const std::string &name, const Inspected &inspected, const S
 int run_inspect(const InspectOptions &options) {
     Run run(options.common, options.input, options.output, Lists::apart);
     const RecordView view(run.descriptor());
-    Output output(options.output, reader_gone(options.losses));
+    Output output(options.output, reader_gone(options.losses, options.common));
     const Style style(options.output == "-" ? STDOUT_FILENO : -1);
     bool headed = options.json;
     LossAccount account(options.losses, "\"verb\":\"inspect\"", run);
