@@ -1,11 +1,15 @@
 #include "compare/shadowing.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace aceconv {
 namespace {
 
 using Outline = Shadowing::Outline;
+
+/// A comparison of two entries takes as long as so many of outlines.
+constexpr std::uint64_t entry_steps = 10;
 
 constexpr std::uint32_t bit(Dimension dimension) {
     return std::uint32_t{1} << static_cast<unsigned>(dimension);
@@ -76,9 +80,12 @@ bool before(std::optional<std::uint32_t> a, std::optional<std::uint32_t> b) {
 const Shadowing::Kept *Shadowing::first_around(const Outline &outline, const PacketMatch &match,
                                                std::optional<std::uint32_t> sequence) {
     const Kept *first = nullptr;
-    const auto step = [this] { return steps_left_ != 0 && --steps_left_ != 0; };
+    const auto take = [this](std::uint64_t steps) {
+        steps_left_ -= std::min(steps, steps_left_);
+        return steps_left_ != 0;
+    };
     for (const auto &[outer, table] : tables_) {
-        if (!step()) {
+        if (!take(1)) {
             return nullptr;
         }
         if (!fits(outer, outline)) {
@@ -92,7 +99,7 @@ const Shadowing::Kept *Shadowing::first_around(const Outline &outline, const Pac
             if (first != nullptr && first->number < kept.number) {
                 break;
             }
-            if (!step()) {
+            if (!take(entry_steps)) {
                 return nullptr;
             }
             if (before(kept.sequence, sequence) && surely_contains(kept.match, match)) {

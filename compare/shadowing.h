@@ -4,8 +4,8 @@
 // Earlier entries are kept by outline: which dimensions they limit, which bits of the
 // addresses they compare, and where they let one number through. Those of one outline that
 // can contain an entry are found by one look into a hash table. So an entry takes a step
-// for each outline in its list that fits it, and one for each earlier entry that agrees with
-// it in all that is looked up, from which it differs in runs of numbers at most. Lists as
+// for each outline in its list, and entry_steps for each earlier entry that agrees with it in
+// all that is looked up, from which it differs in runs of numbers at most. Lists as
 // people write them have few outlines. Where each entry has a wildcard mask of its own, or a
 // range of its own beside the same addresses, the steps are as many as pairs of entries, up
 // to max_steps.
@@ -26,7 +26,7 @@ namespace aceconv {
 
 class Shadowing {
   public:
-    static constexpr std::uint64_t max_steps = 1'000'000'000; // some fifteen seconds
+    static constexpr std::uint64_t max_steps = 10'000'000'000; // some fifteen seconds
 
     explicit Shadowing(std::uint64_t steps = max_steps) : steps_left_(steps) {}
 
