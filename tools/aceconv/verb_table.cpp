@@ -180,9 +180,9 @@ Options options_of(DiffOptions &diff) {
            &diff.right.paths.front(),
            {.required = true}},
           schema_option("--schema", diff.schema),
-          others_option(diff.ignore_others),
           {"--schema-a", "SCHEMA", "The same of A alone", one_of(schemas, diff.left.schema)},
           {"--schema-b", "SCHEMA", "The same of B alone", one_of(schemas, diff.right.schema)},
+          others_option(diff.ignore_others),
           {"--json", "", "Write a JSON document instead of lines", &diff.json}},
          loss_options(diff.losses)});
 }
