@@ -40,7 +40,7 @@ void convert_with_words(const Workshop &shop, Entry &entry, Schema to, Format fo
     convert(shop.codec, shop.view, entry, to, format, product.bytes,
             shop.losses ? &product.changes : nullptr);
     if (!product.changes.empty()) {
-        add_words(shop, entry, shop.codec.encode(entry), to, product);
+        add_words(shop, entry, entry.format ? shop.codec.encoded() : entry.encoding, to, product);
     }
 }
 

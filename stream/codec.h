@@ -34,6 +34,9 @@ class Codec {
     /// `entry.position` moved on to the line of the node at fault.
     Encoding encode(Entry &entry, Encoding stored = {});
 
+    /// What `encode` has last returned of a text; valid until the next call of that.
+    [[nodiscard]] Encoding encoded() const { return encoded_.get(); }
+
     /// Names the JSON texts of entries that are encoded next, and forgets those that were
     /// named before, see EntryReader::look_ahead.
     void look_ahead(Schema schema, std::span<const std::string_view> texts);
