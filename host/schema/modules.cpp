@@ -60,7 +60,7 @@ void take_place(const ly_err_item &item, LibyangError &error) {
     constexpr std::string_view line_start = "ine number ";
     const std::string_view place = item.path != nullptr ? item.path : "";
     const std::size_t line = place.rfind(line_start);
-    if (line != place.npos) {
+    if (line != std::string_view::npos) {
         const char *digits = place.data() + line + line_start.size();
         (void)std::from_chars(digits, place.data() + place.size(), error.line);
     }
