@@ -17,7 +17,7 @@ Bytes encode_record(const bag_descriptor &descriptor, const ipv4_acl_config_ace 
     }
     bag_definition_free(definition);
     if (status != 0) {
-        throw DataError("", bag_last_error());
+        throw_bag_failure(status);
     }
     const std::unique_ptr<std::uint8_t, void (*)(void *)> owner(encoded, std::free);
     return {encoded, encoded + length};
@@ -25,8 +25,8 @@ Bytes encode_record(const bag_descriptor &descriptor, const ipv4_acl_config_ace 
 
 DecodedRecord::DecodedRecord(const bag_descriptor &descriptor, Encoding encoding)
     : descriptor_(descriptor) {
-    if (bag_decode_lent(encoding, &record_, &descriptor_, room_) != 0) {
-        throw DataError("", bag_last_error());
+    if (const auto status = bag_decode_lent(encoding, &record_, &descriptor_, room_); status != 0) {
+        throw_bag_failure(status);
     }
 }
 

@@ -4,10 +4,15 @@
 
 #include "converter/linked_plugin.h"
 #include "host/installation.h"
+#include "host/utf8.h"
 
 namespace aceconv {
 
 namespace {
+
+// The first check of text chooses between instructions of the processor, and ends the process
+// if there is no memory for that. So it is made as the library is loaded.
+[[maybe_unused]] const bool instructions_chosen = is_utf8("");
 
 aceconv_code code_of_current(std::string &text, std::string &path) {
     const auto told = [&](aceconv_code code, const std::exception &e) {

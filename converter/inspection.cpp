@@ -8,65 +8,97 @@
 namespace aceconv {
 namespace {
 
-using Json = nlohmann::ordered_json;
+/// What is no UTF-8 in it is replaced.
+std::string quoted(const std::string &text) {
+    using Json = nlohmann::json;
+    return Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
+}
 
-Json json_value(const FieldValue &field) {
+/// An object or an array, put together as text: a tree of the library's takes memory to be
+/// released, and ends the process if there is none.
+class JsonText {
+  public:
+    JsonText(char open, char close) : text_(1, open), close_(close) {}
+    void add(const std::string &element) {
+        text_ += text_.size() > 1 ? "," : "";
+        text_ += element;
+    }
+    void add(const char *name, const std::string &value) { add(quoted(name) + ":" + value); }
+    [[nodiscard]] std::string done() const { return text_ + close_; }
+
+  private:
+    std::string text_;
+    const char close_;
+};
+
+std::string json_value(const FieldValue &field) {
     if (field.type == FieldType::user_fields) {
-        Json elements = Json::array();
+        JsonText elements('[', ']');
         for (const ace_udf_element &element : field.user_fields) {
-            elements.push_back({{"name", user_field_name(element)},
-                                {"value", hexadecimal(element.UDFValue)},
-                                {"mask", hexadecimal(element.UDFMask)}});
+            JsonText object('{', '}');
+            object.add("name", quoted(user_field_name(element)));
+            object.add("value", quoted(hexadecimal(element.UDFValue)));
+            object.add("mask", quoted(hexadecimal(element.UDFMask)));
+            elements.add(object.done());
         }
-        return elements;
+        return elements.done();
     }
     if (field.type == FieldType::address) {
-        return value_text(field);
+        return quoted(value_text(field));
     }
     if (field.type == FieldType::text) {
-        return field.text ? Json(*field.text) : Json();
+        return field.text ? quoted(*field.text) : "null";
     }
-    return field.type == FieldType::boolean && field.number <= 1 ? Json(field.number == 1)
-                                                                 : Json(field.number);
+    return field.type == FieldType::boolean && field.number <= 1
+               ? (field.number == 1 ? "true" : "false")
+               : std::to_string(field.number);
+}
+
+std::string json_field(const FieldValue &field) {
+    JsonText bits('[', ']');
+    for (const int bit : field.bits) {
+        bits.add(quoted(bit_name(bit)));
+    }
+    JsonText row('{', '}');
+    row.add("name", quoted(field.name));
+    row.add("bits", bits.done());
+    if (field.width != 0) {
+        row.add("offset", std::to_string(field.offset));
+        row.add("width", std::to_string(field.width));
+        row.add("value", json_value(field));
+    }
+    if (const std::string keyword = field.keyword(); !keyword.empty()) {
+        row.add("keyword", quoted(keyword));
+    }
+    if (!field.note.empty()) {
+        row.add("note", quoted(field.note));
+    }
+    return row.done();
 }
 
 } // namespace
 
 std::string inspection_json(const std::string &file, const Entry &entry,
                             const Inspected &inspected) {
-    Json fields = Json::array();
+    JsonText fields('[', ']');
     for (const FieldValue &field : inspected.fields) {
-        Json row = {{"name", field.name}};
-        Json &bits = row["bits"] = Json::array();
-        for (const int bit : field.bits) {
-            bits.push_back(bit_name(bit));
-        }
-        if (field.width != 0) {
-            row["offset"] = field.offset;
-            row["width"] = field.width;
-            row["value"] = json_value(field);
-        }
-        if (const std::string keyword = field.keyword(); !keyword.empty()) {
-            row["keyword"] = keyword;
-        }
-        if (!field.note.empty()) {
-            row["note"] = field.note;
-        }
-        fields.push_back(std::move(row));
+        fields.add(json_field(field));
     }
-    Json shown = Json::object();
+    JsonText shown('{', '}');
     if (!file.empty()) {
-        shown["file"] = file;
+        shown.add("file", quoted(file));
     }
-    shown["acl"] = entry.key.acl ? Json(*entry.key.acl) : Json();
-    shown["sequence"] = entry.key.sequence ? Json(*entry.key.sequence) : Json();
-    shown["schema"] = entry.schema_known ? Json(schema_name(entry.schema)) : Json();
-    shown["words"] = inspected.words;
-    shown["bytes"] = inspected.bytes;
-    shown["ConfigurationMask"] = mask_text(inspected.mask);
-    shown["ConfigurationMask2"] = mask_text(inspected.mask2);
-    shown["fields"] = std::move(fields);
-    return shown.dump(-1, ' ', false, Json::error_handler_t::replace);
+    const EntryKey &key = entry.key;
+    shown.add("acl", key.acl ? quoted(*key.acl) : "null");
+    shown.add("sequence", key.sequence ? std::to_string(*key.sequence) : "null");
+    shown.add("schema",
+              entry.schema_known ? quoted(std::string(schema_name(entry.schema))) : "null");
+    shown.add("words", quoted(inspected.words));
+    shown.add("bytes", std::to_string(inspected.bytes));
+    shown.add("ConfigurationMask", quoted(mask_text(inspected.mask)));
+    shown.add("ConfigurationMask2", quoted(mask_text(inspected.mask2)));
+    shown.add("fields", fields.done());
+    return shown.done();
 }
 
 std::string mask_text(std::uint64_t mask) {

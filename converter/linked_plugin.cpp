@@ -15,8 +15,9 @@ std::mutex registration; // one at a time
 
 Plugin linked_plugin() {
     static bool registered = false; // guarded by the mutex
-    if (!registered && bag_register_all_ipv4_acl_bags() != 0) {
-        throw IoError("the bag type cannot be registered: " + bag_last_error());
+    if (const std::uint32_t status = registered ? 0 : bag_register_all_ipv4_acl_bags();
+        status != 0) {
+        throw_bag_failure(status);
     }
     registered = true;
     return {"",

@@ -40,6 +40,10 @@ std::uint32_t bag_decode_lent(std::span<const std::uint8_t> encoded, void *recor
 /// the encoding where there is one; empty after a success.
 std::string bag_last_error();
 
+/// Throws what the last failing bag call of this thread, which returned `status`, was refused
+/// for: std::bad_alloc or DataError.
+[[noreturn]] void throw_bag_failure(std::uint32_t status);
+
 /// The length of the first CBOR item of `bytes`, or nothing when it is cut off
 /// or malformed. Items of a CBOR sequence (RFC 8742) follow each other directly.
 std::optional<std::size_t> cbor_item_length(std::span<const std::uint8_t> bytes);

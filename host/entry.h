@@ -112,6 +112,9 @@ std::unique_ptr<EntryWriter> make_validating_writer(Modules &modules, Schema sch
 std::unique_ptr<EntryReader> make_bulk_reader(Modules &modules, Schema schema);
 std::unique_ptr<EntryWriter> make_bulk_writer(Modules &modules, Schema schema);
 
+/// Whether a converter returned `status` for want of memory.
+bool is_want_of_memory(std::uint32_t status);
+
 /// "aceconv-base" or "aceconv-um", and the module's namespace.
 std::string_view module_name(Schema schema);
 std::string_view module_namespace(Schema schema);

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <filesystem>
 #include <link.h>
+#include <new>
 #include <stdexcept>
 
 namespace aceconv {
@@ -22,6 +23,9 @@ fs::path own_folder() {
     if (dladdr1(&here, &found, reinterpret_cast<void **>(&object), RTLD_DL_LINKMAP) != 0) {
         // A program is nameless there, and its first argument may be any text.
         file = fs::canonical(*object->l_name != '\0' ? object->l_name : "/proc/self/exe", fault);
+    }
+    if (fault == std::errc::not_enough_memory) {
+        throw std::bad_alloc();
     }
     if (file.empty()) {
         throw std::runtime_error("cannot find the folder of the running program");

@@ -1,5 +1,7 @@
 #include "stream/codec.h"
 
+#include <new>
+
 #include "host/bag_library.h"
 #include "host/data_path.h"
 #include "host/entry_nodes.h"
@@ -28,19 +30,25 @@ constexpr bool is_bag_status(std::uint32_t status) {
 
 /// Why a decoder returned `status`.
 std::string decoder_fault(std::uint32_t status) {
-    if (is_bag_status(status)) {
-        return bag_last_error();
-    }
     switch (status) {
     case ACE_STATUS_NO_KEYWORD:
         return "a TCP flag that has no name; expected flags fin, syn, rst, psh, ack, urg";
     case ACE_STATUS_UNKNOWN_UNIT:
         return "an unknown rate unit; expected 0 to 4, pps to gbps";
-    case ACE_STATUS_NO_MEMORY:
-        return "out of memory";
     default:
         return "the decoder failed with status " + std::to_string(status);
     }
+}
+
+/// Throws why a decoder returned `status`.
+[[noreturn]] void throw_decoder_fault(std::uint32_t status) {
+    if (is_bag_status(status)) {
+        throw_bag_failure(status);
+    }
+    if (is_want_of_memory(status)) {
+        throw std::bad_alloc();
+    }
+    throw DataError("", decoder_fault(status));
 }
 
 /// Moves the entry's position on to the node at fault. Only a fault costs this look
@@ -142,7 +150,10 @@ std::uint32_t Codec::run_encoder(ccv_yang_node *entry, Schema schema, Encoding s
         encoder(entry, stored.empty() ? nullptr : stored.data(),
                 static_cast<std::uint32_t>(stored.size()), &bytes, &encoded.length);
     if (is_bag_status(status)) {
-        throw DataError("", bag_last_error());
+        throw_bag_failure(status);
+    }
+    if (is_want_of_memory(status)) {
+        throw std::bad_alloc();
     }
     encoded.bytes.reset(bytes);
     return status;
@@ -153,7 +164,7 @@ void Codec::run_decoder(ccv_yang_output *output, Encoding encoding, Schema schem
     const std::uint32_t status =
         decoder(output, encoding.data(), static_cast<std::uint32_t>(encoding.size()));
     if (status != 0) {
-        throw DataError("", decoder_fault(status));
+        throw_decoder_fault(status);
     }
 }
 

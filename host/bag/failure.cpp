@@ -3,6 +3,9 @@
 #include <array>
 #include <cstdarg>
 #include <cstdio>
+#include <new>
+
+#include "host/error.h"
 
 namespace aceconv {
 namespace {
@@ -41,6 +44,13 @@ std::uint32_t finished(bool succeeded) noexcept {
 
 std::string bag_last_error() {
     return last.text.data();
+}
+
+void throw_bag_failure(std::uint32_t status) {
+    if (status == static_cast<std::uint32_t>(BagStatus::no_memory)) {
+        throw std::bad_alloc();
+    }
+    throw DataError("", bag_last_error());
 }
 
 } // namespace aceconv

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string_view>
 #include <vector>
 
@@ -38,8 +39,8 @@ class TokenIndex {
     /// there at all.
     bool find_tokens() {
         std::memset(bytes_.data() + size_, 0, simdjson::SIMDJSON_PADDING);
-        return make_room() &&
-               stages_->stage1(reinterpret_cast<const std::uint8_t *>(bytes_.data()), size_,
+        make_room();
+        return stages_->stage1(reinterpret_cast<const std::uint8_t *>(bytes_.data()), size_,
                                simdjson::stage1_mode::regular) == simdjson::SUCCESS;
     }
 
@@ -52,10 +53,12 @@ class TokenIndex {
   private:
     static constexpr std::size_t least_room = 4096;
 
-    bool make_room() {
-        return (stages_ && stages_->capacity() >= size_) ||
-               simdjson::get_active_implementation()->create_dom_parser_implementation(
-                   size_ + least_room, 1, stages_) == simdjson::SUCCESS;
+    void make_room() {
+        if ((!stages_ || stages_->capacity() < size_) &&
+            simdjson::get_active_implementation()->create_dom_parser_implementation(
+                size_ + least_room, 1, stages_) != simdjson::SUCCESS) {
+            throw std::bad_alloc();
+        }
     }
 
     std::vector<char> bytes_;

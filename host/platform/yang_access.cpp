@@ -43,8 +43,12 @@ const ccv_yang_keyword *row_of(const ccv_yang_node &node, const ccv_yang_keyword
     }
     const aceconv::SchemaNode &leaf = *node.schema;
     if (leaf.keywords != table) {
+        try {
+            leaf.keyword_rows.assign(leaf.names.size(), nullptr);
+        } catch (const std::bad_alloc &) {
+            return find(table, node.value.text);
+        }
         leaf.keywords = table;
-        leaf.keyword_rows.assign(leaf.names.size(), nullptr);
     }
     const ccv_yang_keyword *&row = leaf.keyword_rows[node.name - 1U];
     if (row == nullptr) {

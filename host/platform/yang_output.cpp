@@ -66,6 +66,9 @@ void ccv_yang_output::restart(const aceconv::EntryKey &where) {
 }
 
 void ccv_yang_output::check_complete() const {
+    if (failure_ == YangStatus::no_memory) {
+        throw std::bad_alloc();
+    }
     if (failure_ != YangStatus::ok) {
         throw aceconv::DataError(failure_path_, failure_why_.empty()
                                                     ? aceconv::status_text(code(failure_))

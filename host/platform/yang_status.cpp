@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "aceconv/plugin.h"
+#include "host/entry.h"
 
 namespace aceconv {
 
@@ -40,6 +41,10 @@ const char *known_status(std::uint32_t status) {
         }
     }
     return nullptr;
+}
+
+bool is_want_of_memory(std::uint32_t status) {
+    return status == code(YangStatus::no_memory) || status == ACE_STATUS_NO_MEMORY;
 }
 
 std::string status_text(std::uint32_t status) {

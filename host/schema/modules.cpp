@@ -32,11 +32,15 @@ void require_regular(const std::string &file) {
 }
 
 bool is_text_of(const std::string &file, std::string_view text) {
+    std::string found(text.size() + 1, '\0');
+    errno = 0;
     const std::unique_ptr<std::FILE, int (*)(std::FILE *)> in(std::fopen(file.c_str(), "rb"),
                                                               std::fclose);
-    std::string found(text.size() + 1, '\0');
-    return in && std::fread(found.data(), 1, found.size(), in.get()) == text.size() &&
-           text == std::string_view(found).substr(0, text.size());
+    const std::size_t read = in ? std::fread(found.data(), 1, found.size(), in.get()) : 0;
+    if (read == 0 && errno == ENOMEM) { // it is not another text for that
+        throw std::bad_alloc();
+    }
+    return read == text.size() && text == std::string_view(found).substr(0, text.size());
 }
 
 const lysc_node *find_entry(const ly_ctx *context, Schema schema) {

@@ -19,9 +19,9 @@
  *      aceconv_run, with signals blocked. No exception leaves the library, and none may
  *      leave a callback.
  *  (7) Want of memory is ACECONV_NO_MEMORY like any other code, with one exception: XML,
- *      ACECONV_BACKEND_VALIDATING and YANG modules other than those that the library was
- *      built with are libyang's, which may end the process then. Its first use also has
- *      libyang keep its messages to itself, in the whole process.
+ *      ACECONV_BACKEND_VALIDATING, YANG modules other than those that the library was built
+ *      with, and the messages about bad entries are libyang's, which may end the process then.
+ *      Its first use also has libyang keep its messages to itself, in the whole process.
  *  (8) Entries of a stream that wait to be told their list or schema lie in a file without
  *      a name in TMPDIR.
  */

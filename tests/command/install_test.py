@@ -195,6 +195,30 @@ class BuiltAgainst(Case):
                     *config("--cflags", "--libs", "aceconv >= 1.0"), "-Wl,-rpath," + str(folder.parent))
         self.assertRegex(self.output(self.dir / "example"), r'^{.*"permit":{.*}\nlost: sequence-str, since ')
 
+    def test_the_library_example_both_ways(self):
+        """It gives the bytes of the command, and lies in the docs as it was built."""
+        example = SOURCE / "examples" / "library"
+        source = (example / "encode.c").read_text()
+        self.assertIn("".join(f"    {line}".rstrip() + "\n" for line in source.splitlines()),
+                      (SOURCE / "docs" / "library.md").read_text())
+        libraries = os.path.dirname(next(self.prefix.rglob("libaceconv.so")))
+        self.output(CMAKE, "-S", example, "-B", self.dir / "build", "-G", "Ninja",
+                    f"-DCMAKE_PREFIX_PATH={self.prefix}", f"-DCMAKE_C_FLAGS={' '.join(SANITIZE)}")
+        self.output(CMAKE, "--build", self.dir / "build")
+        flags = self.output("env", f"PKG_CONFIG_PATH={libraries}/pkgconfig", "pkg-config", "--cflags",
+                            "--libs", "aceconv >= 1.0")
+        self.output("cc", *SANITIZE, example / "encode.c", "-o", self.dir / "encode",
+                    *shlex.split(flags), "-Wl,-rpath," + libraries)
+        entry = b'{"sequence-number": 10, "grant": "permit", "protocol": "tcp"}'
+        expected = subprocess.run([self.prefix / "bin/aceconv", "encode", "-q", "--no-labels"], check=True,
+                                  input=entry, capture_output=True).stdout
+        for program in (self.dir / "build/encode", self.dir / "encode"):
+            done = subprocess.run([program], input=entry, capture_output=True, check=False)
+            self.assertEqual((done.returncode, done.stdout, done.stderr), (0, expected, b""))
+            done = subprocess.run([program], input=b'{"grant": "may"}', capture_output=True, check=False)
+            self.assertEqual((done.returncode, b'/grant: "may"; expected ' in done.stderr), (1, True),
+                             done.stderr)
+
 
 if __name__ == "__main__":
     unittest.main()

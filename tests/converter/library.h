@@ -51,5 +51,6 @@ aceconv_stream stream_over(struct tape *tape, aceconv_verb verb);
 void test_calls(const char *plugin);
 void test_streams(void);
 void test_threads(void);
+void test_memory(void);
 
 #endif

@@ -219,8 +219,10 @@ int main(int argc, char **argv) {
         test_streams();
     } else if (same(part, "Threads")) {
         test_threads();
+    } else if (same(part, "memory")) {
+        test_memory();
     } else {
-        fputs("usage: library_test calls PLUGIN | streams | Threads\n", stderr);
+        fputs("usage: library_test calls PLUGIN | streams | Threads | memory\n", stderr);
         return 2;
     }
     return 0;
