@@ -64,3 +64,7 @@ try 'aceconv encode bad.ndjson --keep-going -o bad.bags'
 
 heading "In pipes, on all cores"
 try 'aceconv encode -q rules.ndjson | aceconv decode -q --format ndjson | cmp - rules.ndjson && echo same'
+
+heading "What may be written, and what becomes of it"
+try 'aceconv explain log-option'
+try 'aceconv schema base | grep fragment'

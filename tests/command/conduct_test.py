@@ -266,7 +266,8 @@ class Messages(Case):
         losses, common = ["--report", "--strict", "--no-losses"], [
             "--ignore-other-modules", "--keep-going", "--errors", "--junit",
             "--backend", "-j,--jobs", "-q,--quiet", "--progress", "--trace[=REGEX]"]
-        for verb, own in (("", ["encode", "decode", "inspect", "convert", "check", "diff", "lint", "help"]),
+        for verb, own in (("", ["encode", "decode", "inspect", "convert", "check", "diff", "lint", "explain",
+                                "schema", "help"]),
                           ("encode", ["INPUT", "--from-format", "--schema", "-o,--output",
                                       "--stored", "--no-labels", *losses, *common]),
                           ("decode", ["INPUT", "--from-format", "--schema", "-o,--output",
@@ -276,6 +277,8 @@ class Messages(Case):
                           ("convert", ["INPUT", "--from-format", "--schema", "--to",
                                        "-o,--output", "--format", *losses, *common]),
                           ("check", ["INPUT", "--from-format", "--schema", "--json", *losses, *common]),
+                          ("explain", ["LEAF", "--schema", "--json"]),
+                          ("schema", ["SCHEMA", "--tree", "--json"]),
                           ("lint", ["INPUT", "--from-format", "--schema", "--rule", "--no-rule",
                                     "--list-rules", "--json", "--strict", *common]),
                           ("diff", ["A", "B", "--schema", "--schema-a", "--schema-b", "--json", *losses,

@@ -135,6 +135,36 @@ class Reports(Case):
                      ("diff", "--junit", base, lossy, base)):
             self.assertEqual(self.run_command(*call)[0], 2)
 
+    def test_explain_and_schema(self):
+        nodes = [self.valid("node", line) for line in self.ok("schema", "--json").splitlines()]
+        leaves = [node for node in nodes if node["type"] not in ("container", "list")]
+        self.assertEqual((len(nodes), len(leaves), len(self.ok("schema", "base").splitlines())), (309, 225, 59))
+        self.assertEqual(len(self.ok("schema", "--tree").splitlines()), len(nodes) + 2)
+        for leaf, schema, record in (
+                ("first-source-port", "base", [("sport1", ["5"], 50, "source/port")]),
+                ("deny/source/port/eq", "um", [("sopr", ["4"], 48, "source-port/source-operator"),
+                                               ("sport1", ["5"], 50, "source-port/first-source-port")]),
+                ("dscp-value", "um", [("dscp", ["15"], 69, "dscp/dscp-min")]),
+                ("permit", "um", [("grant", ["0"], 16, "grant")]),
+                ("match-any/tcp-bits", "um", [("tcpflagsopr", ["20"], 80, "tcp/tcp-bits-match-operator"),
+                                              ("tcpflags", ["21"], 81, "tcp/tcp-bits"),
+                                              ("tcpflags_mask", ["22"], 82, "tcp/tcp-bits-mask")]),
+                ("peak-unit", "um", [("Police.PolicePeakUnit", ["2:27"], 256, None)]),
+                ("sequence-str", "base", [("SequenceStr", ["52"], 208, None)]),
+                ("source/any", "um", [])):
+            told = self.valid("node", self.ok("explain", "--json", leaf))
+            self.assertEqual((told["schema"], [(row["field"], row["bits"], row["offset"], row["other-leaf"])
+                                               for row in told["record"]]), (schema, record), leaf)
+        self.assertEqual(self.ok("explain", "log-option").decode(), """\
+log-option (base)
+  type     name
+  names    log 1, log-input 2
+  record   log, bit 13, offset 60, 4 bytes; in um, below permit and deny: log|log-input
+""")
+        code, _, err = self.run_command("explain", "log-opton")
+        self.assertEqual(code, 2)
+        self.assertIn("no node log-opton, aceconv schema shows all; did you mean log-option?", err)
+
     def test_inspect(self):
         for path in sorted(EXAMPLES.glob("*.json")):
             for line in self.ok("inspect", "--json", "--no-losses", path).splitlines():

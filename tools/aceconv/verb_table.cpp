@@ -208,6 +208,32 @@ Call call(CommonOptions &common) {
             }};
 }
 
+Options options_of(ExplainOptions &explain) {
+    return {{"LEAF",
+             "LEAF",
+             "The node's name, its path below the entry, or the end of that",
+             &explain.leaf,
+             {.required = true}},
+            {"--schema", "SCHEMA", "Look in this schema alone", one_of(schemas, explain.schema)},
+            {"--json", "", "Write a JSON object for each node, one a line", &explain.json}};
+}
+
+Options options_of(SchemaOptions &schema) {
+    return {{"SCHEMA", "SCHEMA", "The schema; both by default", one_of(schemas, schema.schema)},
+            {"--tree", "", "Show containers and leaves by their depth", &schema.tree},
+            {"--json", "", "Write a JSON object for each node, one a line", &schema.json}};
+}
+
+/// The same of a verb that reads no entries.
+template <class Own, int (*run)(const Own &)>
+Call call_without_entries(CommonOptions &common) {
+    const auto own = std::make_shared<Own>();
+    return {joined({options_of(*own), general_options(common)}), [own, &common] {
+                own->common = common;
+                return run(*own);
+            }};
+}
+
 Call call_help(CommonOptions &common);
 
 constexpr Verb verbs[] = {
@@ -225,6 +251,10 @@ constexpr Verb verbs[] = {
      call<DiffOptions, run_diff>},
     {"lint", "Warn of what no router can mean, and of entries that never take effect",
      call<LintOptions, run_lint>},
+    {"explain", "Show what a leaf takes, where the record keeps it, and what the other schema has",
+     call_without_entries<ExplainOptions, run_explain>},
+    {"schema", "Show the leaves of entries, and what they take",
+     call_without_entries<SchemaOptions, run_schema>},
     {"help", "Show what the command, or a verb of it, does and takes", call_help},
 };
 

@@ -74,6 +74,22 @@ struct LintOptions {
 };
 int run_lint(const LintOptions &options);
 
+struct ExplainOptions {
+    CommonOptions common;
+    std::string leaf; // its path below the entry, or the end of it
+    std::optional<Schema> schema;
+    bool json = false;
+};
+int run_explain(const ExplainOptions &options);
+
+struct SchemaOptions {
+    CommonOptions common;
+    std::optional<Schema> schema;
+    bool tree = false;
+    bool json = false;
+};
+int run_schema(const SchemaOptions &options);
+
 /// The version, and what is loaded from where.
 int show_version(const CommonOptions &options);
 
