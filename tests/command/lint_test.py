@@ -78,6 +78,7 @@ class Lint(Case):
                 (tcp(**GROUP), tcp(**host), False),
                 (tcp(**GROUP), tcp(**GROUP, log_option="log"), True),
                 (tcp(), tcp(**GROUP), True),
+                (tcp(**GROUP), tcp(**GROUP, **host), False),
                 (tcp(**GROUP), tcp(source_prefix_group="H"), False),
                 (tcp(**FLAGS), tcp(**host), False),
                 (tcp(**FLAGS), tcp(**FLAGS, **host), True),

@@ -216,12 +216,19 @@ TEST(Shadowing, EveryClaimHoldsAndNineInTenAreMade) {
         Shadowing shadowing;
         TextNumbers texts;
         std::vector<Matched> before;
+        std::vector<PacketMatch> matches;
         for (std::uint32_t number = 0; number < 12; ++number) {
             const Made made = make_entry(random);
             const Matched mine = matched(made);
             const auto around = [&mine](const Matched &earlier) { return contains(earlier, mine); };
-            const auto claim =
-                shadowing.add(packet_match(made.record, Schema::base, texts), number, number);
+            const PacketMatch match = packet_match(made.record, Schema::base, texts);
+            const auto claim = shadowing.add(match, number, number);
+            const auto one_by_one =
+                std::find_if(matches.begin(), matches.end(), [&match](const PacketMatch &earlier) {
+                    return !match.nothing && surely_contains(earlier, match);
+                });
+            EXPECT_EQ(claim.value_or(number), one_by_one - matches.begin());
+            matches.push_back(match);
             const auto first = std::find_if(before.begin(), before.end(), around);
             if (std::count(mine.begin(), mine.end(), Meets::no) !=
                 static_cast<std::ptrdiff_t>(mine.size())) {
