@@ -21,5 +21,6 @@ mmdebstrap --quiet --variant=apt --include=dpkg-dev --dpkgopt=force-unsafe-io \
   --skip=cleanup/apt/lists bookworm "$work/root"
 mount -t proc proc "$work/root/proc"
 rm -rf "$packages/tests"
-autopkgtest --no-built-binaries --output-dir="$packages/tests" "$packages"/*.deb "$work/source/" -- \
-  chroot "$work/root"
+# What is set here, a compiler launcher for instance, is not set there.
+env -i PATH="$PATH" HOME=/root LC_ALL=C.UTF-8 autopkgtest --no-built-binaries \
+  --output-dir="$packages/tests" "$packages"/*.deb "$work/source/" -- chroot "$work/root"
