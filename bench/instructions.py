@@ -81,6 +81,10 @@ def cases(programs, files):
         for schema in OTHER:
             yield f"{verb}-{schema}", lambda verb=verb, schema=schema: callgrind.of_one(
                 lambda number: command(verb, schema, number), *ENTRIES, ends_with=(0, 1))
+    for schema in OTHER:
+        yield f"library-encode-{schema}", lambda schema=schema: callgrind.of_one(
+            lambda number: [programs / "library_loop", "encode", schema, files[schema, number][0]],
+            *ENTRIES)
     yield "start", lambda: callgrind.count(
         [programs / "aceconv", "encode", "-q", "--from-format", "ndjson", "/dev/null"])
 
