@@ -68,6 +68,15 @@ bool FilesInUse::same(const Used &a, const Used &b) {
            a.status->st_dev == b.status->st_dev && a.status->st_ino == b.status->st_ino;
 }
 
+std::string FilesInUse::key(const Used &used) {
+    if (!used.status) {
+        return used.target;
+    }
+    const bool device = S_ISCHR(used.status->st_mode);
+    return device ? std::to_string(used.status->st_rdev)
+                  : std::to_string(used.status->st_dev) + ":" + std::to_string(used.status->st_ino);
+}
+
 void FilesInUse::add(const std::string &path, int standard, bool written) {
     const Place place = path == "-" ? Place{"", standard} : find_place(path);
     Used used{path, written, place.target, std::nullopt};
@@ -83,7 +92,10 @@ void FilesInUse::add(const std::string &path, int standard, bool written) {
                           : stat(place.target.c_str(), &status)) == 0) {
         used.status = status;
     }
-    for (const Used &other : used_) {
+    const std::string of_same = key(used);
+    const auto [begin, end] = used_.equal_range(of_same);
+    for (auto at = begin; at != end; ++at) {
+        const Used &other = at->second;
         if ((written || other.written) && same(used, other)) {
             const bool twice = written && other.written;
             throw UsageError((used.name == other.name
@@ -92,7 +104,7 @@ void FilesInUse::add(const std::string &path, int standard, bool written) {
                              (twice ? " to be written twice" : " to be read and written at once"));
         }
     }
-    used_.push_back(std::move(used));
+    used_.emplace(of_same, std::move(used));
 }
 
 void FilesInUse::reads(const std::string &path) {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 #include <sys/stat.h>
-#include <vector>
+#include <unordered_map>
 
 namespace aceconv {
 
@@ -36,9 +36,10 @@ class FilesInUse {
     };
 
     static bool same(const Used &a, const Used &b);
+    static std::string key(const Used &used);
     void add(const std::string &path, int standard, bool written);
 
-    std::vector<Used> used_;
+    std::unordered_multimap<std::string, Used> used_; // by what only the same file can share
 };
 
 } // namespace aceconv

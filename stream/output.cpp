@@ -138,10 +138,11 @@ void Output::flush() {
     }
 }
 
-/// Everything is where it is to be, but under its name.
 void Output::complete() {
     flush();
-    if (!temporary_.empty() && (fsync(fd_) != 0 || close(std::exchange(fd_, -1)) != 0)) {
+    buffer_ = {};
+    if (!temporary_.empty() && fd_ >= 0 &&
+        (fsync(fd_) != 0 || close(std::exchange(fd_, -1)) != 0)) {
         fail(errno);
     }
 }
@@ -170,9 +171,12 @@ void Output::commit(const std::vector<Output *> &outputs) {
             output->put_in_place();
         }
     }
+    const std::string *synced = nullptr;
     for (const Output *output : outputs) {
-        if (output != nullptr && output->placed_) {
+        if (output != nullptr && output->placed_ &&
+            (synced == nullptr || *synced != output->folder_)) {
             sync_folder(output->folder_);
+            synced = &output->folder_;
         }
     }
 }

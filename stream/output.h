@@ -39,6 +39,8 @@ class Output final : public Taker {
     void write(std::string_view bytes) override;
     /// Hands over everything that has been written, now.
     void flush();
+    /// Nothing more is to be written: a file is brought to the disk and closed, beside its place.
+    void complete();
     /// Puts files in their places, none before they are all complete on the disk, and
     /// the first one first; null stands for none. Only destruction may follow.
     static void commit(const std::vector<Output *> &outputs);
@@ -55,7 +57,6 @@ class Output final : public Taker {
   private:
     [[noreturn]] void fail(int error) const;
     void create_beside(const struct stat *replaced);
-    void complete();
     void put_in_place();
 
     std::string path_;

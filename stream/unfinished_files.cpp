@@ -5,29 +5,38 @@
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
+#include <memory>
 #include <string_view>
 #include <unistd.h>
 
 namespace aceconv {
 namespace {
 
-// Their names: the main output and a report. The handler can take nothing but this.
-std::array<std::atomic<const char *>, 2> unfinished{};
+/// Room for names; the handler can take nothing but this. Rooms stay as long as the process.
+struct Room {
+    std::array<std::atomic<const char *>, 64> names{};
+    std::atomic<Room *> next = nullptr;
+};
+Room first_room; // enough for the output and the report of most runs
 static_assert(std::atomic<const char *>::is_always_lock_free);
+
+/// A place without a name, new ones made where there is none.
+std::atomic<const char *> &free_place() {
+    static Room *last = &first_room;
+    for (auto &place : last->names) {
+        if (place == nullptr) {
+            return place;
+        }
+    }
+    Room *const room = std::make_unique<Room>().release();
+    last->next = room;
+    last = room;
+    return room->names.front();
+}
 
 constexpr std::array raised_by_faults = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT};
 constexpr std::array sent = {SIGHUP,  SIGINT,    SIGQUIT,   SIGTERM, SIGALRM, SIGUSR1, SIGUSR2,
                              SIGXCPU, SIGVTALRM, SIGSTKFLT, SIGPROF, SIGIO,   SIGPWR};
-
-void remember(const char *name) {
-    for (auto &slot : unfinished) {
-        const char *none = nullptr;
-        if (slot.compare_exchange_strong(none, name)) {
-            return;
-        }
-    }
-    std::abort();
-}
 
 /// Its disposition is the default again when it comes here, and ends the process.
 extern "C" void stop(int signal) {
@@ -74,9 +83,11 @@ void install_signal_handlers() {
 }
 
 void remove_unfinished_files() noexcept {
-    for (auto &slot : unfinished) {
-        if (const char *name = slot.exchange(nullptr); name != nullptr) {
-            unlink(name);
+    for (Room *room = &first_room; room != nullptr; room = room->next) {
+        for (auto &place : room->names) {
+            if (const char *name = place.exchange(nullptr); name != nullptr) {
+                unlink(name);
+            }
         }
     }
 }
@@ -96,17 +107,22 @@ SignalsHeld::~SignalsHeld() {
 
 int create_unfinished(std::string &name) {
     const SignalsHeld held; // it is not there without being known
+    std::atomic<const char *> &place = free_place();
     const int file = mkostemp(name.data(), O_CLOEXEC);
     if (file >= 0) {
-        remember(name.c_str());
+        place = name.c_str();
     }
     return file;
 }
 
 void forget_unfinished(const std::string &name) noexcept {
-    for (auto &slot : unfinished) {
-        const char *mine = name.c_str();
-        slot.compare_exchange_strong(mine, nullptr);
+    for (Room *room = &first_room; room != nullptr; room = room->next) {
+        for (auto &place : room->names) {
+            const char *mine = name.c_str();
+            if (place.compare_exchange_strong(mine, nullptr)) {
+                return;
+            }
+        }
     }
 }
 

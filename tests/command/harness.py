@@ -15,6 +15,8 @@ SUMMARY = re.compile(r"aceconv: (stopped: )?((\d+ entr(y matches|ies match) more
                      r"\d+ entr(y|ies), \d+ errors?.*); [\d.]+ s, "
                      r"\d+ entries a second\n\Z")
 TIMES = re.compile(r"; \d+\.\d+ s, \d+ entries a second")
+VERDICTS = re.compile(r"(aceconv: (.*: \d+ entr(y|ies), \d+ errors?.*|\d+ (inputs?|other files?) not read"
+                      r".*)\n)+\Z")
 MODULE = {"base": "aceconv-base", "um": "aceconv-um"}
 
 # Under nohup and in background jobs these come ignored, and would be for the command.
@@ -58,6 +60,9 @@ class Case(unittest.TestCase):
         found = SUMMARY.search(said := done.stderr.decode())
         self.summary = found.group() if found else ""
         said = said[:len(said) - len(self.summary)]
+        found = VERDICTS.search(said)
+        self.verdicts = found.group() if found else ""
+        said = said[:len(said) - len(self.verdicts)]
         return done.returncode, done.stdout, said
 
     def ok(self, *args, stdin=b"", **more):

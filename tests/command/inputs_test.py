@@ -1,5 +1,6 @@
 """What engineers hand in: what servers put around access lists, many files, and encodings as text."""
 import json
+import resource
 import unittest
 
 from harness import Case, document, numbered
@@ -119,6 +120,89 @@ class Wrappers(Case):
                     code, _, err = self.run_command("inspect", *options, stdin=text)
                     self.assertEqual(code, 2)
                     self.assertRegex(err, "^aceconv: <stdin>:" + said)
+
+
+class Files(Case):
+    def setUp(self):
+        super().setUp()
+        for path, text in (("in/a.json", ACLS), ("in/sub/b.xml", XML), ("in/sub/c", ACLS), ("in/z.cbor", ""),
+                           ("in/readme.md", "x"), ("in/d.ndjson", '{"acl":"X","entry":{"sequence-number":10}}')):
+            (self.dir / path).parent.mkdir(parents=True, exist_ok=True)
+            (self.dir / path).write_text(text)
+        (self.dir / "in/z.cbor").write_bytes(self.ok("encode", "-q", self.dir / "in/a.json"))
+        (self.dir / "in/loop").symlink_to(self.dir / "in")
+
+    def tree(self, name="out"):
+        return sorted(str(p.relative_to(self.dir / name)) for p in (self.dir / name).rglob("*") if p.is_file())
+
+    def run_in(self, *args, **more):
+        return self.run_command(*args, cwd=self.dir, **more)
+
+    def test_a_folder_stands_for_its_files(self):
+        code, out, err = self.run_in("check", "--schema", "base", "in")
+        self.assertEqual((code, err), (0, ""))
+        self.assertEqual(out, b"7 entries checked, 0 do not come back the same\n")
+        self.assertEqual(self.verdicts, "".join(f"aceconv: {line}\n" for line in (
+            "in/a.json: 2 entries, 0 errors", "in/d.ndjson: 1 entry, 0 errors",
+            "in/sub/b.xml: 2 entries, 0 errors", "in/z.cbor: 2 entries, 0 errors",
+            "3 other files not read, whose names do not end like an input's")))
+        self.assertEqual(self.run_in("check", "-q", "in/sub", "--schema", "base")[2], "")
+
+    def test_an_output_for_each_input(self):
+        for args, names in ((("encode", "in/a.json", "in/sub", "in/sub/c", "--schema", "base"),
+                             ["a.bags", "b.bags", "c.bags"]),
+                            (("decode", "out", "--format", "xml"), ["a.xml", "b.xml", "c.xml"])):
+            target = "out" if args[0] == "encode" else "new/deep"
+            code, _, err = self.run_in(*args, "--output-dir", target)
+            self.assertEqual((code, err), (0, ""))
+            self.assertEqual(self.tree(target), names)
+        self.assertEqual((self.dir / "out/a.bags").read_bytes(), (self.dir / "in/z.cbor").read_bytes())
+        code, _, err = self.run_in("convert", "--to", "um", "in", "--output-dir", "um", "--schema", "base",
+                                   "--report", "um.losses")
+        self.assertEqual((code, self.tree("um")), (0, ["a.json", "d.json", "sub/b.json", "z.json"]), err)
+        self.ok("diff", self.dir / "in/sub/b.xml", self.dir / "um/sub/b.json")
+        # An input without entries has an output all the same; nothing is lost of it.
+        (self.dir / "none.json").write_text('{"aceconv-um:acls":{}}')
+        code, _, err = self.run_in("convert", "--to", "base", "none.json", "in/a.json", "none.json",
+                                   "--output-dir", "um")
+        self.assertIn("both be written to um/none.json", err)
+        code, _, err = self.run_in("convert", "--to", "base", "none.json", "in/a.json", "--output-dir", "um")
+        self.assertEqual((code, (self.dir / "um/none.json").read_text()), (0, '{"aceconv-base:acls":{}}\n'))
+
+    def test_all_outputs_or_none(self):
+        bad = self.dir / "in/sub/y.json"
+        bad.write_text(document("base", ("Y", numbered({"grant": "drop"}))))
+        args = ("encode", "in/a.json", "in/sub", "in/d.ndjson", "--schema", "base", "--output-dir", "out/deep")
+        code, _, err = self.run_in(*args)
+        self.assertEqual((code, (self.dir / "out").exists()), (2, False), err)
+        self.assertIn("aceconv: in/sub/y.json: 1 entry, 1 error\naceconv: 1 input not read\n", self.verdicts)
+        code, _, err = self.run_in(*args, "--keep-going")
+        self.assertEqual((code, self.tree()), (2, ["deep/a.bags", "deep/b.bags", "deep/d.bags"]))
+        self.assertEqual(err.count("\n"), 1)
+        self.assertIn("aceconv: in/sub/y.json: 1 entry, 1 error\naceconv: in/d.ndjson: 1 entry, 0 errors\n",
+                      self.verdicts)
+
+    def test_more_files_than_may_be_open(self):
+        (self.dir / "many").mkdir()
+        for i in range(300):
+            (self.dir / f"many/{i}.json").write_text(ACLS)
+        limit = lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (32, 32))
+        code, _, err = self.run_in("encode", "-q", "many", "--output-dir", "out", preexec_fn=limit)
+        self.assertEqual((code, err, len(self.tree())), (0, "", 300))
+
+    def test_what_cannot_be_meant(self):
+        (self.dir / "empty").mkdir()
+        (self.dir / "in/a.xml").write_text(XML)
+        for args, said in (
+                (("check", "empty"), "empty: no file in it ends in one of .json "),
+                (("encode", "in", "--output-dir", "out"), "in/a.json and in/a.xml would both be written to out/a.bags"),
+                (("convert", "--to", "um", "in/a.json", "--output-dir", "in"), "to be read and written at once"),
+                (("encode", "in", "--output-dir", "in/out"), "in/out lies in in, whose files are read"),
+                (("encode", "--output-dir", "out"), "standard input has no name"),
+                (("diff", "in", "in/a.json"), "in is a folder; diff compares two files")):
+            code, _, err = self.run_in(*args)
+            self.assertEqual((code, said in err), (2, True), err)
+        self.assertFalse((self.dir / "out").exists())
 
 
 if __name__ == "__main__":

@@ -9,9 +9,9 @@
 namespace aceconv::tool {
 namespace {
 
-std::optional<std::uint64_t> total_size(const std::vector<std::string> &paths) {
+std::optional<std::uint64_t> total_size(const std::vector<InputFile> &files) {
     std::uint64_t total = 0;
-    for (const std::string &path : paths) {
+    for (const auto &[path, name] : files) {
         struct stat status {};
         const int failed = path == "-" ? fstat(STDIN_FILENO, &status) : stat(path.c_str(), &status);
         if (failed != 0 || !S_ISREG(status.st_mode)) {
@@ -24,15 +24,16 @@ std::optional<std::uint64_t> total_size(const std::vector<std::string> &paths) {
 
 } // namespace
 
-Inputs::Inputs(const InputOptions &options, std::shared_ptr<InputMeter> meter)
-    : options_(options), meter_(std::move(meter)), size_(total_size(options.paths)) {
+Inputs::Inputs(const InputOptions &options, const std::vector<InputFile> &files,
+               std::shared_ptr<InputMeter> meter)
+    : options_(options), files_(files), meter_(std::move(meter)), size_(total_size(files)) {
     if (std::count(options_.paths.begin(), options_.paths.end(), "-") > 1) {
         throw UsageError("only one of the inputs can be standard input");
     }
 }
 
 bool Inputs::next(Entry &entry) {
-    for (; at_ < options_.paths.size(); end_input()) {
+    for (; at_ < files_.size(); end_input()) {
         entry.position = {};
         struct Mark {
             Position &position;
@@ -44,7 +45,7 @@ bool Inputs::next(Entry &entry) {
                 if (!meter_->may_wait) {
                     throw InputPauses(); // the first bytes cannot be read in pieces
                 }
-                source_ = open_source(options_.paths[at_], options_.format, options_.schema, meter_,
+                source_ = open_source(files_[at_].path, options_.format, options_.schema, meter_,
                                       options_.ignore_others ? OtherModules::stepped_over
                                                              : OtherModules::refused);
                 meter_->size = size_;

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "stream/source.h"
+#include "tools/aceconv/input_files.h"
 #include "tools/aceconv/options.h"
 
 namespace aceconv::tool {
@@ -15,7 +16,8 @@ namespace aceconv::tool {
 class Inputs : public Source {
   public:
     /// Throws UsageError when standard input is named twice.
-    Inputs(const InputOptions &options, std::shared_ptr<InputMeter> meter);
+    Inputs(const InputOptions &options, const std::vector<InputFile> &files,
+           std::shared_ptr<InputMeter> meter);
 
     bool next(Entry &entry) override;
     [[nodiscard]] std::optional<Schema> schema() const override;
@@ -25,6 +27,7 @@ class Inputs : public Source {
     void end_input();
 
     const InputOptions options_;
+    const std::vector<InputFile> &files_; // of the run
     const std::shared_ptr<InputMeter> meter_;
     std::optional<std::uint64_t> size_; // of them all, in bytes, when all are regular files
     std::size_t at_ = 0;

@@ -36,6 +36,12 @@ struct InputOptions {
     const char *schema_option = "--schema"; // what sets it
 };
 
+/// Of the verbs that may write an output for each input.
+struct OutputOptions {
+    std::string path = "-";
+    std::string folder = {}; // of the outputs; empty: there is one, at `path`
+};
+
 /// Of the verbs whose result can say less than their input.
 struct LossOptions {
     std::string report;  // a file to list the losses in; empty: none

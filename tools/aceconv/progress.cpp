@@ -23,18 +23,23 @@ std::string counted(std::uint64_t count, const char *one, const char *more) {
     return std::to_string(count) + " " + (count == 1 ? one : more);
 }
 
+std::string account(const Tally &tally) {
+    std::string text = counted(tally.entries, "entry", "entries") + ", " +
+                       counted(tally.errors, "error", "errors");
+    if (tally.losses != 0) {
+        text += ", " + counted(tally.losses, "loss", "losses") + " in " +
+                counted(tally.entries_with_losses, "entry", "entries");
+    }
+    return text;
+}
+
 std::string summary(const Tally &tally, const Surroundings &around, double seconds) {
     std::string text;
     if (tally.entries_widened != 0) {
         text = counted(tally.entries_widened, "entry matches", "entries match") +
                " more than before; ";
     }
-    text += counted(tally.entries, "entry", "entries") + ", " +
-            counted(tally.errors, "error", "errors");
-    if (tally.losses != 0) {
-        text += ", " + counted(tally.losses, "loss", "losses") + " in " +
-                counted(tally.entries_with_losses, "entry", "entries");
-    }
+    text += account(tally);
     text += around.text();
     char time[32];
     std::snprintf(time, sizeof time, "; %.2f s", seconds);

@@ -17,6 +17,9 @@ namespace aceconv::tool {
 /// "1 entry" or "2 entries".
 std::string counted(std::uint64_t count, const char *one, const char *more);
 
+/// "2500 entries, 1 error, 3 losses in 2 entries"
+std::string account(const Tally &tally);
+
 /// "2 entries match more than before; 2500 entries, 1 error, 3 losses in 2 entries;
 /// 0.12 s, 20833 entries a second"
 std::string summary(const Tally &tally, const Surroundings &around, double seconds);

@@ -17,22 +17,35 @@ bool progress_shown(const CommonOptions &common, const std::string &output) {
     return common.progress || (!common.quiet && isatty(STDERR_FILENO) == 1 && !shared);
 }
 
-FilesInUse files_of(const std::vector<std::string> &inputs, const std::string &output) {
+FilesInUse files_of(const InputFiles &inputs, const std::vector<std::string> &outputs) {
     FilesInUse files;
-    for (const std::string &path : inputs) {
-        files.reads(path);
+    for (const InputFile &input : inputs.files) {
+        files.reads(input.path);
     }
-    files.writes(output);
+    for (const std::string &output : outputs) {
+        files.writes(output);
+    }
     return files;
+}
+
+std::vector<std::string> names_of(const OutputOptions &output, const InputOptions &options,
+                                  const InputFiles &inputs, OutputFormat format) {
+    return output.folder.empty() ? std::vector{output.path}
+                                 : output_names(options.paths, inputs, output.folder, format);
 }
 
 } // namespace
 
-Run::Run(const CommonOptions &common, const InputOptions &input, const std::string &output,
-         Lists lists)
-    : common_(common), input_(input), lists_(lists), files_(files_of(input.paths, output)),
+Run::Run(const CommonOptions &common, const InputOptions &input, const OutputOptions &output,
+         OutputFormat format, Lists lists)
+    : common_(common), options_(input), input_(input_files(input.paths)),
+      one_each_(!output.folder.empty()), lists_(one_each_ ? Lists::apart : lists),
+      output_names_(names_of(output, input, input_, format)),
+      files_(files_of(input_, output_names_)),
       findings_(std::make_shared<Findings>(common, files_)), setup_(start(common)),
-      source_(input, meter_), progress_(progress_shown(common, output), meter_) {}
+      source_(input, input_.files, meter_),
+      progress_(progress_shown(common, one_each_ ? "" : output.path), meter_),
+      tallies_(input_.files.size()) {}
 
 void Run::begin(Work work, unsigned jobs, OnFault on_fault) {
     on_fault_ = std::move(on_fault);
@@ -44,7 +57,7 @@ void Run::begin(Work work, unsigned jobs, OnFault on_fault) {
                 output->flush();
             }
         },
-        input_.paths.size(), lists_, tally_,
+        input_.files.size(), lists_, tally_,
         [this](const Entry &entry, const DataError &fault) { return report(entry, fault); });
 }
 
@@ -64,7 +77,7 @@ EntryStream::Item *Run::next() {
         }
         return item;
     } catch (const SchemaUnknown &unknown) {
-        const std::string option = input_.schema_option;
+        const std::string option = options_.schema_option;
         const Entry &entry = *passage_->at();
         throw UsageError(shown_place(file(entry.position), entry.position, entry.key) +
                          unknown.what() + "; give " + option + " base or " + option + " um");
@@ -84,11 +97,40 @@ void Run::say_fault_of(const std::string &file, const Entry &entry, const DataEr
 bool Run::report(const Entry &entry, const DataError &fault) {
     progress_.update(tally_.entries);
     say_fault_of(file(entry.position), entry, fault);
+    charge(entry.position.input);
     stopped_ = !common_.keep_going;
     if (on_fault_) {
         on_fault_(entry, fault);
     }
     return common_.keep_going;
+}
+
+void Run::charge(std::size_t input) {
+    Tally &own = tallies_[input];
+    own.entries += tally_.entries - charged_.entries;
+    own.errors += tally_.errors - charged_.errors;
+    own.losses += tally_.losses - charged_.losses;
+    own.entries_with_losses += tally_.entries_with_losses - charged_.entries_with_losses;
+    own.entries_widened += tally_.entries_widened - charged_.entries_widened;
+    charged_ = tally_;
+}
+
+/// Of each input, up to the one at which the run stopped.
+void Run::say_verdicts() const {
+    std::size_t end = tallies_.size();
+    while (stopped_ && end > 0 && tallies_[end - 1].entries + tallies_[end - 1].errors == 0) {
+        --end;
+    }
+    for (std::size_t i = 0; i < end; ++i) {
+        say(file({0, 0, i}) + ": " + account(tallies_[i]));
+    }
+    if (end < tallies_.size()) {
+        say(counted(tallies_.size() - end, "input", "inputs") + " not read");
+    }
+    if (input_.passed_over != 0) {
+        say(counted(input_.passed_over, "other file", "other files") +
+            " not read, whose names do not end like an input's");
+    }
 }
 
 void Run::merge(const Run &other) {
@@ -107,6 +149,7 @@ void Run::each(Work work, const Emit &emit) {
     while (EntryStream::Item *item = next()) {
         try {
             emit(item->entry, item->product);
+            charge(item->entry.position.input);
         } catch (const DataError &fault) {
             fail(item->entry, fault);
         } catch (const PipeClosed &) {
@@ -131,6 +174,9 @@ void Run::finish(Output &output, Output *report, Sink *sink) {
 
 int Run::conclude() {
     surroundings_.add(source_.surroundings());
+    if (!common_.quiet && !closed_ && several()) {
+        say_verdicts();
+    }
     if (!common_.quiet && !closed_ && (tally_.entries != 0 || tally_.errors == 0)) {
         say((stopped_ ? "stopped: " : "") + summary(tally_, surroundings_, progress_.seconds()));
     }

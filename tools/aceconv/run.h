@@ -10,6 +10,7 @@
 #include "stream/files_in_use.h"
 #include "stream/sink.h"
 #include "tools/aceconv/findings.h"
+#include "tools/aceconv/input_files.h"
 #include "tools/aceconv/inputs.h"
 #include "tools/aceconv/options.h"
 #include "tools/aceconv/progress.h"
@@ -27,16 +28,23 @@ class Run {
     /// Loads the plug-in; `output` is where the product goes. Throws IoError and
     /// UsageError.
     Run(const CommonOptions &common, const InputOptions &input, const std::string &output,
-        Lists lists);
+        Lists lists)
+        : Run(common, input, OutputOptions{output, ""}, OutputFormat::json, lists) {}
+    /// The same where each input may have an output of its own.
+    Run(const CommonOptions &common, const InputOptions &input, const OutputOptions &output,
+        OutputFormat format, Lists lists = Lists::joined);
 
     [[nodiscard]] const bag_descriptor &descriptor() const { return *setup_.plugin.descriptor; }
     /// The name of the input that this entry stands in.
     [[nodiscard]] std::string file(const Position &position = {}) const {
-        return shown_name(input_.paths[position.input]);
+        return shown_name(input_.files[position.input].path);
     }
     /// The inputs' lists without entries, once they have been read.
     [[nodiscard]] std::vector<EmptyList> empty_lists() { return source_.take_empty_lists(); }
-    [[nodiscard]] bool several() const { return input_.paths.size() > 1; }
+    [[nodiscard]] bool several() const { return input_.files.size() > 1 || input_.folders; }
+    /// Whether each input has an output of its own; their names, or that of the one there is.
+    [[nodiscard]] bool one_output_each() const { return one_each_; }
+    [[nodiscard]] const std::vector<std::string> &outputs() const { return output_names_; }
     /// What to call an entry on standard output, with its input if there are several.
     [[nodiscard]] std::string shown(const Entry &entry) const;
 
@@ -69,7 +77,11 @@ class Run {
         names_lists_ = false;
     }
     /// Nothing is made; what has been found is.
-    void abandon() { findings_->commit({}, progress_.seconds()); }
+    void abandon() { commit({}); }
+    /// Puts these files in their places, together with what has been found; null is none.
+    void commit(std::vector<Output *> outputs) {
+        findings_->commit(std::move(outputs), progress_.seconds());
+    }
     /// Other files of the run beside its inputs and its output. Throw UsageError when
     /// one of them is in use already.
     void also_reads(const std::string &path) { files_.reads(path); }
@@ -77,6 +89,8 @@ class Run {
     /// What is written to `output` is handed over before the run waits for input.
     void hand_over(Output &output) { outputs_.push_back(&output); }
     [[nodiscard]] Tally &tally() { return tally_; }
+    /// What one input has come to.
+    [[nodiscard]] const Tally &tally_of(std::size_t input) const { return tallies_[input]; }
     /// Makes the other run's account a part of this one's.
     void merge(const Run &other);
 
@@ -87,9 +101,16 @@ class Run {
     /// Reports the fault; whether the run goes on.
     bool report(const Entry &entry, const DataError &fault);
 
+    /// What the account has grown by since is of this input.
+    void charge(std::size_t input);
+    void say_verdicts() const;
+
     const CommonOptions common_;
-    const InputOptions input_;
+    const InputOptions options_;
+    const InputFiles input_;
+    const bool one_each_;
     const Lists lists_;
+    const std::vector<std::string> output_names_;
     FilesInUse files_;
     std::shared_ptr<Findings> findings_;
     bool names_lists_ = true;
@@ -101,6 +122,8 @@ class Run {
     OnFault on_fault_;
     std::vector<Output *> outputs_;
     Tally tally_;
+    Tally charged_;
+    std::vector<Tally> tallies_; // of the inputs
     Surroundings surroundings_;
     bool closed_ = false;  // the reader of the output has gone, and that ends it
     bool stopped_ = false; // at a fault, since it was not to keep going

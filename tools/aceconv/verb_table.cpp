@@ -72,9 +72,18 @@ Option output_option(std::string &path) {
     return {"-o,--output", "FILE", "The file to write; - is standard output, the default", &path};
 }
 
+Option folder_option(std::string &path) {
+    return {"--output-dir",
+            "DIR",
+            "Write an output for each input, of the input's name, to this folder",
+            &path,
+            {.excludes = "--output"}};
+}
+
 Options input_options(InputOptions &input, const char *schema_names = "--schema") {
     return {{"INPUT", "FILE",
-             "The files to read, one after the other; - is standard input, the default",
+             "The files to read, one after the other, and folders of them; - is standard input, "
+             "the default",
              &input.paths},
             {"--from-format,--input", "FORMAT",
              "The input's format, when it is not to be recognised from the data",
@@ -126,7 +135,8 @@ Options common_options(CommonOptions &common) {
 Options options_of(EncodeOptions &encode) {
     return joined(
         {input_options(encode.input),
-         {output_option(encode.output),
+         {output_option(encode.output.path),
+          folder_option(encode.output.folder),
           {"--stored", "FILE",
            "Earlier encodings of the entries, whose user-defined fields are kept (base schema)",
            &encode.stored},
@@ -137,7 +147,8 @@ Options options_of(EncodeOptions &encode) {
 
 Options options_of(DecodeOptions &decode) {
     return joined({input_options(decode.input),
-                   {output_option(decode.output),
+                   {output_option(decode.output.path),
+                    folder_option(decode.output.folder),
                     {"--format,--to", "FORMAT",
                      "The format to write; json, a document, by default; text is a line in plain "
                      "words for each entry, for people: nothing reads it back",
@@ -160,7 +171,8 @@ Options options_of(ConvertOptions &convert) {
                      "The schema to convert to",
                      one_of(schemas, convert.to),
                      {.required = true}},
-                    output_option(convert.output),
+                    output_option(convert.output.path),
+                    folder_option(convert.output.folder),
                     format_option("--format,--to-format", convert.format)},
                    loss_options(convert.losses)});
 }

@@ -4,6 +4,7 @@
 
 #include "stream/text.h"
 #include "tools/aceconv/losses.h"
+#include "tools/aceconv/products.h"
 #include "tools/aceconv/verbs/verbs.h"
 
 namespace aceconv::tool {
@@ -23,22 +24,20 @@ std::string about(std::optional<Schema> from, Schema to) {
 int run_convert(const ConvertOptions &options) {
     const std::optional<Schema> from = options.input.schema;
     const Schema to = *options.to;
-    Run run(options.common, options.input, options.output, Lists::joined);
+    Run run(options.common, options.input, options.output, options.format);
     const RecordView view(run.descriptor());
-    Output output(options.output, reader_gone(options.losses, options.common));
-    const auto sink = make_sink(options.format, to, output);
+    Products products(run, options.format, to, reader_gone(options.losses, options.common));
     LossAccount account(options.losses, about(from, to), run);
-    run.hand_over(output);
     run.each(
         [&view, to, format = text_format(options.format),
          wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {
             convert_entry({codec, view, wanted}, entry, to, format, product);
         },
         [&](const Entry &entry, const Product &product) {
-            sink->write(entry.key, to, product.bytes);
+            products.write(entry, to, product.bytes);
             account.add(entry, product);
         });
-    run.finish(output, account.finish_report(), sink.get());
+    products.finish(account.finish_report());
     return std::max(account.verdict(), run.conclude());
 }
 

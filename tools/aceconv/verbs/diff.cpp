@@ -30,6 +30,9 @@ class Side {
   public:
     Side(const CommonOptions &common, const InputOptions &options, bool losses_wanted)
         : run_(common, options, "-", Lists::joined) {
+        if (run_.several()) {
+            throw UsageError(options.paths.front() + " is a folder; diff compares two files");
+        }
         const auto encode = [view = RecordView(run_.descriptor()),
                              losses_wanted](Codec &codec, Entry &entry, Product &product) {
             encode_to_compare({codec, view, losses_wanted}, entry, product);

@@ -3,9 +3,9 @@
 #include <utility>
 
 #include "stream/errors.h"
-#include "stream/sink.h"
 #include "tools/aceconv/exit_code.h"
 #include "tools/aceconv/losses.h"
+#include "tools/aceconv/products.h"
 #include "tools/aceconv/verbs/verbs.h"
 
 namespace aceconv::tool {
@@ -35,7 +35,8 @@ bool read_stored(const EncodeOptions &options, Run &run, StoredRecords &stored) 
 } // namespace
 
 int run_encode(const EncodeOptions &options) {
-    Run run(options.common, options.input, options.output, Lists::joined);
+    const OutputFormat format = options.bare ? OutputFormat::bare_cbor : OutputFormat::cbor;
+    Run run(options.common, options.input, options.output, format);
     const auto &inputs = options.input.paths;
     if (options.stored == "-" && std::find(inputs.begin(), inputs.end(), "-") != inputs.end()) {
         throw UsageError("only one of INPUT and --stored can be standard input");
@@ -50,14 +51,11 @@ int run_encode(const EncodeOptions &options) {
         }
     }
     const RecordView view(run.descriptor());
-    Output output(options.output, reader_gone(options.losses, options.common));
-    if (output.is_terminal()) {
+    Products products(run, format, Schema::base, reader_gone(options.losses, options.common));
+    if (products.to_terminal()) {
         throw UsageError("encodings are not for a terminal; redirect the output or give -o FILE");
     }
-    const auto sink = make_sink(options.bare ? OutputFormat::bare_cbor : OutputFormat::cbor,
-                                Schema::base, output);
     LossAccount account(options.losses, "\"verb\":\"encode\"", run);
-    run.hand_over(output);
     run.each(
         [&view, &stored = std::as_const(stored), any_stored,
          wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {
@@ -68,7 +66,7 @@ int run_encode(const EncodeOptions &options) {
         },
         [&](const Entry &entry, const Product &product) {
             stored.meet(entry);
-            sink->write(entry.key, entry.schema, product.bytes);
+            products.write(entry, entry.schema, product.bytes);
             account.add(entry, product);
         });
     if (!run.stopped()) {
@@ -79,7 +77,7 @@ int run_encode(const EncodeOptions &options) {
             account.add(shown_name(options.stored), left.stored, product);
         }
     }
-    run.finish(output, account.finish_report(), sink.get());
+    products.finish(account.finish_report());
     return std::max(account.verdict(), run.conclude());
 }
 

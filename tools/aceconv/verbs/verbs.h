@@ -10,7 +10,7 @@ namespace aceconv::tool {
 struct EncodeOptions {
     CommonOptions common;
     InputOptions input;
-    std::string output = "-";
+    OutputOptions output;
     std::string stored; // a file of earlier encodings; empty: none
     bool bare = false;  // no labels
     LossOptions losses;
@@ -20,7 +20,7 @@ int run_encode(const EncodeOptions &options);
 struct DecodeOptions {
     CommonOptions common;
     InputOptions input;
-    std::string output = "-";
+    OutputOptions output;
     OutputFormat format = OutputFormat::json;
     LossOptions losses;
 };
@@ -39,7 +39,7 @@ struct ConvertOptions {
     CommonOptions common;
     InputOptions input;
     std::optional<Schema> to;
-    std::string output = "-";
+    OutputOptions output;
     OutputFormat format = OutputFormat::json;
     LossOptions losses;
 };
