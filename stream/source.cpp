@@ -1,6 +1,9 @@
 #include "stream/source.h"
 
+#include <cctype>
+
 #include "host/json_scan.h"
+#include "stream/digits.h"
 #include "stream/errors.h"
 #include "stream/text.h"
 
@@ -96,8 +99,17 @@ InputFormat recognise(Window &window) {
     if (blanks == 0 && first >= 0x80 && first < 0xE0) {
         return InputFormat::cbor;
     }
-    throw StreamError("", "expected a JSON object, XML or encodings, found " +
-                              start_of(window.view().substr(blanks)));
+    const std::string_view text = window.view().substr(blanks);
+    if (begins_with_encoding(text, Digits::hexadecimal)) {
+        return InputFormat::hex;
+    }
+    if (begins_with_encoding(text, Digits::base64)) {
+        return InputFormat::base64;
+    }
+    const bool digit = std::isxdigit(first) != 0;
+    throw StreamError("",
+                      "expected a JSON object, XML or encodings, found " + start_of(text) +
+                          (digit ? "; --from-format hex or base64 takes it for encodings" : ""));
 }
 
 } // namespace
@@ -121,6 +133,12 @@ std::unique_ptr<Source> make_source(Window window, std::optional<InputFormat> fo
     case InputFormat::xml:
         leading_blanks(window);
         return make_xml_source(std::move(window), schema, others);
+    case InputFormat::hex:
+        window = bytes_of_digits(std::move(window), Digits::hexadecimal);
+        break;
+    case InputFormat::base64:
+        window = bytes_of_digits(std::move(window), Digits::base64);
+        break;
     case InputFormat::cbor:
         break;
     }

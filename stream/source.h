@@ -25,8 +25,9 @@ inline void append(std::string &bytes, Encoding encoding) {
 }
 
 /// json: a document, or entries as objects one after the other; ndjson: an
-/// entry a line; xml: a document or one entry; cbor: encodings.
-enum class InputFormat { json, ndjson, xml, cbor };
+/// entry a line; xml: a document or one entry; cbor: encodings; hex and base64: encodings
+/// as text, see bytes_of_digits.
+enum class InputFormat { json, ndjson, xml, cbor, hex, base64 };
 
 struct Position {
     // Of the entry's first character, or of the node in it that was refused; 0 where

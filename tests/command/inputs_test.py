@@ -1,6 +1,8 @@
 """What engineers hand in: what servers put around access lists, many files, and encodings as text."""
+import base64
 import json
 import resource
+import textwrap
 import unittest
 
 from harness import Case, document, numbered
@@ -203,6 +205,48 @@ class Files(Case):
             code, _, err = self.run_in(*args)
             self.assertEqual((code, said in err), (2, True), err)
         self.assertFalse((self.dir / "out").exists())
+
+
+class Digits(Case):
+    """Encodings as text."""
+    def setUp(self):
+        super().setUp()
+        self.one = self.ok("encode", stdin='{"grant":"permit","remark":"rr"}')
+        self.hex, self.base64 = self.one.hex(), base64.b64encode(self.one).decode()
+        self.wanted = self.ok("decode", "--format", "ndjson", stdin=self.one)
+
+    def test_are_recognised(self):
+        twice = base64.b64encode(self.one * 2).decode()
+        pairs = " ".join(f"0x{byte:02x}" for byte in self.one)
+        for text, count in ((self.hex, 1), (self.hex.upper() + "\r\n", 1), (f" \n{self.hex}\n\n{self.hex}\n", 2),
+                            (pairs, 1), ("0x" + self.hex + "\n0x" + self.hex, 2),
+                            ("\n".join(textwrap.wrap(self.hex * 2, 32)), 2),
+                            (self.base64, 1), (f"{self.base64}\n{self.base64}\n", 2), (self.base64 * 2, 2),
+                            ("\n".join(textwrap.wrap(twice, 76)), 2), (textwrap.fill(twice, 4), 2)):
+            with self.subTest(text[:100]):
+                self.assertEqual(self.ok("decode", "--format", "ndjson", stdin=text), self.wanted * count)
+        for form in ("hex", "base64"):
+            self.assertEqual(self.ok("decode", "--format", "ndjson",
+                                     "--from-format", form, stdin=" \n"), b"")
+
+    def test_faults_have_line_and_column(self):
+        self.assertTrue(self.base64.endswith("="))
+        for text, said, read in (
+                (self.hex + "\n83zz", "line 2, column 3: 'z' is no hexadecimal digit", 1),
+                (self.hex[:-1] + "\n", f"line 1, column {len(self.hex)}: the line ends inside of a byte", 0),
+                (self.hex[:-1], f"line 1, column {len(self.hex) - 1}: the input ends inside of a byte", 0),
+                (self.hex + "\n8 3", "line 2, column 2: a blank stands inside of a byte", 1),
+                (self.base64 + "\ng\u00e9", "line 2, column 2: '\\xc3' is no base64 digit", 1),
+                (self.base64 + "\ng=", "line 2, column 2: '=' is no base64 digit", 1),
+                (self.base64 + "\ngg=g", "line 2, column 4: 'g' is no base64 digit", 1),
+                (self.base64 + "\ngh==", "line 2, column 4: the last digit before the padding", 1),
+                (self.base64[:-5] + "\n", "the line ends inside of a group of four digits", 0),
+                (self.hex[:-2], "the encoding at byte 8 is cut off or malformed", 0),
+                ("c0ffee", "expected a JSON object, XML or encodings, found 'c0ffee'; --from-format hex or", 0)):
+            with self.subTest(said):
+                code, out, err = self.run_command("decode", "--keep-going", "--format", "ndjson", stdin=text)
+                self.assertEqual((code, out), (2, self.wanted * read), err)
+                self.assertIn(said, err)
 
 
 if __name__ == "__main__":

@@ -17,10 +17,9 @@ using Name = std::pair<const char *, Value>;
 
 constexpr Name<Schema> schemas[] = {{"base", Schema::base}, {"um", Schema::um}};
 constexpr Name<Backend> backends[] = {{"bulk", Backend::bulk}, {"validating", Backend::validating}};
-constexpr Name<InputFormat> input_formats[] = {{"json", InputFormat::json},
-                                               {"ndjson", InputFormat::ndjson},
-                                               {"xml", InputFormat::xml},
-                                               {"cbor", InputFormat::cbor}};
+constexpr Name<InputFormat> input_formats[] = {
+    {"json", InputFormat::json}, {"ndjson", InputFormat::ndjson}, {"xml", InputFormat::xml},
+    {"cbor", InputFormat::cbor}, {"hex", InputFormat::hex},       {"base64", InputFormat::base64}};
 constexpr Name<OutputFormat> text_formats[] = {
     {"json", OutputFormat::json}, {"xml", OutputFormat::xml}, {"ndjson", OutputFormat::ndjson}};
 constexpr Name<OutputFormat> decoded_formats[] = {{"json", OutputFormat::json},
