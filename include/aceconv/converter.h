@@ -36,8 +36,10 @@
 #ifdef __cplusplus
 extern "C" {
 #define ACECONV_NOEXCEPT noexcept
+#define ACECONV_ENUM : unsigned /* any number may come from C */
 #else
 #define ACECONV_NOEXCEPT
+#define ACECONV_ENUM
 #endif
 
 #if defined(__GNUC__)
@@ -50,7 +52,7 @@ typedef struct aceconv_converter aceconv_converter;
 
 /* ---- Codes and errors ----------------------------------------------------- */
 
-typedef enum aceconv_code {
+typedef enum aceconv_code ACECONV_ENUM {
     ACECONV_OK = 0,
     ACECONV_BAD_DATA = 1,       /* an entry that cannot be converted; others may follow */
     ACECONV_BAD_INPUT = 2,      /* an input whose rest cannot be read */
@@ -85,13 +87,13 @@ ACECONV_EXPORT const char *aceconv_version(void) ACECONV_NOEXCEPT;
 
 /* ---- Opening -------------------------------------------------------------- */
 
-typedef enum aceconv_schema {
+typedef enum aceconv_schema ACECONV_ENUM {
     ACECONV_SCHEMA_ANY = 0, /* as the data tell */
     ACECONV_SCHEMA_BASE = 1,
     ACECONV_SCHEMA_UM = 2
 } aceconv_schema;
 
-typedef enum aceconv_format {
+typedef enum aceconv_format ACECONV_ENUM {
     ACECONV_FORMAT_ANY = 0, /* recognised by how the input starts; as output, JSON */
     ACECONV_FORMAT_JSON = 1,
     ACECONV_FORMAT_NDJSON = 2, /* an entry a line */
@@ -101,7 +103,7 @@ typedef enum aceconv_format {
     ACECONV_FORMAT_TEXT = 6       /* an entry a line in plain words, for people; output alone */
 } aceconv_format;
 
-typedef enum aceconv_backend {
+typedef enum aceconv_backend ACECONV_ENUM {
     ACECONV_BACKEND_BULK = 0,
     ACECONV_BACKEND_VALIDATING = 1 /* slower, with the same results */
 } aceconv_backend;
@@ -139,7 +141,7 @@ typedef struct aceconv_input {
     size_t stored_length;
 } aceconv_input;
 
-typedef enum aceconv_value_kind {
+typedef enum aceconv_value_kind ACECONV_ENUM {
     ACECONV_VALUE_ABSENT = 0,
     ACECONV_VALUE_PRESENT = 1, /* without a value of its own */
     ACECONV_VALUE_NUMBER = 2,
@@ -228,7 +230,7 @@ ACECONV_EXPORT aceconv_code aceconv_diff(aceconv_converter *converter, const ace
 
 /* ---- Many entries --------------------------------------------------------- */
 
-typedef enum aceconv_verb {
+typedef enum aceconv_verb ACECONV_ENUM {
     ACECONV_ENCODE = 1,
     ACECONV_DECODE = 2,
     ACECONV_CONVERT = 3,
