@@ -194,7 +194,7 @@ class Failing(Case):
             self.assertEqual(self.left(), ["source"], call)
         self.assertEqual(self.with_failing("", *convert, CALLS="calls"), (0, ""))
         self.assertEqual((self.dir / "calls").read_text().split(),
-                         ["fsync"] * 2 + ["rename"] * 2 + ["fsync"] * 2)
+                         ["fsync"] * 2 + ["rename"] * 2 + ["fsync"])  # of their one folder
 
     def test_no_memory(self):
         """The first call for memory fails, then a later one, until none is left."""
@@ -211,7 +211,8 @@ class Failing(Case):
                 code, err = self.with_failing(f"malloc {at} 1", *args, "-q", *files)
                 if code == whole[0]:
                     break
-                self.assertEqual((code, err), (3, "aceconv: out of memory\n"), (args, at))
+                # Losses may have been said before.
+                self.assertEqual((code, err.splitlines()[-1]), (3, "aceconv: out of memory"), (args, at))
                 self.assertEqual(self.left(), ["xml"], (args, at))
                 at += step
             self.assertGreater(at, 2000)
