@@ -21,9 +21,11 @@ void add_words(const Workshop &shop, const Entry &entry, Encoding encoding,
         return;
     }
     product.words = words_of(shop, entry, encoding);
+    if (!to || !shop.words_after) {
+        return;
+    }
     try {
-        product.words_after =
-            to ? words_of_return(shop.codec, shop.view, entry, encoding, *to) : "";
+        product.words_after = words_of_return(shop.codec, shop.view, entry, encoding, *to);
     } catch (const DataError &) { // it cannot be written
     }
 }

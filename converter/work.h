@@ -30,7 +30,8 @@ struct Product {
 struct Workshop {
     Codec &codec;
     const RecordView &view;
-    bool losses; // wanted
+    bool losses;             // wanted
+    bool words_after = true; // and the words of what comes out, which cost a conversion back
 };
 
 /// The encoding of a text. `stored` is its earlier encoding, or empty.
