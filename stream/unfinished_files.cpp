@@ -92,13 +92,15 @@ void remove_unfinished_files() noexcept {
     }
 }
 
-SignalsHeld::SignalsHeld() {
-    sigset_t all;
-    sigfillset(&all);
-    for (const int signal : raised_by_faults) {
-        sigdelset(&all, signal);
+SignalsHeld::SignalsHeld(Which which) {
+    sigset_t held;
+    sigfillset(&held);
+    if (which == Which::sent) {
+        for (const int signal : raised_by_faults) {
+            sigdelset(&held, signal);
+        }
     }
-    pthread_sigmask(SIG_BLOCK, &all, &before_);
+    pthread_sigmask(SIG_BLOCK, &held, &before_);
 }
 
 SignalsHeld::~SignalsHeld() {
@@ -106,7 +108,7 @@ SignalsHeld::~SignalsHeld() {
 }
 
 int create_unfinished(std::string &name) {
-    const SignalsHeld held; // it is not there without being known
+    const SignalsHeld held(SignalsHeld::Which::all); // it is not there without being known
     std::atomic<const char *> &place = free_place();
     const int file = mkostemp(name.data(), O_CLOEXEC);
     if (file >= 0) {

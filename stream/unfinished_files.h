@@ -14,10 +14,12 @@ void install_signal_handlers();
 /// Removes all of them, from a signal handler too.
 void remove_unfinished_files() noexcept;
 
-/// Signals to this thread wait, but for those that faults of its own raise.
+/// Signals to this thread wait: `sent` those that do not come of faults of its own, `all` these too,
+/// for a few lines without faults.
 class SignalsHeld {
   public:
-    SignalsHeld();
+    enum class Which { sent, all };
+    explicit SignalsHeld(Which which = Which::sent);
     ~SignalsHeld();
     SignalsHeld(const SignalsHeld &) = delete;
     SignalsHeld &operator=(const SignalsHeld &) = delete;
