@@ -14,8 +14,8 @@ void install_signal_handlers();
 /// Removes all of them, from a signal handler too.
 void remove_unfinished_files() noexcept;
 
-/// Signals to this thread wait: `sent` those that do not come of faults of its own, `all` these too,
-/// for a few lines without faults.
+/// Signals to this thread wait: `sent` those that do not come of faults of its own, `all` these
+/// too, for a few lines without faults.
 class SignalsHeld {
   public:
     enum class Which { sent, all };
