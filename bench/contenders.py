@@ -2,6 +2,7 @@
 import filecmp
 import functools
 import json
+import os
 import pathlib
 import subprocess
 import sys
@@ -27,6 +28,10 @@ def run_name(verb, schema, threads=1, losses=True):
 
 def document_name(schema):
     return f"encode {schema}, a document"
+
+
+def library_name(schema):
+    return f"library, encode {schema}, one call an entry"
 
 
 def validating_name(schema):
@@ -205,6 +210,15 @@ def yanglint(inputs, schema, name=None, kind="config"):
                      at_rest=[*command, inputs.empty_document()], slow=True)
 
 
+def library(inputs, schema):
+    """One call an entry."""
+    command = [inputs.build / "bin/library_loop", "encode", schema]
+    lines = inputs.lines(schema)
+    return Contender(library_name(schema), [*command, lines], lines,
+                     starts_with(f"{inputs.count} entries".encode()),
+                     at_rest=[*command, os.devnull])
+
+
 def walk(inputs, schema, text, lines):
     walked = f"{inputs.count} entries, {members(lines)} members,".encode()
     return Contender(walk_name(schema, text), [inputs.build / "bin/simdjson_walk"], lines,
@@ -221,6 +235,7 @@ def contenders(inputs):
     binary = [inputs.build / "bin/protobuf_entries", "binary"]
     for schema in SCHEMAS:
         yield from verbs(inputs, schema, [(1, True), (2, True), (1, False)])
+        yield library(inputs, schema)
         yield document(inputs, schema)
         yield sorted_document(inputs, schema)
         yield walk(inputs, schema, "lines", inputs.lines(schema))

@@ -1,5 +1,6 @@
 /* Converts the entries of a file of lines through the library, one call an entry:
- *   library_loop encode|convert base|um FILE */
+ *   library_loop encode|convert base|um FILE
+ * Says how many there were. */
 #include <stdio.h>
 #include <string.h>
 
@@ -16,6 +17,7 @@ int main(int argc, char **argv) {
         return 2;
     }
     aceconv_code code = ACECONV_OK;
+    unsigned count = 0;
     while (code == ACECONV_OK && fgets(line, sizeof line, lines) != NULL) {
         const aceconv_input input = {.size = sizeof input,
                                      .data = line,
@@ -27,7 +29,9 @@ int main(int argc, char **argv) {
                 ? aceconv_encode(converter, &input, &result)
                 : aceconv_convert(converter, &input, um ? ACECONV_SCHEMA_BASE : ACECONV_SCHEMA_UM,
                                   ACECONV_FORMAT_JSON, &result);
+        count += code == ACECONV_OK;
     }
+    printf("%u entries\n", count);
     aceconv_close(converter);
     fclose(lines);
     return (int)code;

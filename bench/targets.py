@@ -2,8 +2,8 @@
 import operator
 from dataclasses import dataclass
 
-from contenders import (HUGE, LARGE, OTHER, PROTOBUF, SCHEMAS, SMALL, document_name, run_name,
-                        validating_name, walk_name, yanglint_name)
+from contenders import (HUGE, LARGE, OTHER, PROTOBUF, SCHEMAS, SMALL, document_name, library_name,
+                        run_name, validating_name, walk_name, yanglint_name)
 from tables import table
 
 AT_MOST, AT_LEAST = operator.le, operator.ge
@@ -75,6 +75,8 @@ def in_time(rows):
     yield Target("convert with its losses against encode plus decode without", "2.5", 1.6, 1.35,
                  both(ratio(of("convert"), of("encode", losses=False),
                             of("decode", losses=False, into=OTHER.get))))
+    yield Target("one call of the library for each entry against the command's encode", "", 1.5, None,
+                 both(lambda schema: rows[library_name(schema)].ratio_to(rows[encode(schema)])))
     yield Target("documents against lines, encode", "1.4", 1.1, 1.0,
                  both(ratio(aceconv(document_name), encode)))
     for verb, before in zip(VERBS, ("1.8", "1.7", "2.0")):

@@ -27,10 +27,9 @@ typedef struct head {
 } head;
 
 static size_t length_of(const record_type *record, size_t i) {
-    if (i == elements) {
-        return record->UDF.count * sizeof *record->UDF.elements;
-    }
-    return BLOCK(record, i) != NULL ? strlen(BLOCK(record, i)) + 1 : 0;
+    return i == elements              ? record->UDF.count * sizeof *record->UDF.elements
+           : BLOCK(record, i) != NULL ? strlen(BLOCK(record, i)) + 1
+                                      : 0;
 }
 
 struct bag_definition {
@@ -52,8 +51,7 @@ uint32_t bag_register(const bag_descriptor *descriptor) {
     return 0;
 }
 uint32_t bag_register_abort(void) {
-    pending = NULL;
-    return 0;
+    return bag_register_start();
 }
 uint32_t bag_register_end(void) {
     registered.descriptor = pending;
@@ -133,13 +131,11 @@ uint32_t bag_decode(const uint8_t *encoded, uint32_t length, void *record,
                      ? HOST_BAD_ENCODING
                      : decode_block(record, i, encoded + at, start.lengths[i]);
     }
-    if (status == 0 && at != length) {
-        status = HOST_BAD_ENCODING;
+    if (status == 0 && at == length) {
+        return 0;
     }
-    if (status != 0) {
-        bag_free_indirections(record, descriptor);
-    }
-    return status;
+    bag_free_indirections(record, descriptor);
+    return status != 0 ? status : HOST_BAD_ENCODING;
 }
 uint32_t bag_decode_v3(const uint8_t *encoded, uint32_t length, void *record,
                        bag_definition *definition, uint32_t mode) {

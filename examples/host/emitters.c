@@ -6,9 +6,7 @@
 #include "tree.h"
 
 static uint32_t fail(ccv_yang_output *output, uint32_t status) {
-    if (output->status == 0) {
-        output->status = status;
-    }
+    output->status = output->status != 0 ? output->status : status;
     return output->status;
 }
 

@@ -83,13 +83,11 @@ const char *ccv_yang_get_node_name(ccv_yang_node *node) {
 
 /* Digits alone: strtoull would take blanks and signs. */
 static uint32_t read_number(const ccv_yang_node *node, uint32_t largest, uint32_t *number) {
-    if (node->form != LEAF || *node->value == '\0' ||
-        node->value[strspn(node->value, "0123456789")] != '\0') {
-        return HOST_WRONG_VALUE;
-    }
+    const char *text = node->form == LEAF ? node->value : "";
     errno = 0;
-    const unsigned long long value = strtoull(node->value, NULL, 10);
-    if (errno != 0 || value > largest) {
+    const unsigned long long value = strtoull(text, NULL, 10);
+    if (*text == '\0' || text[strspn(text, "0123456789")] != '\0' || errno != 0 ||
+        value > largest) {
         return HOST_WRONG_VALUE;
     }
     *number = (uint32_t)value;
@@ -99,18 +97,15 @@ static uint32_t read_number(const ccv_yang_node *node, uint32_t largest, uint32_
 uint32_t ccv_yang_get_uint32(ccv_yang_node *node, uint32_t *value) {
     return read_number(node, UINT32_MAX, value);
 }
-uint32_t ccv_yang_get_uint16(ccv_yang_node *node, uint16_t *value) {
-    uint32_t number = *value;
-    const uint32_t status = read_number(node, UINT16_MAX, &number);
-    *value = (uint16_t)number;
-    return status;
-}
-uint32_t ccv_yang_get_uint8(ccv_yang_node *node, uint8_t *value) {
-    uint32_t number = *value;
-    const uint32_t status = read_number(node, UINT8_MAX, &number);
-    *value = (uint8_t)number;
-    return status;
-}
+#define READ_NARROW(bits)                                                                          \
+    uint32_t ccv_yang_get_uint##bits(ccv_yang_node *node, uint##bits##_t *value) {                 \
+        uint32_t number = *value;                                                                  \
+        const uint32_t status = read_number(node, UINT##bits##_MAX, &number);                      \
+        *value = (uint##bits##_t)number;                                                           \
+        return status;                                                                             \
+    }
+READ_NARROW(16)
+READ_NARROW(8)
 
 /* A null name ends a table; a row of value 0 is one like the others. */
 static uint32_t read_name(const ccv_yang_keyword *table, const char *name, size_t length,
@@ -165,11 +160,8 @@ uint32_t ccv_yang_get_ipv4(ccv_yang_node *node, uint32_t *address) {
 
 uint32_t ccv_yang_get_string(ccv_yang_node *node, char **text) {
     char *copy = node->form == LEAF ? strdup(node->value) : NULL;
-    if (copy == NULL) {
-        return node->form == LEAF ? HOST_NO_MEMORY : HOST_WRONG_VALUE;
-    }
-    *text = copy;
-    return 0;
+    *text = copy != NULL ? copy : *text;
+    return copy != NULL ? 0 : node->form == LEAF ? HOST_NO_MEMORY : HOST_WRONG_VALUE;
 }
 
 uint32_t ccv_yang_get_list_entry_count(ccv_yang_node *node, uint32_t *count) {

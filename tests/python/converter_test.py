@@ -190,8 +190,10 @@ def test_same(base):
 
 
 def test_loaded_beside_nothing_else():
-    """The extension's library offers nothing to others, and works all the same."""
+    """The extension's library offers nothing to others; it works all the same, and so does a plug-in
+    file beside the one that is built in."""
     code = ("import os, sys; sys.setdlopenflags(os.RTLD_NOW | os.RTLD_LOCAL); import aceconv;"
-            "print(len(aceconv.Converter('base').encode({'sequence-number': 1})))")
+            "print(*{len(aceconv.Converter('base', plugin=plugin).encode({'sequence-number': 1}))"
+            "        for plugin in (os.environ['ACECONV_PLUGIN'], None)})")
     done = subprocess.run([sys.executable, "-c", code], capture_output=True, text=True, check=True)
     assert int(done.stdout) > 20 and done.stderr == ""
