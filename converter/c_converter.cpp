@@ -20,7 +20,7 @@ aceconv_code code_of_current(std::string &text, std::string &path) {
         return code;
     };
     try {
-        throw;
+        throw; // cppcheck-suppress rethrowNoCurrentException ; it is called by a handler
     } catch (const Cancelled &) {
         text = "ended by the caller";
         return ACECONV_CANCELLED;

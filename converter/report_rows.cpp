@@ -128,11 +128,12 @@ std::string losses_row(const EntryPlace &place, const Product &product) {
 
 std::string difference_row(const ReportedEntry *a, const ReportedEntry *b, bool may_be_bad,
                            const std::vector<Change> &changes) {
-    const EntryKey &key = (a != nullptr ? a : b)->key;
+    const bool both = a != nullptr && b != nullptr;
+    const EntryKey &key = a != nullptr ? a->key : b->key;
     Json row = {{"acl", or_null(key.acl)}, {"sequence", or_null(key.sequence)}};
     row["a"] = side_json(a);
     row["b"] = side_json(b);
-    if (a == nullptr || b == nullptr) {
+    if (!both) {
         row["may-be-bad"] = may_be_bad;
     }
     row["changes"] = changes_json(changes);

@@ -78,8 +78,8 @@ bool TextForm::take_set(std::string_view &pattern, Step &step) {
             last = pattern.front();
             pattern.remove_prefix(1);
         }
-        for (int code = first; code <= last; ++code) {
-            step.set[static_cast<std::size_t>(code / 64)] |= std::uint64_t{1} << code % 64;
+        for (auto code = static_cast<unsigned char>(first); code <= last; ++code) {
+            step.set[code / 64U] |= std::uint64_t{1} << code % 64;
         }
     } while (several && !take(pattern, ']'));
     return true;
