@@ -6,6 +6,7 @@
 // so: it is then what the entry matches at most.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <span>
@@ -102,9 +103,9 @@ struct SideAddress {
 SideAddress source_of(const ipv4_acl_config_ace &record);
 SideAddress destination_of(const ipv4_acl_config_ace &record);
 
-/// The bits of an address that a prefix length up to 32 compares.
+/// The bits of an address that a prefix length compares; one above 32 all of them.
 constexpr std::uint32_t prefix_bits(std::uint32_t length) {
-    return length == 0 ? 0 : ~std::uint32_t{0} << (32 - length);
+    return length == 0 ? 0 : ~std::uint32_t{0} << (32 - std::min<std::uint32_t>(length, 32));
 }
 
 struct AddressBits {
