@@ -77,6 +77,26 @@ constexpr GroupField group_fields[] = {
     {Dimension::destination_port_group, bit(50), &Record::port_dst_obj, bit(9) | bit(10) | bit(11)},
 };
 
+/// The address of one side: the marks and members that hold it.
+struct AddressFields {
+    Mask address_mark, wildcard_mark, length_mark, group_mark;
+    std::uint32_t Record::*address, Record::*wildcard, Record::*length;
+};
+constexpr AddressFields source_fields = {bit(2),         bit(3),         bit(36),          bit(47),
+                                         &Record::saddr, &Record::smask, &Record::spfx_len};
+constexpr AddressFields destination_fields = {
+    bit(7), bit(8), bit(37), bit(48), &Record::daddr, &Record::dmask, &Record::dpfx_len};
+
+SideAddress side_of(const Record &record, const AddressFields &fields) {
+    return {.has_address = has(record, fields.address_mark),
+            .has_wildcard = has(record, fields.wildcard_mark),
+            .has_length = has(record, fields.length_mark),
+            .has_group = has(record, fields.group_mark),
+            .address = ntohl(record.*fields.address),
+            .wildcard = ntohl(record.*fields.wildcard),
+            .length = record.*fields.length};
+}
+
 /// The match of one record as it is put together.
 class Builder {
   public:
@@ -291,23 +311,11 @@ Compared compared_protocol(const Record &record, Schema schema) {
 }
 
 SideAddress source_of(const Record &record) {
-    return {.has_address = has(record, bit(2)),
-            .has_wildcard = has(record, bit(3)),
-            .has_length = has(record, bit(36)),
-            .has_group = has(record, bit(47)),
-            .address = ntohl(record.saddr),
-            .wildcard = ntohl(record.smask),
-            .length = record.spfx_len};
+    return side_of(record, source_fields);
 }
 
 SideAddress destination_of(const Record &record) {
-    return {.has_address = has(record, bit(7)),
-            .has_wildcard = has(record, bit(8)),
-            .has_length = has(record, bit(37)),
-            .has_group = has(record, bit(48)),
-            .address = ntohl(record.daddr),
-            .wildcard = ntohl(record.dmask),
-            .length = record.dpfx_len};
+    return side_of(record, destination_fields);
 }
 
 bool impossible_precedence(const Record &record) {

@@ -8,9 +8,10 @@
 namespace aceconv {
 namespace {
 
-std::string words_of(const Workshop &shop, const Entry &entry, Encoding encoding) {
-    const DecodedRecord record(shop.codec.descriptor(), encoding);
-    return entry_words(shop.view, record.get(), entry.schema, entry.key.sequence);
+std::string words_of(const bag_descriptor &descriptor, const RecordView &view, const Entry &entry,
+                     Encoding encoding) {
+    const DecodedRecord record(descriptor, encoding);
+    return entry_words(view, record.get(), entry.schema, entry.key.sequence);
 }
 
 /// The words of an entry with changes, and of what comes back from the schema `to` that it is
@@ -20,7 +21,7 @@ void add_words(const Workshop &shop, const Entry &entry, Encoding encoding,
     if (product.changes.empty()) {
         return;
     }
-    product.words = words_of(shop, entry, encoding);
+    product.words = words_of(shop.codec.descriptor(), shop.view, entry, encoding);
     if (!to || !shop.words_after) {
         return;
     }
@@ -101,7 +102,7 @@ void decode_entry(const Workshop &shop, Entry &entry, Format format, Product &pr
 void say_entry(const Workshop &shop, Entry &entry, Product &product) {
     require_schema(shop.codec.descriptor(), entry);
     require_encoding(entry);
-    product.bytes = words_of(shop, entry, entry.encoding);
+    product.bytes = words_of(shop.codec.descriptor(), shop.view, entry, entry.encoding);
 }
 
 std::string words_of_encoding(const bag_descriptor &descriptor, const Entry &entry) {
@@ -110,8 +111,7 @@ std::string words_of_encoding(const bag_descriptor &descriptor, const Entry &ent
             return "";
         }
         require_schema(descriptor, entry);
-        const DecodedRecord record(descriptor, entry.encoding);
-        return entry_words(RecordView(descriptor), record.get(), entry.schema, entry.key.sequence);
+        return words_of(descriptor, RecordView(descriptor), entry, entry.encoding);
     } catch (const DataError &) {
         return "";
     } catch (const SchemaUnknown &) {
@@ -131,9 +131,10 @@ Inspected inspect_entry(const Workshop &shop, Entry &entry, Product &product) {
     require_schema(shop.codec.descriptor(), entry);
     const Encoding encoding = shop.codec.encode(entry);
     const DecodedRecord record(shop.codec.descriptor(), encoding);
-    Inspected inspected{
-        encoding.size(), record.get().ConfigurationMask, record.get().ConfigurationMask2,
-        shop.view.describe(record.get(), entry.schema), words_of(shop, entry, encoding)};
+    Inspected inspected{encoding.size(), record.get().ConfigurationMask,
+                        record.get().ConfigurationMask2,
+                        shop.view.describe(record.get(), entry.schema),
+                        entry_words(shop.view, record.get(), entry.schema, entry.key.sequence)};
     if (shop.losses) {
         product.changes = losses_of_record(shop, entry, encoding);
         add_words(shop, entry, encoding, entry.schema, product);

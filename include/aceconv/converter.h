@@ -31,21 +31,14 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include "aceconv/linkage.h"
 #include "aceconv/version.h"
 
 #ifdef __cplusplus
 extern "C" {
-#define ACECONV_NOEXCEPT noexcept
 #define ACECONV_ENUM : unsigned /* any number may come from C */
 #else
-#define ACECONV_NOEXCEPT
 #define ACECONV_ENUM
-#endif
-
-#if defined(__GNUC__)
-#define ACECONV_EXPORT __attribute__((visibility("default")))
-#else
-#define ACECONV_EXPORT
 #endif
 
 typedef struct aceconv_converter aceconv_converter;

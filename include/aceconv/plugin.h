@@ -22,18 +22,10 @@
 #include "aceconv/ace_record.h"
 #include "aceconv/host/bag.h"
 #include "aceconv/host/yang_access.h"
+#include "aceconv/linkage.h"
 
 #ifdef __cplusplus
-#define ACECONV_NOEXCEPT noexcept
 extern "C" {
-#else
-#define ACECONV_NOEXCEPT
-#endif
-
-#if defined(__GNUC__)
-#define ACECONV_EXPORT __attribute__((visibility("default")))
-#else
-#define ACECONV_EXPORT
 #endif
 
 /* A node name that its container does not allow, or leaves that exclude each other. */
