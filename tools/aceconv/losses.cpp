@@ -50,33 +50,30 @@ LossAccount::~LossAccount() = default;
 void LossAccount::add(const Entry &entry, const Product &product) {
     if (!product.changes.empty()) {
         const std::string file = run_.file(entry.position);
-        note(run_.several() ? file : "", entry, product);
-        run_.findings().add_losses(file, entry, product, options_.strict);
+        note(file, run_.several(), entry, product, options_.strict);
         say_losses(file, entry, product);
     }
 }
 
 void LossAccount::add(const std::string &file, const Entry &entry, const Product &product) {
-    note(file, entry, product);
-    run_.findings().add_losses(file, entry, product, options_.strict);
+    note(file, true, entry, product, options_.strict);
     say_losses(file, entry, product);
 }
 
 void LossAccount::count(const Entry &entry, const Product &product) {
-    if (product.changes.empty()) {
-        return;
+    if (!product.changes.empty()) {
+        note(run_.file(entry.position), run_.several(), entry, product, true);
     }
-    const std::string file = run_.file(entry.position);
-    note(run_.several() ? file : "", entry, product);
-    run_.findings().add_losses(file, entry, product, true);
 }
 
-/// `file` is empty where it need not be named.
-void LossAccount::note(const std::string &file, const Entry &entry, const Product &product) {
+/// `in_report`: the report names the file; `fails`: a test report counts it as a failure.
+void LossAccount::note(const std::string &file, bool in_report, const Entry &entry,
+                       const Product &product, bool fails) {
     run_.tally().add(product.changes);
     if (report_) {
-        report_->add({file, entry.key, entry.position}, product);
+        report_->add({in_report ? file : "", entry.key, entry.position}, product);
     }
+    run_.findings().add_losses(file, entry, product, fails);
 }
 
 void LossAccount::say_losses(const std::string &file, const Entry &entry,

@@ -39,7 +39,8 @@ class LossAccount {
 
   private:
     class Report;
-    void note(const std::string &file, const Entry &entry, const Product &product);
+    void note(const std::string &file, bool in_report, const Entry &entry, const Product &product,
+              bool fails);
     void say_losses(const std::string &file, const Entry &entry, const Product &product) const;
 
     const LossOptions options_;
