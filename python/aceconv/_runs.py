@@ -6,7 +6,7 @@ import queue
 import secrets
 import stat
 import threading
-from collections.abc import Callable, Iterable, Iterator, Mapping
+from collections.abc import Callable, Iterable, Iterator
 from contextlib import contextmanager
 from itertools import islice
 from typing import IO, TYPE_CHECKING, Any, TypeAlias
@@ -18,7 +18,8 @@ if TYPE_CHECKING:
     from ._converter import Converter, EntryLike
 
 _ENCODE, _DECODE, _CONVERT, _READ = 1, 2, 3, 6
-_BARE_CBOR = 5
+_CBOR, _BARE_CBOR = 4, 5
+_TEXTS = {"json": 1, "ndjson": 2, "xml": 3}
 _CHUNK = 4096  # entries that a call of encode_many converts at once, for each thread
 _WAITING = 8   # batches that iter_entries reads ahead
 _MOST_JOBS = 256
@@ -26,6 +27,8 @@ _MOST_JOBS = 256
 Path: TypeAlias = "str | os.PathLike[str]"
 Source: TypeAlias = "str | os.PathLike[str] | int | bytes | IO[bytes]"
 OnFault: TypeAlias = "Callable[[Exception], object] | None"
+Progress: TypeAlias = "Callable[[int, int | None, int], object] | None"
+OnLoss: TypeAlias = "Callable[[Loss], object] | None"
 
 
 def _text_of(entry: EntryLike) -> Any:
@@ -197,26 +200,23 @@ def _written(target: Path) -> Iterator[int]:
         os.close(parent)
 
 
-Progress: TypeAlias = "Callable[[int, int | None, int], object] | None"
-
-
-def _run_file(verb: int, source: Source, target: Path, options: Mapping[str, Any], to: int,
-              format: int) -> tuple[Tally, list[Loss]]:
-    schema, on_loss, progress = options["schema"], options["on_loss"], options["progress"]
-    converter = _converter.Converter(schema, backend=options["backend"])
-    form = _converter.code_of(_converter.FORMAT_CODES, options["from_format"], "format")
+def _run_file(verb: int, source: Source, target: Path, *, to: int = 0, format: int,
+              schema: str | None, from_format: str | None, jobs: int, backend: str,
+              progress: Progress, on_loss: OnLoss, on_fault: OnFault) -> tuple[Tally, list[Loss]]:
+    converter = _converter.Converter(schema, backend=backend)
+    form = _converter.code_of(_converter.FORMAT_CODES, from_format, "format")
     losses: list[Loss] = []
     with _opened(source) as (data, size), _written(target) as sink:
         tick = None if progress is None else lambda done, count: progress(done, size, count)
-        tally = converter._native.run(verb, form, 0, to, format, options["jobs"], data, sink, None,
-                                      on_loss or losses.append, options["on_fault"], tick)
+        tally = converter._native.run(verb, form, 0, to, format, jobs, data, sink, None,
+                                      on_loss or losses.append, on_fault, tick)
     return Tally(*tally), losses
 
 
 def convert_file(source: Source, target: Path, *, to: str, schema: str | None = None,
                  format: str = "json", from_format: str | None = None, jobs: int = 1,
                  backend: str = "bulk", progress: Progress = None,
-                 on_loss: Callable[[Loss], object] | None = None,
+                 on_loss: OnLoss = None,
                  on_fault: OnFault = None) -> tuple[Tally, list[Loss]]:
     """Converts a file of entries or bags to the schema `to`; what came of it, and all losses.
 
@@ -227,32 +227,32 @@ def convert_file(source: Source, target: Path, *, to: str, schema: str | None = 
     left out. With `on_loss` losses are handed to that instead, for files with more of
     them than memory holds.
     """
-    options = locals()
-    return _run_file(_CONVERT, source, target, options,
-                     _converter.code_of(_converter.SCHEMA_CODES, to, "schema"),
-                     _converter.code_of(_TEXTS, format, "format of texts"))
+    return _run_file(_CONVERT, source, target,
+                     to=_converter.code_of(_converter.SCHEMA_CODES, to, "schema"),
+                     format=_converter.code_of(_TEXTS, format, "format of texts"), schema=schema,
+                     from_format=from_format, jobs=jobs, backend=backend, progress=progress,
+                     on_loss=on_loss, on_fault=on_fault)
 
 
 def encode_file(source: Source, target: Path, *, schema: str | None = None,
                 labels: bool = True, from_format: str | None = None, jobs: int = 1,
                 backend: str = "bulk", progress: Progress = None,
-                on_loss: Callable[[Loss], object] | None = None,
+                on_loss: OnLoss = None,
                 on_fault: OnFault = None) -> tuple[Tally, list[Loss]]:
     """Encodes a file of entries; see `convert_file`. Bags are labelled with list, number and
     schema unless `labels` is false."""
-    options = locals()
-    return _run_file(_ENCODE, source, target, options, 0, 4 if labels else _BARE_CBOR)
+    return _run_file(_ENCODE, source, target, format=_CBOR if labels else _BARE_CBOR, schema=schema,
+                     from_format=from_format, jobs=jobs, backend=backend, progress=progress,
+                     on_loss=on_loss, on_fault=on_fault)
 
 
 def decode_file(source: Source, target: Path, *, schema: str | None = None,
                 format: str = "json", from_format: str | None = None, jobs: int = 1,
                 backend: str = "bulk", progress: Progress = None,
-                on_loss: Callable[[Loss], object] | None = None,
+                on_loss: OnLoss = None,
                 on_fault: OnFault = None) -> tuple[Tally, list[Loss]]:
     """Decodes a file of bags; see `convert_file`."""
-    options = locals()
-    return _run_file(_DECODE, source, target, options, 0,
-                     _converter.code_of(_TEXTS, format, "format of texts"))
-
-
-_TEXTS = {"json": 1, "ndjson": 2, "xml": 3}
+    return _run_file(_DECODE, source, target,
+                     format=_converter.code_of(_TEXTS, format, "format of texts"), schema=schema,
+                     from_format=from_format, jobs=jobs, backend=backend, progress=progress,
+                     on_loss=on_loss, on_fault=on_fault)

@@ -23,13 +23,6 @@ py::bytes encoding_product(const aceconv_result &result) {
     return {reinterpret_cast<const char *>(result.bytes), result.length};
 }
 
-py::tuple with_losses(py::object product, const aceconv_result &result) {
-    if (result.change_count == 0) {
-        return py::make_tuple(std::move(product), py::none());
-    }
-    return py::make_tuple(std::move(product), loss_objects(result));
-}
-
 } // namespace
 
 View::View(py::handle object) {
@@ -99,63 +92,69 @@ const aceconv_result &Converter::result_of(Call call) {
     return *result;
 }
 
-py::tuple Converter::encode(py::handle entry, int format, int schema,
-                            const std::optional<std::string> &list, std::uint32_t sequence,
-                            const py::object &stored) {
+/// Calls the library for one entry; `product` makes what Python gets of the result.
+template <class Call, class Product>
+py::tuple Converter::made_of(py::handle entry, int format, int schema, Call call, Product product) {
     const Turn turn(*this);
     const View view(entry);
     aceconv_input input = input_of(view, format, schema);
-    input.list = list ? list->c_str() : nullptr;
-    input.sequence = sequence;
+    const aceconv_result &result = result_of([&](auto out) { return call(input, out); });
+    const py::object losses =
+        result.change_count == 0 ? py::none() : py::object(loss_objects(result));
+    return py::make_tuple(product(result), losses);
+}
+
+py::tuple Converter::encode(py::handle entry, int format, int schema,
+                            const std::optional<std::string> &list, std::uint32_t sequence,
+                            const py::object &stored) {
     std::optional<View> earlier;
     if (!stored.is_none()) {
         earlier.emplace(stored);
-        input.stored = earlier->data();
-        input.stored_length = earlier->size();
     }
-    const aceconv_result &result =
-        result_of([&](auto out) { return aceconv_encode(converter_, &input, out); });
-    return with_losses(encoding_product(result), result);
+    return made_of(
+        entry, format, schema,
+        [&](aceconv_input &input, auto out) {
+            input.list = list ? list->c_str() : nullptr;
+            input.sequence = sequence;
+            input.stored = earlier ? earlier->data() : nullptr;
+            input.stored_length = earlier ? earlier->size() : 0;
+            return aceconv_encode(converter_, &input, out);
+        },
+        encoding_product);
 }
 
 py::tuple Converter::decode(py::handle encoding, int schema, std::uint32_t sequence, int format) {
-    const Turn turn(*this);
-    const View view(encoding);
-    aceconv_input input = input_of(view, ACECONV_FORMAT_CBOR, schema);
-    input.sequence = sequence;
-    const aceconv_result &result = result_of([&](auto out) {
-        return aceconv_decode(converter_, &input, static_cast<aceconv_format>(format), out);
-    });
-    return with_losses(text_product(result), result);
+    return made_of(
+        encoding, ACECONV_FORMAT_CBOR, schema,
+        [&](aceconv_input &input, auto out) {
+            input.sequence = sequence;
+            return aceconv_decode(converter_, &input, static_cast<aceconv_format>(format), out);
+        },
+        text_product);
 }
 
 py::tuple Converter::convert(py::handle entry, int from, int schema, int to, int format) {
-    const Turn turn(*this);
-    const View view(entry);
-    const aceconv_input input = input_of(view, from, schema);
-    const aceconv_result &result = result_of([&](auto out) {
-        return aceconv_convert(converter_, &input, static_cast<aceconv_schema>(to),
-                               static_cast<aceconv_format>(format), out);
-    });
-    return with_losses(text_product(result), result);
+    return made_of(
+        entry, from, schema,
+        [&](aceconv_input &input, auto out) {
+            return aceconv_convert(converter_, &input, static_cast<aceconv_schema>(to),
+                                   static_cast<aceconv_format>(format), out);
+        },
+        text_product);
 }
 
 py::tuple Converter::inspect(py::handle entry, int format, int schema) {
-    const Turn turn(*this);
-    const View view(entry);
-    const aceconv_input input = input_of(view, format, schema);
-    const aceconv_result &result =
-        result_of([&](auto out) { return aceconv_inspect(converter_, &input, out); });
-    return with_losses(field_objects(result), result);
+    return made_of(
+        entry, format, schema,
+        [&](aceconv_input &input, auto out) { return aceconv_inspect(converter_, &input, out); },
+        field_objects);
 }
 
 py::tuple Converter::check(py::handle entry, int format, int schema) {
-    const Turn turn(*this);
-    const View view(entry);
-    const aceconv_input input = input_of(view, format, schema);
-    const aceconv_result &result =
-        result_of([&](auto out) { return aceconv_check(converter_, &input, out); });
-    return with_losses(encoding_product(result), result);
+    return made_of(
+        entry, format, schema,
+        [&](aceconv_input &input, auto out) { return aceconv_check(converter_, &input, out); },
+        encoding_product);
 }
 
 py::list Converter::diff(py::handle before, int before_format, py::handle after, int after_format,

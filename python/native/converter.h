@@ -70,6 +70,8 @@ class Converter {
     friend class Turn;
     template <class Call>
     const aceconv_result &result_of(Call call);
+    template <class Call, class Product>
+    py::tuple made_of(py::handle entry, int format, int schema, Call call, Product product);
 
     aceconv_converter *converter_ = nullptr;
     std::mutex mutex_;
