@@ -6,7 +6,7 @@ import subprocess
 import unittest
 import xml.etree.ElementTree as ElementTree
 
-from harness import ACECONV, Case, EXAMPLES, MODULE, TIMES, document, numbered
+from harness import ACECONV, Case, EXAMPLES, TIMES, document, numbered
 
 WEB = {"grant": "permit", "protocol": "tcp",
        "source-network": {"source-address": "192.0.2.0", "source-prefix-length": 24},

@@ -128,6 +128,10 @@ static void test_one_entry(void) {
     aceconv_close(converter);
 }
 
+/* A good entry, given in a way that is refused. */
+#define GOOD_BUT(...)                                                                              \
+    { .size = sizeof(aceconv_input), .data = UM_ENTRY, .length = strlen(UM_ENTRY), __VA_ARGS__ }
+
 static void test_refusals(void) {
     const aceconv_options no_losses = {.size = sizeof no_losses, .no_losses = 1};
     aceconv_converter *converter = opened(&no_losses);
@@ -146,36 +150,11 @@ static void test_refusals(void) {
         {text("{\"remark\":\"x\"}"), ACECONV_SCHEMA_UNKNOWN, 0, "", "schema"},
         {text("?"), ACECONV_BAD_INPUT, 0, "", "found '?'"},
         {{.size = 1}, ACECONV_BAD_CALL, 0, "", "size"},
-        {{.size = sizeof(aceconv_input), .data = UM_ENTRY, .length = strlen(UM_ENTRY), .list = ""},
-         ACECONV_BAD_CALL,
-         1,
-         "",
-         "empty"},
-        {{.size = sizeof(aceconv_input),
-          .data = UM_ENTRY,
-          .length = strlen(UM_ENTRY),
-          .format = ACECONV_FORMAT_TEXT},
-         ACECONV_BAD_CALL,
-         0,
-         "",
-         "cannot be read"},
-        {{.size = sizeof(aceconv_input),
-          .data = UM_ENTRY,
-          .length = strlen(UM_ENTRY),
-          .stored = "",
-          .stored_length = 0},
-         ACECONV_BAD_CALL,
-         1,
-         "",
-         "no effect"},
-        {{.size = sizeof(aceconv_input),
-          .data = UM_ENTRY,
-          .length = strlen(UM_ENTRY),
-          .schema = ACECONV_SCHEMA_BASE},
-         ACECONV_BAD_DATA,
-         1,
-         "/aceconv-base:acls/acl/entry[sequence-number='10']/permit",
-         ""},
+        {GOOD_BUT(.list = ""), ACECONV_BAD_CALL, 1, "", "empty"},
+        {GOOD_BUT(.format = ACECONV_FORMAT_TEXT), ACECONV_BAD_CALL, 0, "", "cannot be read"},
+        {GOOD_BUT(.stored = "", .stored_length = 0), ACECONV_BAD_CALL, 1, "", "no effect"},
+        {GOOD_BUT(.schema = ACECONV_SCHEMA_BASE), ACECONV_BAD_DATA, 1,
+         "/aceconv-base:acls/acl/entry[sequence-number='10']/permit", ""},
     };
     for (size_t i = 0; i < sizeof cases / sizeof cases[0]; ++i) {
         result = (const aceconv_result *)&cases; /* anything but null */
