@@ -104,7 +104,7 @@ Json side_json(const ReportedEntry *side) {
     if (side == nullptr) {
         return {};
     }
-    Json row = Json::object();
+    Json row = {{"acl", or_null(side->key.acl)}, {"sequence", or_null(side->key.sequence)}};
     add_position(row, side->position);
     row["words"] = side->words;
     return row;
@@ -126,17 +126,19 @@ std::string losses_row(const EntryPlace &place, const Product &product) {
     return text_of(row);
 }
 
-std::string difference_row(const ReportedEntry *a, const ReportedEntry *b, bool may_be_bad,
-                           const std::vector<Change> &changes) {
-    const bool both = a != nullptr && b != nullptr;
-    const EntryKey &key = a != nullptr ? a->key : b->key;
+std::string difference_row(const FoundDifference &found) {
+    const EntryKey &key = (found.a != nullptr ? found.a : found.b)->key;
     Json row = {{"acl", or_null(key.acl)}, {"sequence", or_null(key.sequence)}};
-    row["a"] = side_json(a);
-    row["b"] = side_json(b);
-    if (!both) {
-        row["may-be-bad"] = may_be_bad;
+    row["a"] = side_json(found.a);
+    row["b"] = side_json(found.b);
+    if (found.a == nullptr || found.b == nullptr) {
+        row["may-be-bad"] = found.may_be_bad;
     }
-    row["changes"] = changes_json(changes);
+    if (found.moved != nullptr) {
+        Json &other = row["moved"] = {{"sequence", or_null(found.moved->key.sequence)}};
+        add_position(other, found.moved->position);
+    }
+    row["changes"] = changes_json(found.changes);
     return text_of(row);
 }
 

@@ -29,12 +29,16 @@ std::string losses_row(const EntryPlace &place, const Product &product);
 struct ReportedEntry {
     EntryKey key;
     Position position;
-    std::string words;
+    std::string words = {};
 };
-/// What differs between them; null stands for a side that has no such entry, or, if `may_be_bad`,
-/// no good one.
-std::string difference_row(const ReportedEntry *a, const ReportedEntry *b, bool may_be_bad,
-                           const std::vector<Change> &changes);
+/// What differs between two inputs.
+struct FoundDifference {
+    const ReportedEntry *a, *b;           // null: this side has no such entry
+    const std::vector<Change> &changes;   // all that the entry says if it is on one side
+    bool may_be_bad = false;              // one of the other side's bad entries may be it
+    const ReportedEntry *moved = nullptr; // says the same at another place of the other's list
+};
+std::string difference_row(const FoundDifference &found);
 
 /// A fault; `words` may be "".
 std::string fault_row(const EntryPlace &place, const DataError &fault, const std::string &words);

@@ -281,8 +281,8 @@ class Messages(Case):
                           ("schema", ["SCHEMA", "--tree", "--json"]),
                           ("lint", ["INPUT", "--from-format", "--schema", "--rule", "--no-rule",
                                     "--list-rules", "--json", "--strict", *common]),
-                          ("diff", ["A", "B", "--schema", "--schema-a", "--schema-b", "--json", *losses,
-                                    *common])):
+                          ("diff", ["A", "B", "--schema", "--schema-a", "--schema-b", "--by", "--acl", "--json",
+                                    *losses, *common])):
             shown = self.ok(*verb.split(), "--help").decode()
             told = re.findall(r"(?m)^  (\S+).*(?:  |\} )\S+ \S+ \S+", re.sub(r"\n {20,}", "  ", shown))
             general = ["-h,--help", "--plugin", "--modules", "-V,--version"]
@@ -361,7 +361,8 @@ class KeepGoing(Case):
             with self.subTest(faults=faults):
                 paths = self.file("a", a), self.file("b", b)
                 code, out, err = self.run_command("diff", "--keep-going", *paths)
-                only = b"acl 'X' entry 21: + only in " + paths[1].encode() + b": 21 deny any any\n"
+                only = b"acl 'X' entry 21: + only in " + paths[1].encode() + b": 21 deny any any\n" \
+                    b"acl 'X' entry 21: grant (grant): absent -> 0 (deny)\n"
                 self.assertEqual((code, out), (2, only if more in b and more not in a else b""))
                 self.assertEqual(len(err.splitlines()), len(faults))
                 for line, fault in zip(sorted(err.splitlines()), faults):
@@ -374,7 +375,8 @@ class KeepGoing(Case):
         paths = self.file("a", unknown), self.file("b", known)
         code, out, _ = self.run_command("diff", "--keep-going", "--schema-a", "base", *paths)
         self.assertEqual((code, out.decode()),
-                         (2, f"entry 10: + only in {paths[1]}, or a bad entry of {paths[0]}: 10 deny any any\n"))
+                         (2, f"entry 10: + only in {paths[1]}, or a bad entry of {paths[0]}: 10 deny any any\n"
+                             "entry 10: grant (grant): absent -> 0 (deny)\n"))
 
     def test_stops_at_the_first_without(self):
         code, out, err = self.run_command("encode", stdin=self.LINES)

@@ -77,6 +77,11 @@ class Reports(Case):
         self.assertEqual([row["b"]["words"] for row in told["differences"] if not row["a"]],
                          ["30 deny any any"])
         self.valid("diff", self.ok("diff", "--json", other, other))
+        for a, b in ((path, other), (other, self.file("turned", document("um", ("X", numbered(
+                {"deny": {}}, {"permit": {"protocol": "tcp"}})))))):
+            told = self.valid("diff", self.run_command("diff", "--json", "--no-losses", "--by", "content", a, b)[1])
+        self.assertEqual([(row.get("moved"), row["b"]["line"]) for row in told["differences"] if row["b"]],
+                         [({"sequence": 20, "line": 1}, 1)])
 
     def test_lint(self):
         twice = document("base", ("X", numbered({"grant": "deny"}, {"grant": "deny", "protocol": "tcp"})), ("Y", []))

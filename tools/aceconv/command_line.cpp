@@ -59,7 +59,10 @@ struct Adding {
         }
         return add(*value);
     }
-    CLI::Option *operator()(std::vector<std::string> *values) const { return add(*values); }
+    /// Of arguments all that are left; an option is repeated for each.
+    CLI::Option *operator()(std::vector<std::string> *values) const {
+        return add(*values)->allow_extra_args(!option.names.starts_with('-'));
+    }
     CLI::Option *operator()(const Number &number) const {
         return add(*number.value)->check(CLI::Range(number.least, number.most).description(""));
     }

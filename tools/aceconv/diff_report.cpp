@@ -18,33 +18,20 @@ DiffReport::DiffReport(bool json, std::string a, std::string b)
     }
 }
 
-void DiffReport::changed(const ReportedEntry &a, const ReportedEntry &b,
-                         const std::vector<Change> &changes) {
+void DiffReport::add(const FoundDifference &found) {
     ++different_;
     if (json_) {
-        return json_->add(difference_row(&a, &b, false, changes));
+        return json_->add(difference_row(found));
     }
-    write(a, style_.red("-") + " " + a.words);
-    write(a, style_.green("+") + " " + b.words);
-    for (const Change &change : changes) {
-        write(a, change_text(change));
+    if (found.b == nullptr) {
+        return write_only(found, *found.a, style_.red("-"), a_, b_);
     }
-}
-
-void DiffReport::only_in_a(const ReportedEntry &entry, bool may_be_bad) {
-    ++different_;
-    if (json_) {
-        return json_->add(difference_row(&entry, nullptr, may_be_bad, {}));
+    if (found.a == nullptr) {
+        return write_only(found, *found.b, style_.green("+"), b_, a_);
     }
-    write_only(entry, style_.red("-"), a_, b_, may_be_bad);
-}
-
-void DiffReport::only_in_b(const ReportedEntry &entry, bool may_be_bad) {
-    ++different_;
-    if (json_) {
-        return json_->add(difference_row(nullptr, &entry, may_be_bad, {}));
-    }
-    write_only(entry, style_.green("+"), b_, a_, may_be_bad);
+    write(*found.a, style_.red("-") + " " + found.a->words);
+    write(*found.b, style_.green("+") + " " + found.b->words);
+    write_changes(*found.a, found.changes);
 }
 
 void DiffReport::finish(const Tally &tally, bool stopped) {
@@ -57,11 +44,26 @@ void DiffReport::write(const ReportedEntry &entry, const std::string &what) {
     output_.write(style_.bold(shown_entry(entry.key, entry.position)) + ": " + what + "\n");
 }
 
-void DiffReport::write_only(const ReportedEntry &entry, const std::string &sign,
-                            const std::string &here, const std::string &other, bool may_be_bad) {
+void DiffReport::write_changes(const ReportedEntry &entry, const std::vector<Change> &changes) {
+    for (const Change &change : changes) {
+        write(entry, change_text(change));
+    }
+}
+
+/// What is moved is said in full by its words alone.
+void DiffReport::write_only(const FoundDifference &found, const ReportedEntry &entry,
+                            const std::string &sign, const std::string &here,
+                            const std::string &other) {
+    if (found.moved != nullptr) {
+        const ReportedEntry &moved = *found.moved;
+        return write(entry, sign + (found.a == nullptr ? " moved from " : " moved to ") +
+                                shown_entry({std::nullopt, moved.key.sequence}, moved.position) +
+                                " of " + escaped(other) + ": " + entry.words);
+    }
     write(entry, sign + " only in " + escaped(here) +
-                     (may_be_bad ? ", or a bad entry of " + escaped(other) : "") + ": " +
+                     (found.may_be_bad ? ", or a bad entry of " + escaped(other) : "") + ": " +
                      entry.words);
+    write_changes(entry, found.changes);
 }
 
 } // namespace aceconv::tool

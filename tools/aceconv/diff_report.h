@@ -16,12 +16,7 @@ class DiffReport {
     /// The inputs' names as they are shown.
     DiffReport(bool json, std::string a, std::string b);
 
-    /// The two entries of one list and number differ so.
-    void changed(const ReportedEntry &a, const ReportedEntry &b,
-                 const std::vector<Change> &changes);
-    /// An entry of one input alone; if `may_be_bad`, one of the other's bad entries may be it.
-    void only_in_a(const ReportedEntry &entry, bool may_be_bad);
-    void only_in_b(const ReportedEntry &entry, bool may_be_bad);
+    void add(const FoundDifference &found);
     void finish(const Tally &tally, bool stopped);
 
     /// How many entries differ, or are in one input alone.
@@ -30,8 +25,9 @@ class DiffReport {
 
   private:
     void write(const ReportedEntry &entry, const std::string &what);
-    void write_only(const ReportedEntry &entry, const std::string &sign, const std::string &here,
-                    const std::string &other, bool may_be_bad);
+    void write_changes(const ReportedEntry &entry, const std::vector<Change> &changes);
+    void write_only(const FoundDifference &found, const ReportedEntry &entry,
+                    const std::string &sign, const std::string &here, const std::string &other);
 
     const std::string a_, b_;
     const Style style_;

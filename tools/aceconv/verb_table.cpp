@@ -26,6 +26,8 @@ constexpr Name<OutputFormat> decoded_formats[] = {{"json", OutputFormat::json},
                                                   {"xml", OutputFormat::xml},
                                                   {"ndjson", OutputFormat::ndjson},
                                                   {"text", OutputFormat::text}};
+constexpr Name<DiffOptions::By> matchings[] = {{"sequence", DiffOptions::By::sequence},
+                                               {"content", DiffOptions::By::content}};
 
 /// Sets `target`, a value or an optional one.
 template <class Target, class Value, std::size_t count>
@@ -194,6 +196,12 @@ Options options_of(DiffOptions &diff) {
           {"--schema-a", "SCHEMA", "The same of A alone", one_of(schemas, diff.left.schema)},
           {"--schema-b", "SCHEMA", "The same of B alone", one_of(schemas, diff.right.schema)},
           others_option(diff.ignore_others),
+          {"--by", "WHAT",
+           "What makes entries of a list go together: sequence, their number, whatever their "
+           "order (the default), or content, what they say, in their order",
+           one_of(matchings, diff.by)},
+          {"--acl", "OLD=NEW", "Compare the list OLD of A with the list NEW of B; repeatable",
+           &diff.renamed},
           {"--json", "", "Write a JSON document instead of lines", &diff.json}},
          loss_options(diff.losses)});
 }
@@ -256,9 +264,7 @@ constexpr Verb verbs[] = {
      call<ConvertOptions, run_convert>},
     {"check", "Encode, decode and encode again; show what does not come back the same",
      call<CheckOptions, run_check>},
-    {"diff",
-     "Compare two inputs, of either schema or encodings, entry by entry and field by field; the "
-     "order of entries does not matter",
+    {"diff", "Compare two inputs, of either schema or encodings, entry by entry and field by field",
      call<DiffOptions, run_diff>},
     {"lint", "Warn of what no router can mean, and of entries that never take effect",
      call<LintOptions, run_lint>},

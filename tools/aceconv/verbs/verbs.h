@@ -59,6 +59,8 @@ struct DiffOptions {
     bool ignore_others = false;   // of both
     InputOptions left = {.schema_option = "--schema-a"};
     InputOptions right = {.schema_option = "--schema-b"};
+    enum class By { sequence, content } by = By::sequence; // entries of one list go together
+    std::vector<std::string> renamed = {};                 // lists, as OLD=NEW
     bool json = false;
     LossOptions losses; // on the way to the records that are compared
 };
