@@ -4,11 +4,11 @@
 
 build_packages=(
   g++ cmake ninja-build pkg-config libsafec-dev 'libyang2-dev|libyang-dev' libcbor-dev
-  libexpat1-dev libcli11-dev nlohmann-json3-dev libsimdjson-dev libmd4c-dev
+  libexpat1-dev nettle-dev libcli11-dev nlohmann-json3-dev libsimdjson-dev libmd4c-dev
   python3-dev pybind11-dev
 )
 test_packages=(
-  libgtest-dev python3 python3-jsonschema libxml2-utils 'libyang2-tools|libyang3-tools' binutils parallel
+  libgtest-dev python3 python3-jsonschema python3-html5lib libxml2-utils 'libyang2-tools|libyang3-tools' binutils parallel
   python3-pytest python3-hypothesis python3-ncclient mandoc bash-completion zsh fish
 )
 python_packages=(python3-dev pybind11-dev) # for the Python package

@@ -123,6 +123,9 @@ void Output::flush() {
     while (!rest.empty()) {
         const ssize_t written = ::write(fd_, rest.data(), rest.size());
         if (written >= 0) {
+            if (show_) {
+                show_(rest.substr(0, static_cast<std::size_t>(written)));
+            }
             rest.remove_prefix(static_cast<std::size_t>(written));
         } else if (errno == EPIPE) {
             closed_ = true;

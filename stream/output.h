@@ -2,9 +2,11 @@
 // only when it is complete.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
+#include <utility>
 #include <vector>
 
 namespace aceconv {
@@ -37,6 +39,8 @@ class Output final : public Taker {
     /// Throws IoError, and PipeClosed when the reader has gone and that ends the run;
     /// nothing is written from then on.
     void write(std::string_view bytes) override;
+    /// Has everything shown to `show` as it is handed over.
+    void show(std::function<void(std::string_view)> show) { show_ = std::move(show); }
     /// Hands over everything that has been written, now.
     void flush();
     /// Nothing more is to be written: a file is brought to the disk and closed, beside its place.
@@ -64,6 +68,7 @@ class Output final : public Taker {
     std::string folder_;    // of a file that is put in its place
     std::string temporary_; // empty when written directly
     std::string buffer_;
+    std::function<void(std::string_view)> show_;
     int fd_ = -1;
     bool own_ = true;     // the descriptor is to be closed
     bool placed_ = false; // under its name

@@ -47,6 +47,9 @@ ReadChunk open_input(const std::string &path, std::shared_ptr<InputMeter> meter)
             throw fail(errno);
         }
         meter->read += static_cast<std::uint64_t>(got);
+        if (meter->show) {
+            meter->show({buffer, static_cast<std::size_t>(got)});
+        }
         return static_cast<std::size_t>(got);
     };
 }

@@ -20,6 +20,7 @@ struct InputMeter {
     std::uint64_t read = 0;            // bytes
     std::optional<std::uint64_t> size; // of a regular file
     bool may_wait = true;              // where nothing is there; else InputPauses is thrown
+    std::function<void(std::string_view)> show; // given what was read, "" at the end
 };
 
 /// Reads the file, or standard input for "-", whatever is there of it. Throws IoError

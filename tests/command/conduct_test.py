@@ -264,7 +264,7 @@ class Messages(Case):
         self.assertRegex(version, r"(?m)^record  ipv4_acl_config_ace [0-9a-f]{16}\nmodules /.*/yang$")
         # What there is to say behind each verb and option, which takes some words.
         losses, common = ["--report", "--strict", "--no-losses"], [
-            "--ignore-other-modules", "--keep-going", "--errors", "--junit",
+            "--ignore-other-modules", "--keep-going", "--errors", "--junit", "--html",
             "--backend", "-j,--jobs", "-q,--quiet", "--progress", "--trace[=REGEX]"]
         for verb, own in (("", ["encode", "decode", "inspect", "convert", "check", "diff", "lint", "explain",
                                 "schema", "help"]),

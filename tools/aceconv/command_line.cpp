@@ -109,6 +109,23 @@ void add_options(CLI::App &app, const std::vector<Option> &options) {
 
 using Arguments = std::vector<std::string>; // last one first
 
+/// The call as a shell would take it.
+std::string shown_call(const Arguments &arguments) {
+    constexpr const char *plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789"
+                                  "_-+=:,./@%";
+    std::string call = "aceconv";
+    for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
+        std::string quoted;
+        for (const char c : *argument) {
+            quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+        }
+        const bool is_plain =
+            !argument->empty() && argument->find_first_not_of(plain) == argument->npos;
+        call += " " + (is_plain ? *argument : "'" + quoted + "'");
+    }
+    return call;
+}
+
 /// The command line's parser, and what was asked of it.
 struct CommandLine {
     CLI::App app{command_help, "aceconv"};
@@ -119,6 +136,7 @@ struct CommandLine {
     /// than an entry to convert.
     explicit CommandLine(const Arguments &arguments) {
         app.footer(footer);
+        common.command = shown_call(arguments);
         const auto help_text = std::make_shared<HelpText>();
         help_text->label("SUBCOMMAND", "VERB");
         app.formatter(help_text);
@@ -129,7 +147,10 @@ struct CommandLine {
             if (std::find(arguments.begin(), arguments.end(), row.name) != arguments.end()) {
                 Call call = row.call(common);
                 add_options(*verb, call.options);
-                verb->final_callback([this, call = std::move(call)] { chosen = call; });
+                verb->final_callback([this, name = row.name, call = std::move(call)] {
+                    common.verb = name;
+                    chosen = call;
+                });
             }
         }
     }

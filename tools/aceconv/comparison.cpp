@@ -34,9 +34,10 @@ void Comparison::only_in(Which which, const ComparedEntry &entry, bool may_be_ba
 /// Test cases are the lists of the first input.
 void Comparison::tell(const FoundDifference &found, const ReportedEntry &entry, Which which,
                       const std::string &line) {
+    const EntryKey key = {names_.in_a(which, entry.key.acl), entry.key.sequence};
     report_.add(found);
-    a_.run().findings().add_difference(a_.file(),
-                                       {names_.in_a(which, entry.key.acl), entry.key.sequence},
+    a_.run().findings().add_found(a_.file(), key, found);
+    a_.run().findings().add_difference(a_.file(), key,
                                        shown_entry(entry.key, entry.position) + ": " + line);
 }
 

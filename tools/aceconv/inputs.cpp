@@ -32,6 +32,17 @@ Inputs::Inputs(const InputOptions &options, const std::vector<InputFile> &files,
     }
 }
 
+void Inputs::take_digests() {
+    for (const InputFile &file : files_) {
+        digests_.push_back({file.path == "-" ? "<stdin>" : file.path, {}, false});
+    }
+    meter_->show = [this](std::string_view bytes) {
+        FileDigest &file = digests_[at_];
+        file.digest.add(bytes);
+        file.whole = bytes.empty();
+    };
+}
+
 bool Inputs::next(Entry &entry) {
     for (; at_ < files_.size(); end_input()) {
         entry.position = {};

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "stream/source.h"
+#include "tools/aceconv/digest.h"
 #include "tools/aceconv/input_files.h"
 #include "tools/aceconv/options.h"
 
@@ -22,6 +23,10 @@ class Inputs : public Source {
     bool next(Entry &entry) override;
     [[nodiscard]] std::optional<Schema> schema() const override;
     [[nodiscard]] Surroundings surroundings() const override;
+    /// Takes the digest of each input as it is read. To be called first.
+    void take_digests();
+    /// Of the inputs, as far as they have been read; empty where none are taken.
+    [[nodiscard]] const std::vector<FileDigest> &digests() const { return digests_; }
 
   private:
     void end_input();
@@ -31,6 +36,7 @@ class Inputs : public Source {
     const std::shared_ptr<InputMeter> meter_;
     std::optional<std::uint64_t> size_; // of them all, in bytes, when all are regular files
     std::size_t at_ = 0;
+    std::vector<FileDigest> digests_;
     Surroundings surroundings_;      // of the inputs that have ended
     std::unique_ptr<Source> source_; // of input `at_`, once it is open
 };

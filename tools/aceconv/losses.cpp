@@ -27,13 +27,17 @@ class LossAccount::Report {
     JsonReport report_;
 };
 
-bool losses_wanted(const LossOptions &options) {
-    return !options.unsaid || options.strict || !options.report.empty();
+bool losses_wanted(const LossOptions &options, const CommonOptions &common) {
+    return !options.unsaid || options.strict || words_after_wanted(options, common);
+}
+
+bool words_after_wanted(const LossOptions &options, const CommonOptions &common) {
+    return !options.report.empty() || !common.html.empty();
 }
 
 ReaderGone reader_gone(const LossOptions &options, const CommonOptions &common) {
     const bool told = options.strict || !options.report.empty() || !common.errors.empty() ||
-                      !common.junit.empty();
+                      !common.junit.empty() || !common.html.empty();
     return told ? ReaderGone::is_ignored : ReaderGone::ends;
 }
 

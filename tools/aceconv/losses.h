@@ -12,7 +12,9 @@
 namespace aceconv::tool {
 
 /// Whether anyone asks for losses; where no one does they need not be found.
-bool losses_wanted(const LossOptions &options);
+bool losses_wanted(const LossOptions &options, const CommonOptions &common);
+/// Whether a report shows what comes out of a losing entry.
+bool words_after_wanted(const LossOptions &options, const CommonOptions &common);
 
 /// What the end of the output's reader means: the exit code or another file may still tell
 /// of losses.

@@ -26,6 +26,9 @@ struct CommonOptions {
     bool progress = false;
     std::string errors; // a file to list the faults in; empty: none
     std::string junit;  // a file for a test report; empty: none
+    std::string html;   // a file for a report that people read; empty: none
+    // What was called, for reports: the verb, and the command line as a shell would take it.
+    std::string verb, command;
 };
 
 struct InputOptions {

@@ -52,6 +52,7 @@ void Products::open() {
         make_folders(fs::path(path).parent_path(), made_);
     }
     current_ = std::make_unique<Product>(path, gone_, format_, of_none_);
+    run_.findings().watch(*current_->output, path);
 }
 
 void Products::close() {

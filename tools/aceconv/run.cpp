@@ -45,7 +45,11 @@ Run::Run(const CommonOptions &common, const InputOptions &input, const OutputOpt
       findings_(std::make_shared<Findings>(common, files_)), setup_(start(common)),
       source_(input, input_.files, meter_),
       progress_(progress_shown(common, one_each_ ? "" : output.path), meter_),
-      tallies_(input_.files.size()) {}
+      tallies_(input_.files.size()) {
+    if (findings_->takes_digests()) {
+        source_.take_digests();
+    }
+}
 
 void Run::begin(Work work, unsigned jobs, OnFault on_fault) {
     on_fault_ = std::move(on_fault);
@@ -137,6 +141,8 @@ void Run::merge(const Run &other) {
     tally_.entries += other.tally_.entries;
     tally_.errors += other.tally_.errors;
     surroundings_.add(other.source_.surroundings());
+    const auto &read = other.source_.digests();
+    digests_.insert(digests_.end(), read.begin(), read.end());
     stopped_ = stopped_ || other.stopped_;
 }
 
@@ -164,12 +170,17 @@ void Run::finish(Output &output, Output *report, Sink *sink) {
         if (sink != nullptr && (!stopped() || (output.visible() && !output.empty()))) {
             sink->close();
         }
-        findings_->commit({report, !stopped() || output.visible() ? &output : nullptr},
-                          progress_.seconds());
+        commit({report, !stopped() || output.visible() ? &output : nullptr});
     } catch (const PipeClosed &) {
         closed_ = true;
-        findings_->commit({}, progress_.seconds());
+        commit({});
     }
+}
+
+RunEnd Run::end() {
+    const auto &read = source_.digests();
+    digests_.insert(digests_.begin(), read.begin(), read.end());
+    return {tally_, stopped_, progress_.seconds(), setup_.plugin, digests_};
 }
 
 int Run::conclude() {

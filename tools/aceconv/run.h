@@ -71,17 +71,19 @@ class Run {
     /// Says a fault of a file beside the inputs.
     void say_fault_of(const std::string &file, const Entry &entry, const DataError &fault);
     [[nodiscard]] Findings &findings() const { return *findings_; }
-    /// What this run finds is a part of what the other one does, which names the lists.
+    /// What this run finds is a part of what the other one does, which names the lists. To be
+    /// called before the first entry is asked for.
     void share_findings(const Run &other) {
         findings_ = other.findings_;
         names_lists_ = false;
+        if (findings_->takes_digests()) {
+            source_.take_digests();
+        }
     }
     /// Nothing is made; what has been found is.
     void abandon() { commit({}); }
     /// Puts these files in their places, together with what has been found; null is none.
-    void commit(std::vector<Output *> outputs) {
-        findings_->commit(std::move(outputs), progress_.seconds());
-    }
+    void commit(std::vector<Output *> outputs) { findings_->commit(std::move(outputs), end()); }
     /// Other files of the run beside its inputs and its output. Throw UsageError when
     /// one of them is in use already.
     void also_reads(const std::string &path) { files_.reads(path); }
@@ -103,6 +105,7 @@ class Run {
 
     /// What the account has grown by since is of this input.
     void charge(std::size_t input);
+    [[nodiscard]] RunEnd end();
     void say_verdicts() const;
 
     const CommonOptions common_;
@@ -123,7 +126,8 @@ class Run {
     std::vector<Output *> outputs_;
     Tally tally_;
     Tally charged_;
-    std::vector<Tally> tallies_; // of the inputs
+    std::vector<Tally> tallies_;      // of the inputs
+    std::vector<FileDigest> digests_; // of inputs, once they have been read
     Surroundings surroundings_;
     bool closed_ = false;  // the reader of the output has gone, and that ends it
     bool stopped_ = false; // at a fault, since it was not to keep going

@@ -29,9 +29,11 @@ int run_convert(const ConvertOptions &options) {
     Products products(run, options.format, to, reader_gone(options.losses, options.common));
     LossAccount account(options.losses, about(from, to), run);
     run.each(
-        [&view, to, format = text_format(options.format), wanted = losses_wanted(options.losses),
-         report = !options.losses.report.empty()](Codec &codec, Entry &entry, Product &product) {
-            convert_entry({codec, view, wanted, report}, entry, to, format, product);
+        [&view, to, format = text_format(options.format),
+         wanted = losses_wanted(options.losses, options.common),
+         after = words_after_wanted(options.losses, options.common)](Codec &codec, Entry &entry,
+                                                                     Product &product) {
+            convert_entry({codec, view, wanted, after}, entry, to, format, product);
         },
         [&](const Entry &entry, const Product &product) {
             products.write(entry, to, product.bytes);

@@ -14,12 +14,13 @@ int run_decode(const DecodeOptions &options) {
                       reader_gone(options.losses, options.common));
     LossAccount account(options.losses, "\"verb\":\"decode\"", run);
     run.each(
-        [&view, format = options.format, wanted = losses_wanted(options.losses),
-         report = !options.losses.report.empty()](Codec &codec, Entry &entry, Product &product) {
+        [&view, format = options.format, wanted = losses_wanted(options.losses, options.common),
+         after = words_after_wanted(options.losses, options.common)](Codec &codec, Entry &entry,
+                                                                     Product &product) {
             if (format == OutputFormat::text) {
-                return say_entry({codec, view, wanted, report}, entry, product);
+                return say_entry({codec, view, wanted, after}, entry, product);
             }
-            decode_entry({codec, view, wanted, report}, entry, text_format(format), product);
+            decode_entry({codec, view, wanted, after}, entry, text_format(format), product);
         },
         [&](const Entry &entry, const Product &product) {
             products.write(entry, entry.schema, product.bytes);

@@ -19,7 +19,7 @@ InputOptions input_of(const DiffOptions &options, InputOptions side) {
 CommonOptions unseen(CommonOptions common) {
     common.quiet = true;
     common.progress = false;
-    common.errors = common.junit = "";
+    common.errors = common.junit = common.html = "";
     return common;
 }
 
@@ -39,13 +39,13 @@ int run_diff(const DiffOptions &options) {
         throw UsageError("only one of the two inputs can be standard input");
     }
     ListNames names(options.renamed);
-    const bool wanted = losses_wanted(options.losses);
+    const bool wanted = losses_wanted(options.losses, options.common);
     DiffSide left(Which::a, options.common, input_of(options, options.left), wanted, names);
     DiffSide right(Which::b, unseen(options.common), input_of(options, options.right), wanted,
                    names);
     right.run().share_findings(left.run());
-    for (const std::string &path :
-         {options.losses.report, options.common.errors, options.common.junit}) {
+    for (const std::string &path : {options.losses.report, options.common.errors,
+                                    options.common.junit, options.common.html}) {
         if (!path.empty()) {
             right.run().also_writes(path);
         }

@@ -58,7 +58,8 @@ int run_encode(const EncodeOptions &options) {
     LossAccount account(options.losses, "\"verb\":\"encode\"", run);
     run.each(
         [&view, &stored = std::as_const(stored), any_stored,
-         wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {
+         wanted = losses_wanted(options.losses, options.common)](Codec &codec, Entry &entry,
+                                                                 Product &product) {
             if (any_stored && entry.format && entry.schema == Schema::um) {
                 throw UsageError("--stored has no effect on entries of the UM schema");
             }

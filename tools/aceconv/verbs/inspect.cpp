@@ -44,8 +44,10 @@ int run_inspect(const InspectOptions &options) {
     bool headed = options.json;
     LossAccount account(options.losses, "\"verb\":\"inspect\"", run);
     run.hand_over(output);
+    run.findings().watch(output, options.output);
     run.each(
-        [&, wanted = losses_wanted(options.losses)](Codec &codec, Entry &entry, Product &product) {
+        [&, wanted = losses_wanted(options.losses, options.common)](Codec &codec, Entry &entry,
+                                                                    Product &product) {
             const Inspected inspected = inspect_entry({codec, view, wanted}, entry, product);
             product.bytes = options.json
                                 ? inspection_json(run.several() ? run.file(entry.position) : "",

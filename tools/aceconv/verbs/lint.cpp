@@ -81,9 +81,8 @@ class Warnings {
              const LintWarnings &warnings) {
         count_ += warnings.size();
         const std::string file = run_.file(position);
+        run_.findings().add_warnings(file, key, position, words, warnings);
         for (const LintWarning &warning : warnings) {
-            run_.findings().add_difference(file, key,
-                                           shown_place(file, position, key) + warning.text);
             if (json_) {
                 const std::string shown = run_.several() ? file : "";
                 json_->add(warning_row({shown, key, position}, warning, words));
