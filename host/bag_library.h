@@ -48,6 +48,28 @@ std::string bag_last_error();
 /// or malformed. Items of a CBOR sequence (RFC 8742) follow each other directly.
 std::optional<std::size_t> cbor_item_length(std::span<const std::uint8_t> bytes);
 
+/// The same of an item whose bytes come little by little; each is looked at once.
+class CborItemEnd {
+  public:
+    /// `bytes` begin with those of earlier calls, for none of which there was a length.
+    std::optional<std::size_t> length(std::span<const std::uint8_t> bytes);
+
+  private:
+    /// An item of indefinite length that is open.
+    struct OpenItem {
+        std::uint64_t owed; // items still to come of the array or map around it
+        std::uint8_t head;
+        bool odd = false; // in number, its elements so far
+
+        [[nodiscard]] bool takes(std::uint8_t first) const;
+        [[nodiscard]] bool may_end() const;
+    };
+
+    std::size_t at_ = 0;
+    std::uint64_t owed_ = 1; // items still to come of the innermost array or map
+    std::vector<OpenItem> open_;
+};
+
 /// One member of a described record, for those who show records.
 struct BagMember {
     std::string name;   // nested members as "Police.PoliceUnit"

@@ -73,8 +73,11 @@ class EncodingSource : public Source {
         for (;;) {
             const std::string_view view = window_.view();
             const std::span bytes(reinterpret_cast<const std::uint8_t *>(view.data()), view.size());
-            const auto length = bytes.empty() ? std::nullopt : cbor_item_length(bytes);
+            const auto length = bytes.empty() ? std::nullopt
+                                : end_        ? end_->length(bytes)
+                                              : cbor_item_length(bytes);
             if (length && *length <= max_entry_bytes) {
+                end_.reset();
                 const auto taken = bytes.first(*length);
                 item.assign(taken.begin(), taken.end());
                 window_.take(*length);
@@ -83,6 +86,9 @@ class EncodingSource : public Source {
             }
             if (length || view.size() > max_entry_bytes) {
                 fail(" is malformed or longer than " + std::to_string(max_entry_bytes) + " bytes");
+            }
+            if (!bytes.empty() && !end_) {
+                end_.emplace();
             }
             if (window_.more()) {
                 continue;
@@ -99,8 +105,9 @@ class EncodingSource : public Source {
     }
 
     Window window_;
-    std::optional<Schema> schema_; // the only one that labels may name
-    Bytes label_;                  // of the next encoding, once it has been read
+    std::optional<Schema> schema_;   // the only one that labels may name
+    std::optional<CborItemEnd> end_; // of an item that was not there as a whole
+    Bytes label_;                    // of the next encoding, once it has been read
     std::uint64_t ordinal_ = 0;
     std::uint64_t offset_ = 0;
 };

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -11,28 +13,26 @@ namespace aceconv {
 
 class XmlNamespaces {
   public:
+    using Prefixes = std::vector<std::string>;
+
     /// The prefix "" is the default, the namespace "" stands for none.
     void open(std::string_view prefix, std::string_view space);
     void close(std::string_view prefix);
-    /// The element whose tag declares what was opened last begins.
-    void begin_element() { inherited_ = open_.size() - std::exchange(own_, 0); }
+    /// The prefixes opened since the last call: those that the tag of the element that
+    /// begins declares.
+    Prefixes take_opened() { return std::exchange(opened_, {}); }
 
-    /// What is in force for the element that began last and not declared by itself, as
+    /// What is in force and may be used in `text`, an element that declares `own`, as
     /// attributes, each with a blank in front.
-    [[nodiscard]] std::string inherited() const;
+    [[nodiscard]] std::string used_in(std::string_view text, const Prefixes &own) const;
 
     /// The size of what is in force.
     [[nodiscard]] std::size_t bytes() const { return bytes_; }
 
   private:
-    struct Declaration {
-        std::string prefix, space;
-    };
-
-    std::vector<Declaration> open_; // outermost first
+    std::map<std::string, std::vector<std::string>, std::less<>> spaces_; // innermost last
     std::size_t bytes_ = 0;
-    std::size_t own_ = 0;       // of the element that begins next
-    std::size_t inherited_ = 0; // by the one that began last
+    Prefixes opened_;
 };
 
 } // namespace aceconv

@@ -102,7 +102,7 @@ class XmlSource : public Source, private XmlInput {
     void close_namespace(std::string_view prefix) override { namespaces_.close(prefix); }
 
     void start(const Name &element, std::string_view attribute) override {
-        namespaces_.begin_element();
+        XmlNamespaces::Prefixes declared = namespaces_.take_opened();
         if (++depth_ > max_depth) {
             refuse("more than " + std::to_string(max_depth) + " levels of elements");
         }
@@ -124,7 +124,7 @@ class XmlSource : public Source, private XmlInput {
             before_list_ = ordinal_;
         }
         if (place == Place::entry) {
-            begin_entry();
+            begin_entry(std::move(declared));
         } else if (place == Place::other) {
             opaque_depth_ = depth_;
         }
@@ -262,10 +262,10 @@ class XmlSource : public Source, private XmlInput {
 
     [[nodiscard]] bool in_entry() const { return opaque_depth_ != 0 && around() == Place::entry; }
 
-    void begin_entry() {
+    void begin_entry(XmlNamespaces::Prefixes declared) {
         opaque_depth_ = depth_;
         entry_begin_ = piece_begin();
-        declarations_ = namespaces_.inherited();
+        own_prefixes_ = std::move(declared);
     }
 
     void end_entry() {
@@ -291,8 +291,11 @@ class XmlSource : public Source, private XmlInput {
         entry.text.clear();
         const auto text = bytes(entry_begin_, entry_end_);
         if (text) {
-            entry.text = *text;
-            entry.text.insert(entry.text.find_first_of(" \t\r\n/>"), declarations_);
+            const std::size_t name = std::min(text->find_first_of(" \t\r\n/>"), text->size());
+            // What the entry declares itself is no longer in force.
+            entry.text.append(*text, 0, name)
+                .append(namespaces_.used_in(*text, own_prefixes_))
+                .append(*text, name);
         }
         std::optional<DataError> fault;
         if (!text || entry.text.size() > max_entry_bytes) {
@@ -349,7 +352,7 @@ class XmlSource : public Source, private XmlInput {
     std::uint64_t entry_end_ = 0;
     std::uint64_t entry_line_ = 0;
     bool in_document_ = false;
-    std::string declarations_;
+    XmlNamespaces::Prefixes own_prefixes_; // which the entry declares itself
 };
 
 } // namespace

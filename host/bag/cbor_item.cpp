@@ -2,7 +2,7 @@
 
 #include <array>
 #include <cbor.h>
-#include <vector>
+#include <utility>
 
 #include "host/bag_library.h"
 
@@ -103,72 +103,63 @@ constexpr std::uint8_t indefinite_info = 0x1F; // the lower five bits of an item
 constexpr std::uint8_t break_byte = 0xFF;
 constexpr std::uint8_t null_item = 0xF6;
 
-/// An item of indefinite length that is open.
-struct OpenItem {
-    std::uint64_t owed; // items still to come of the array or map around it
-    std::uint8_t head;
-    bool odd = false; // in number, its elements so far
+} // namespace
 
-    /// Whether an element may start with this byte.
-    [[nodiscard]] bool takes(std::uint8_t first) const {
-        const bool string = head >> 5U == 2 || head >> 5U == 3;
-        return !string || (first >> 5U == head >> 5U && (first & 0x1FU) != indefinite_info);
-    }
-    [[nodiscard]] bool may_end() const { return head >> 5U != 5 || !odd; }
-};
+/// Whether an element may start with this byte.
+bool CborItemEnd::OpenItem::takes(std::uint8_t first) const {
+    const bool string = head >> 5U == 2 || head >> 5U == 3;
+    return !string || (first >> 5U == head >> 5U && (first & 0x1FU) != indefinite_info);
+}
 
-/// The length of any item; nothing when it is cut off or malformed.
-[[gnu::cold]] std::optional<std::size_t> length_of_any(std::span<const std::uint8_t> bytes) {
-    std::size_t at = 0;
-    std::uint64_t owed = 1; // items still to come of the innermost array or map
-    std::vector<OpenItem> open;
-    while (owed > 0 || !open.empty()) {
-        if (at == bytes.size()) {
+bool CborItemEnd::OpenItem::may_end() const {
+    return head >> 5U != 5 || !odd;
+}
+
+std::optional<std::size_t> CborItemEnd::length(std::span<const std::uint8_t> bytes) {
+    while (owed_ > 0 || !open_.empty()) {
+        // Every item takes a byte at least, so no count can overflow.
+        if (at_ == bytes.size() || owed_ > bytes.size() - at_) {
             return std::nullopt;
         }
-        if (owed == 0 && bytes[at] == break_byte) {
-            if (!open.back().may_end()) {
+        const std::uint8_t first = bytes[at_];
+        if (owed_ == 0 && first == break_byte) {
+            if (!open_.back().may_end()) {
                 return std::nullopt;
             }
-            owed = open.back().owed;
-            open.pop_back();
-            ++at;
+            owed_ = open_.back().owed;
+            open_.pop_back();
+            ++at_;
             continue;
         }
-        if (owed > 0) {
-            --owed;
-        } else if (open.back().takes(bytes[at])) {
-            open.back().odd = !open.back().odd;
-        } else {
+        Item item{};
+        if ((owed_ == 0 && !open_.back().takes(first)) || first == break_byte ||
+            read_item(bytes.subspan(at_), item) != ItemStatus::ok) {
             return std::nullopt;
         }
-        Item item{};
-        if (read_item(bytes.subspan(at), item) != ItemStatus::ok || bytes[at] == break_byte) {
+        if ((item.kind == CborKind::array || item.kind == CborKind::map) &&
+            item.value > bytes.size() - at_ - item.size) {
             return std::nullopt;
+        }
+        at_ += item.size;
+        if (owed_ > 0) {
+            --owed_;
+        } else {
+            open_.back().odd = !open_.back().odd;
         }
         if (item.kind == CborKind::indefinite) {
-            open.push_back({owed, bytes[at]});
-            owed = 0;
-        }
-        at += item.size;
-        const std::size_t left = bytes.size() - at;
-        // Every item takes a byte at least, so neither count can overflow.
-        if ((item.kind == CborKind::array || item.kind == CborKind::map) && item.value > left) {
-            return std::nullopt;
-        }
-        if (item.kind == CborKind::array) {
-            owed += item.value;
+            open_.push_back({std::exchange(owed_, 0), first});
+        } else if (item.kind == CborKind::array) {
+            owed_ += item.value;
         } else if (item.kind == CborKind::map) {
-            owed += 2 * item.value;
+            owed_ += 2 * item.value;
         } else if (item.kind == CborKind::tag) {
-            owed += 1;
-        }
-        if (owed > left) {
-            return std::nullopt;
+            owed_ += 1;
         }
     }
-    return at;
+    return at_;
 }
+
+namespace {
 
 /// The bytes that a number takes, by its first.
 constexpr auto number_bytes = [] {
@@ -187,7 +178,7 @@ std::optional<std::size_t> cbor_item_length(std::span<const std::uint8_t> bytes)
     std::size_t at = 0;
     for (std::uint64_t owed = 1; owed > 0; --owed) { // items still to come
         if (at >= bytes.size()) {
-            return length_of_any(bytes);
+            return CborItemEnd().length(bytes);
         }
         if (bytes[at] < number_bytes.size()) {
             at += number_bytes[bytes[at]];
@@ -199,11 +190,11 @@ std::optional<std::size_t> cbor_item_length(std::span<const std::uint8_t> bytes)
         }
         CborHead head{};
         if (!read_cbor_head(bytes.data() + at, bytes.data() + bytes.size(), head)) {
-            return length_of_any(bytes);
+            return CborItemEnd().length(bytes);
         }
         at += head.size;
         if (head.value > bytes.size() - at) {
-            return length_of_any(bytes);
+            return CborItemEnd().length(bytes);
         }
         switch (head.kind) {
         case CborKind::bytes:
@@ -217,10 +208,10 @@ std::optional<std::size_t> cbor_item_length(std::span<const std::uint8_t> bytes)
             owed += 2 * head.value;
             break;
         default:
-            return length_of_any(bytes);
+            return CborItemEnd().length(bytes);
         }
     }
-    return at <= bytes.size() ? std::optional(at) : length_of_any(bytes);
+    return at <= bytes.size() ? std::optional(at) : CborItemEnd().length(bytes);
 }
 
 } // namespace aceconv

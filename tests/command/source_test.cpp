@@ -104,15 +104,16 @@ const Input chunk_inputs[] = {
     {"<acls xmlns='urn:aceconv:um'>\n<acl><name>A</name>\n<entry><remark>a</remark></entry></acl>"
      "</acls>",
      "A@3 <entry xmlns=\"urn:aceconv:um\"><remark>a</remark></entry>\n"},
-    // As it is written, with what is declared around it.
-    {"<a:acls xmlns:a='urn:aceconv:um' xmlns:b='\"&amp;' xmlns='urn:x'><a:acl xmlns:b='v'>\r\n"
-     "<a:entry\txmlns='u'><![CDATA[]]]]>&#13;\r\n<!---->\xC3\xA9</a:entry >\n<a:entry/>"
+    // As it is written, with what is declared around it and may be used.
+    {"<a:acls xmlns:a='urn:aceconv:um' xmlns:b='v' xmlns:c='w' xmlns='urn:x'>"
+     "<a:acl xmlns:b='\"&amp;'>\r\n"
+     "<a:entry\txmlns='u'><b:n/><![CDATA[]]]]>&#13;\r\n<!---->\xC3\xA9</a:entry >\n<a:entry/>"
      "<a:name>N&amp;<!--\n-->M</a:name><a:entry "
      "/></a:acl><a:acl><a:name>O</a:name></a:acl></a:acls>",
-     "N&M@2 <a:entry xmlns:b=\"v\" "
-     "xmlns:a=\"urn:aceconv:um\"\txmlns='u'><![CDATA[]]]]>&#13;\r\n<!---->\xC3\xA9</a:entry >\n"
-     "N&M@4 <a:entry xmlns:b=\"v\" xmlns=\"urn:x\" xmlns:a=\"urn:aceconv:um\"/>\n"
-     "N&M@5 <a:entry xmlns:b=\"v\" xmlns=\"urn:x\" xmlns:a=\"urn:aceconv:um\" />\n"},
+     "N&M@2 <a:entry xmlns:a=\"urn:aceconv:um\" xmlns:b=\"&quot;&amp;\"\txmlns='u'>"
+     "<b:n/><![CDATA[]]]]>&#13;\r\n<!---->\xC3\xA9</a:entry >\n"
+     "N&M@4 <a:entry xmlns:a=\"urn:aceconv:um\" xmlns=\"urn:x\"/>\n"
+     "N&M@5 <a:entry xmlns:a=\"urn:aceconv:um\" xmlns=\"urn:x\" />\n"},
     {"<b:entry xmlns:b='urn:aceconv:base'\n><b:entry/></b:entry>\n<!-- -->",
      "-@1 <b:entry xmlns=\"\" xmlns:b='urn:aceconv:base'\n><b:entry/></b:entry>\n"},
     {"<acls xmlns='urn:aceconv:um'><acl><name>A</name><entry/>\n<x/></acl></acls>",
