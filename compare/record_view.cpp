@@ -56,12 +56,11 @@ FieldType type_of(const std::string &described) {
     }
 }
 
-/// Whether the member has a byte that is not zero.
-bool is_set(const ipv4_acl_config_ace &record, const BagMember &member) {
-    const auto *at = reinterpret_cast<const std::uint8_t *>(&record) + member.offset;
-    return member.width <= sizeof(std::uint64_t) && std::has_single_bit(member.width)
-               ? load_number(at, member.width) != 0
-               : std::any_of(at, at + member.width, [](std::uint8_t byte) { return byte != 0; });
+/// Whether the member of `width` bytes has one that is not zero.
+bool is_set(const std::uint8_t *at, std::size_t width) {
+    return width <= sizeof(std::uint64_t) && std::has_single_bit(width)
+               ? load_number(at, width) != 0
+               : std::any_of(at, at + width, [](std::uint8_t byte) { return byte != 0; });
 }
 
 /// Adds the bits of one of the two masks, whose first one is called `first`.
@@ -71,10 +70,8 @@ void add_bits(std::uint64_t mask, int first, std::vector<int> &bits) {
     }
 }
 
-/// Reads the value of a member; whether it is anything but zero.
-bool read_value(const ipv4_acl_config_ace &record, const BagMember &member, FieldValue &shown) {
-    const auto *at = reinterpret_cast<const std::uint8_t *>(&record) + member.offset;
-    shown.type = type_of(member.type);
+/// Reads the value of the member at `at`; whether it is anything but zero.
+bool read_value(const std::uint8_t *at, FieldValue &shown) {
     if (shown.type == FieldType::user_fields) {
         const auto array = load<ace_udf_array>(at);
         if (array.elements != nullptr) {
@@ -90,7 +87,7 @@ bool read_value(const ipv4_acl_config_ace &record, const BagMember &member, Fiel
         }
         return shown.text.has_value();
     }
-    shown.number = load_number(at, member.width);
+    shown.number = load_number(at, shown.width);
     return shown.number != 0;
 }
 
@@ -117,19 +114,19 @@ bool same_user_field(const ace_udf_element &a, const ace_udf_element &b) {
 
 } // namespace
 
-RecordView::RecordView(const bag_descriptor &descriptor) : members_(bag_members(descriptor)) {
-    members_.erase(std::remove_if(members_.begin(), members_.end(),
-                                  [](const BagMember &member) { return member.type == "H"; }),
-                   members_.end());
-    for (const BagMember &member : members_) {
-        fields_.push_back(find_field(member.name));
-        if (fields_.back() == nullptr) {
+RecordView::RecordView(const bag_descriptor &descriptor) {
+    for (const BagMember &member : bag_members(descriptor)) {
+        if (member.type == "H") {
+            continue;
+        }
+        const RecordField *field = find_field(member.name);
+        if (field == nullptr) {
             throw IoError("the plug-in's record has an unknown field " + member.name);
         }
-        const RecordField &field = *fields_.back();
-        marks_.push_back(marks_of(field));
-        for (int bit = field.first_bit; bit >= 0 && bit <= field.last_bit; ++bit) {
-            marked_.at(static_cast<std::size_t>(bit)) = {member.offset, member.width};
+        const Place place{member.offset, member.width};
+        members_.push_back({place, type_of(member.type), field, marks_of(*field)});
+        for (int bit = field->first_bit; bit >= 0 && bit <= field->last_bit; ++bit) {
+            marked_.at(static_cast<std::size_t>(bit)) = place;
         }
     }
     if (members_.size() != record_fields().size()) {
@@ -142,24 +139,25 @@ std::vector<FieldValue> RecordView::describe(const ipv4_acl_config_ace &record,
     Marks left{record.ConfigurationMask, record.ConfigurationMask2};
     std::vector<FieldValue> shown;
     shown.reserve(members_.size() / 2); // of most records
-    for (std::size_t i = 0; i < members_.size(); ++i) {
-        const BagMember &member = members_[i];
-        const Marks marks{left.first & marks_[i].first, left.second & marks_[i].second};
+    for (const Member &member : members_) {
+        const Marks marks{left.first & member.marks.first, left.second & member.marks.second};
         const bool marked = (marks.first | marks.second) != 0;
-        if (!marked && !is_set(record, member)) { // most of them
+        const auto *at = reinterpret_cast<const std::uint8_t *>(&record) + member.place.offset;
+        if (!marked && !is_set(at, member.place.width)) { // most of them
             continue;
         }
         FieldValue &value = shown.emplace_back();
-        value.name = member.name;
-        value.field = fields_[i];
-        value.offset = member.offset;
-        value.width = member.width;
+        value.name = member.field->name;
+        value.field = member.field;
+        value.offset = member.place.offset;
+        value.width = member.place.width;
+        value.type = member.type;
         value.schema = schema;
         add_bits(marks.first, 0, value.bits);
         add_bits(marks.second, second_mask, value.bits);
         left.first &= ~marks.first;
         left.second &= ~marks.second;
-        const bool nonzero = read_value(record, member, value);
+        const bool nonzero = read_value(at, value);
         if (!marked && !nonzero) {
             shown.pop_back();
         } else if (!marked) {

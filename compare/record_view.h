@@ -86,10 +86,14 @@ class RecordView {
         std::size_t offset = 0;
         std::size_t width = 0;
     };
-    std::vector<BagMember> members_;
-    std::vector<const RecordField *> fields_; // of the members
-    std::vector<Marks> marks_;                // of the members
-    std::array<Place, mask_bits> marked_;     // by bit; empty for a bit without a member
+    struct Member {
+        Place place;
+        FieldType type;
+        const RecordField *field;
+        Marks marks;
+    };
+    std::vector<Member> members_;
+    std::array<Place, mask_bits> marked_; // by bit; empty for a bit without a member
 };
 
 } // namespace aceconv

@@ -24,11 +24,19 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 7> driving_c
 } // namespace
 
 std::string escaped(std::string_view text) {
-    const bool utf8 = text_fault(text) == nullptr;
-    std::string shown;
-    for (std::size_t i = 0; i < text.size();) {
-        if (text[i] >= ' ' && text[i] <= '~') { // nearly all
-            shown += text[i++];
+    const auto is_plain = [](char byte) { return byte >= ' ' && byte <= '~'; };
+    const auto plain_until = [&](std::size_t from) {
+        const auto begin = text.begin() + static_cast<std::ptrdiff_t>(from);
+        return static_cast<std::size_t>(std::find_if_not(begin, text.end(), is_plain) -
+                                        text.begin());
+    };
+    std::size_t i = plain_until(0);
+    std::string shown(text.substr(0, i)); // nearly always all of it
+    const bool utf8 = i == text.size() || text_fault(text) == nullptr;
+    while (i < text.size()) {
+        if (const std::size_t end = plain_until(i); end > i) {
+            shown += text.substr(i, end - i);
+            i = end;
             continue;
         }
         std::size_t driving = !utf8 && static_cast<unsigned char>(text[i]) >= 0x80 ? 1 : 0;
@@ -61,9 +69,11 @@ std::string printable(std::string_view text) {
 
 std::string in_quotes(std::string_view text) {
     std::string marked;
-    for (const char byte : text) {
-        marked += byte == '"' || byte == '\\' ? "\\" : "";
-        marked += byte;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find_first_of("\"\\", at + 1), text.size());
+        marked += text[at] == '"' || text[at] == '\\' ? "\\" : "";
+        marked += text.substr(at, end - at);
+        at = end;
     }
     return '"' + escaped(marked) + '"';
 }

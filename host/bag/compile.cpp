@@ -26,8 +26,8 @@ std::size_t align_up(std::size_t value, std::size_t alignment) {
 
 /// What both descriptions say, with the long one's names.
 std::vector<DescribedType> parse_both(const bag_descriptor &descriptor) {
-    auto types = parse_description(descriptor.long_description, Form::long_form);
-    const auto brief = parse_description(descriptor.short_description, Form::short_form);
+    auto types = parse_description(descriptor.long_description, DescriptionForm::long_form);
+    const auto brief = parse_description(descriptor.short_description, DescriptionForm::short_form);
     const auto same_member = [](const DescribedMember &a, const DescribedMember &b) {
         return a.code == b.code && a.number == b.number;
     };

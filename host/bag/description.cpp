@@ -10,7 +10,7 @@ namespace {
 
 class Parser {
   public:
-    Parser(std::string_view text, Form form) : text_(text), form_(form) {}
+    Parser(std::string_view text, DescriptionForm form) : text_(text), form_(form) {}
 
     std::vector<DescribedType> description() {
         std::vector<DescribedType> types;
@@ -29,13 +29,13 @@ class Parser {
   private:
     DescribedMember member() {
         DescribedMember member{};
-        if (form_ == Form::long_form) {
+        if (form_ == DescriptionForm::long_form) {
             member.name = enclosed("{", '}');
         }
         const std::size_t start = at_;
         type(member);
         member.spelling = text_.substr(start, at_ - start);
-        if (form_ == Form::short_form && member.code == '$') {
+        if (form_ == DescriptionForm::short_form && member.code == '$') {
             accept("."); // keeps a number that follows apart
         }
         return member;
@@ -54,12 +54,12 @@ class Parser {
             member.code = 'a';
             member.number = number();
             expect(")");
-        } else if (form_ == Form::long_form && first == '[') {
+        } else if (form_ == DescriptionForm::long_form && first == '[') {
             enclosed("[", ']');
             member.code = 'e';
             expect("e");
         } else if (first != '\0' &&
-                   std::string_view(form_ == Form::short_form ? "HCIDNbse" : "HCIDNbs")
+                   std::string_view(form_ == DescriptionForm::short_form ? "HCIDNbse" : "HCIDNbs")
                            .find(first) != std::string_view::npos) {
             member.code = first;
             ++at_;
@@ -105,19 +105,19 @@ class Parser {
     }
 
     [[noreturn]] void fail(const std::string &expected) const {
-        throw DataError("", std::string(form_ == Form::long_form ? "long" : "short") +
+        throw DataError("", std::string(form_ == DescriptionForm::long_form ? "long" : "short") +
                                 " description, character " + std::to_string(at_) + ": expected " +
                                 expected);
     }
 
     std::string_view text_;
-    Form form_;
+    DescriptionForm form_;
     std::size_t at_ = 0;
 };
 
 } // namespace
 
-std::vector<DescribedType> parse_description(std::string_view text, Form form) {
+std::vector<DescribedType> parse_description(std::string_view text, DescriptionForm form) {
     return Parser(text, form).description();
 }
 

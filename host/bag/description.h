@@ -30,10 +30,10 @@ struct DescribedType {
     std::vector<DescribedMember> members;
 };
 
-enum class Form { long_form, short_form };
+enum class DescriptionForm { long_form, short_form };
 
 /// The definitions in order; names and spellings point into `text`. Throws
 /// DataError naming the form, the place and what was expected.
-std::vector<DescribedType> parse_description(std::string_view text, Form form);
+std::vector<DescribedType> parse_description(std::string_view text, DescriptionForm form);
 
 } // namespace aceconv
