@@ -32,6 +32,7 @@ void reset(EntryStream::Item &item) {
     item.product.changes.clear();
     clear(item.product.words);
     clear(item.product.words_after);
+    item.product.inspected.reset();
     item.entry.key = {};
     item.fault = nullptr;
 }

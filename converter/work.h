@@ -6,6 +6,7 @@
 // and UsageError. With `losses` they add what their product does not say of the entry.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,14 @@
 
 namespace aceconv {
 
+/// A record.
+struct Inspected {
+    std::size_t bytes; // of the encoding
+    std::uint64_t mask, mask2;
+    std::vector<FieldValue> fields;
+    std::string words;
+};
+
 /// What is made of one entry: an encoding or text, and what did not come along.
 struct Product {
     std::string bytes;
@@ -24,6 +33,7 @@ struct Product {
     // be unknown. Both in terms of records.
     std::string words;
     std::string words_after;
+    std::optional<Inspected> inspected = {}; // its record, for who keeps it
 };
 
 /// What all of them work with.
@@ -51,13 +61,7 @@ std::string words_of_encoding(const bag_descriptor &descriptor, const Entry &ent
 /// The text in the schema `to` of a text or an encoding, which may be of that one already.
 void convert_entry(const Workshop &shop, Entry &entry, Schema to, Format format, Product &product);
 
-/// A record, and what its schema cannot say of it.
-struct Inspected {
-    std::size_t bytes; // of the encoding
-    std::uint64_t mask, mask2;
-    std::vector<FieldValue> fields;
-    std::string words;
-};
+/// The record, and what its schema cannot say of it.
 Inspected inspect_entry(const Workshop &shop, Entry &entry, Product &product);
 
 /// The encoding, and what does not come back when it is decoded again.

@@ -3,6 +3,20 @@
 #include "tools/aceconv/report.h"
 
 namespace aceconv::tool {
+namespace {
+
+HtmlRow row_of(const Entry &entry, const Product &product) {
+    const bool drawn = product.inspected.has_value();
+    return {drawn ? HtmlKind::record : HtmlKind::loss,
+            entry.key,
+            entry.position,
+            drawn ? product.inspected->words : product.words,
+            product.words_after,
+            product.changes,
+            drawn ? &*product.inspected : nullptr};
+}
+
+} // namespace
 
 Findings::Findings(const CommonOptions &options, FilesInUse &files) {
     if (!options.errors.empty()) {
@@ -51,11 +65,22 @@ void Findings::add_fault(const std::string &file, const Entry &entry, const Data
     }
 }
 
+void Findings::draw_records(const std::vector<BagMember> &members) {
+    if (html_) {
+        html_->draw_records(members);
+    }
+}
+
+void Findings::add_record(const std::string &file, const Entry &entry, const Product &product) {
+    if (html_) {
+        html_->add(file, row_of(entry, product));
+    }
+}
+
 void Findings::add_losses(const std::string &file, const Entry &entry, const Product &product,
                           bool fails) {
     if (html_ && !product.changes.empty()) {
-        html_->add(file, {HtmlKind::loss, entry.key, entry.position, product.words,
-                          product.words_after, product.changes});
+        html_->add(file, row_of(entry, product));
     }
     if (!junit_) {
         return;
@@ -97,10 +122,10 @@ void Findings::add_found(const std::string &file, const EntryKey &key,
         html_->add(file, {HtmlKind::moved, key, position, words(found.a), words(found.b), {}});
     } else if (found.b == nullptr) {
         html_->add(file, {HtmlKind::only_a, key, position, words(found.a), none, found.changes,
-                          found.may_be_bad});
+                          nullptr, found.may_be_bad});
     } else if (found.a == nullptr) {
         html_->add(file, {HtmlKind::only_b, key, position, words(found.b), none, found.changes,
-                          found.may_be_bad});
+                          nullptr, found.may_be_bad});
     } else {
         html_->add(file, {HtmlKind::changed, key, position, words(found.a), words(found.b),
                           found.changes});

@@ -28,6 +28,10 @@ class Findings {
     void watch(Output &output, const std::string &name);
     void add_fault(const std::string &file, const Entry &entry, const DataError &fault,
                    const std::string &words);
+    /// Records are asked for, which have these members.
+    void draw_records(const std::vector<BagMember> &members);
+    /// One of which nothing is lost.
+    void add_record(const std::string &file, const Entry &entry, const Product &product);
     /// What is lost of an entry; whether its list fails by that.
     void add_losses(const std::string &file, const Entry &entry, const Product &product,
                     bool fails);

@@ -44,7 +44,8 @@ HtmlGroups::Leaf &HtmlGroups::leaf(const ShownChange &change, std::uint64_t numb
     return leaves_[place->second];
 }
 
-void HtmlGroups::add(const HtmlRow &row, std::size_t list, std::uint64_t number) {
+void HtmlGroups::add(const HtmlRow &row, std::size_t list, std::uint64_t number,
+                     const RecordDrawing &drawing) {
     const bool widens = std::any_of(row.changes.begin(), row.changes.end(),
                                     [](const Change &change) { return change.widens; });
     List &group = lists_[list];
@@ -61,7 +62,7 @@ void HtmlGroups::add(const HtmlRow &row, std::size_t list, std::uint64_t number)
         counted.found.widening += change.widens ? 1U : 0U;
     }
     if (group.shown < entries_shown && markup_ < markup_shown) {
-        const std::string markup = table_rows(row, number);
+        const std::string markup = table_rows(row, number, drawing);
         if (markup_ + markup.size() <= markup_shown) {
             ++group.shown;
             markup_ += markup.size();

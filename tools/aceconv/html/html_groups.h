@@ -18,7 +18,8 @@ class HtmlGroups {
     /// There is an entry of the list.
     void see(std::size_t list) { ++lists_[list].entries; }
     /// `number` is the row's among all.
-    void add(const HtmlRow &row, std::size_t list, std::uint64_t number);
+    void add(const HtmlRow &row, std::size_t list, std::uint64_t number,
+             const RecordDrawing &drawing);
 
     /// [name, file] of all lists.
     [[nodiscard]] std::string lists_array() const;

@@ -78,7 +78,7 @@ void HtmlReport::add(const std::string &file, const HtmlRow &row) {
     const std::size_t list = groups_.list(file, row.key);
     ++counts_[static_cast<std::size_t>(row.kind)];
     page_.write((rows_ == 0 ? "\n" : ",\n") + data_row(row, list, strings_));
-    groups_.add(row, list, ++rows_);
+    groups_.add(row, list, ++rows_, drawing_);
 }
 
 void HtmlReport::watch(Output &output, const std::string &name) {
@@ -100,7 +100,7 @@ std::string HtmlReport::part(std::string_view name, const RunEnd &end) const {
     const VerbWords &words = words_of(verb_);
     if (name == "shared") {
         return "{\"strings\":" + strings_.array() + ",\n\"lists\":" + groups_.lists_array() +
-               ",\n\"kinds\":" + kinds_array() + "}";
+               ",\n\"kinds\":" + kinds_array() + ",\n\"layout\":" + drawing_.layout_array() + "}";
     }
     if (name == "title") {
         return words.title;
@@ -136,8 +136,9 @@ std::string HtmlReport::verdict(const RunEnd &end) const {
     const VerbWords &words = words_of(verb_);
     const std::uint64_t differences = count(HtmlKind::changed) + count(HtmlKind::only_a) +
                                       count(HtmlKind::only_b) + count(HtmlKind::moved);
-    const std::uint64_t found =
-        verb_ == "diff" ? differences : count(HtmlKind::loss) + count(HtmlKind::warning);
+    const std::uint64_t found = verb_ == "diff"   ? differences
+                                : verb_ == "lint" ? count(HtmlKind::warning)
+                                                  : end.tally.entries_with_losses;
     std::string text = found == 0 ? std::string(words.none) : counted(found, words.one, words.more);
     if (end.tally.entries_widened != 0) {
         text += "; " + counted(end.tally.entries_widened, "matches", "match") +

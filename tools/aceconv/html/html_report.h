@@ -35,6 +35,8 @@ class HtmlReport {
     /// There is an entry of this list.
     void see(const std::string &file, const EntryKey &key) { groups_.see(groups_.list(file, key)); }
     void add(const std::string &file, const HtmlRow &row);
+    /// Records have these members.
+    void draw_records(const std::vector<BagMember> &members) { drawing_ = RecordDrawing(members); }
     /// What is written to `output`, which has this name, is a product of the run.
     void watch(Output &output, const std::string &name);
     /// Writes the rest; `written` are the products that are complete.
@@ -59,8 +61,9 @@ class HtmlReport {
     HtmlPage page_;
     HtmlGroups groups_;
     SharedStrings strings_;
+    RecordDrawing drawing_;
     std::deque<Product> products_;
-    std::array<std::uint64_t, 7> counts_{}; // of rows, by kind
+    std::array<std::uint64_t, 8> counts_{}; // of rows, by kind
     std::uint64_t rows_ = 0;
 };
 

@@ -22,7 +22,7 @@ struct KindWords {
 constexpr KindWords kinds[] = {{"", "before", "after", true}, {"", "A", "B", true},
                                {"only in A", "A", "", true},  {"only in B", "B", "", true},
                                {"moved", "A", "B", true},     {"fault", "entry", "", false},
-                               {"", "entry", "", false}};
+                               {"", "entry", "", false},      {"", "record", "written", true}};
 constexpr const char *may_be_bad_tag = "or a bad entry there";
 constexpr const char *widens_tag = "matches more";
 
@@ -125,7 +125,8 @@ std::string data_row(const HtmlRow &row, std::size_t list, SharedStrings &string
                 (change.widens ? "1" : "0") + "]";
         between = ",";
     }
-    return text + (row.may_be_bad ? "],1]" : "],0]");
+    return text + (row.may_be_bad ? "],1" : "],0") +
+           (row.record != nullptr ? "," + record_array(*row.record) + "]" : "]");
 }
 
 std::string kinds_array() {
@@ -137,7 +138,7 @@ std::string kinds_array() {
     return array + "]";
 }
 
-std::string table_rows(const HtmlRow &row, std::uint64_t number) {
+std::string table_rows(const HtmlRow &row, std::uint64_t number, const RecordDrawing &drawing) {
     const KindWords &kind = words_of(row.kind);
     const std::string id = "e" + std::to_string(number), place = where(row.position);
     const std::string name =
@@ -166,6 +167,9 @@ std::string table_rows(const HtmlRow &row, std::uint64_t number) {
         text += "<tr><th scope=\"row\">" + html_text(shown.leaf) + "</th>" +
                 value_cell("before", shown.before) + value_cell("after", shown.after) +
                 value_cell("reason", shown.reason) + "</tr>\n";
+    }
+    if (row.record != nullptr) {
+        text += drawing.row(*row.record);
     }
     return text + "</tbody>\n";
 }

@@ -8,11 +8,13 @@
 #include <vector>
 
 #include "compare/changes.h"
+#include "converter/work.h"
 #include "stream/source.h"
+#include "tools/aceconv/html/html_record.h"
 
 namespace aceconv::tool {
 
-enum class HtmlKind : std::uint8_t { loss, changed, only_a, only_b, moved, fault, warning };
+enum class HtmlKind : std::uint8_t { loss, changed, only_a, only_b, moved, fault, warning, record };
 
 struct HtmlRow {
     HtmlKind kind;
@@ -21,7 +23,8 @@ struct HtmlRow {
     const std::string &words;       // "" is unknown
     const std::string &words_after; // the same, or none
     const std::vector<Change> &changes;
-    bool may_be_bad = false; // an entry of one side, which a bad one of the other may be
+    const Inspected *record = nullptr; // to be drawn
+    bool may_be_bad = false;           // an entry of one side, which a bad one of the other may be
 };
 
 /// What a row shows of a change.
@@ -44,13 +47,13 @@ class SharedStrings {
     std::vector<const std::string *> texts_;
 };
 
-/// [kind, list, sequence or null, line or "#item", words, words after, changes, may be bad], a
-/// change being [leaf, before, after, reason, widens].
+/// [kind, list, sequence or null, line or "#item", words, words after, changes, may be bad], and
+/// the record if there is one; a change is [leaf, before, after, reason, widens].
 std::string data_row(const HtmlRow &row, std::size_t list, SharedStrings &strings);
 /// What the page says of each kind, as an array.
 std::string kinds_array();
 
 /// The group of table rows that shows it; `number` counts from 1.
-std::string table_rows(const HtmlRow &row, std::uint64_t number);
+std::string table_rows(const HtmlRow &row, std::uint64_t number, const RecordDrawing &drawing);
 
 } // namespace aceconv::tool

@@ -45,15 +45,19 @@ int run_inspect(const InspectOptions &options) {
     LossAccount account(options.losses, "\"verb\":\"inspect\"", run);
     run.hand_over(output);
     run.findings().watch(output, options.output);
+    run.findings().draw_records(bag_members(run.descriptor()));
     run.each(
         [&, wanted = losses_wanted(options.losses, options.common)](Codec &codec, Entry &entry,
                                                                     Product &product) {
-            const Inspected inspected = inspect_entry({codec, view, wanted}, entry, product);
+            Inspected inspected = inspect_entry({codec, view, wanted}, entry, product);
             product.bytes = options.json
                                 ? inspection_json(run.several() ? run.file(entry.position) : "",
                                                   entry, inspected) +
                                       "\n"
                                 : as_text(run.shown(entry), inspected, style);
+            if (!options.common.html.empty()) {
+                product.inspected = std::move(inspected);
+            }
         },
         [&](const Entry &entry, const Product &product) {
             if (!std::exchange(headed, true)) {
@@ -62,6 +66,9 @@ int run_inspect(const InspectOptions &options) {
             }
             output.write(product.bytes);
             account.add(entry, product);
+            if (product.changes.empty()) {
+                run.findings().add_record(run.file(entry.position), entry, product);
+            }
         });
     run.finish(output, account.finish_report());
     return std::max(account.verdict(), run.conclude());
