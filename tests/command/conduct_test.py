@@ -285,7 +285,7 @@ class Messages(Case):
                                     *losses, *common])):
             shown = self.ok(*verb.split(), "--help").decode()
             told = re.findall(r"(?m)^  (\S+).*(?:  |\} )\S+ \S+ \S+", re.sub(r"\n {20,}", "  ", shown))
-            general = ["-h,--help", "--plugin", "--modules", "-V,--version"]
+            general = ["-h,--help", "--plugin", "--modules", "--color", "-V,--version"]
             self.assertEqual(sorted(told), sorted(general + own), shown)
             self.assertRegex(shown, r"\A\S+ \S+ .*\nUsage: aceconv ")
             self.assertRegex(shown, r"\nFormats: json .*,\n.*first bytes\.\nExit codes: 0 done; 1 .* "
@@ -300,9 +300,11 @@ class Messages(Case):
         name = self.file("\x1b[31m\u202e\x85", lossy := '{"permit":{},"deny":{}}\n')
         for args in (("inspect", name, self.file("lossy", lossy)), ("check", name, self.dir / "lossy"),
                      ("diff", self.file("none", document("base")), name), ("encode", name, "-o", name)):
-            _, out, err = self.run_command(*args)
-            self.assertEqual([c for c in out.decode() + err if not c.isprintable() and c != "\n"], [])
-            self.assertIn("\\x1b[31m\\xe2\\x80\\xae\\xc2\\x85", out.decode() + err)
+            for color in ((), ("--color", "always")):
+                _, out, err = self.run_command(*args, *color)
+                said = re.sub(r"\x1b\[(0|1|2|31|32|31;1|31;7|32;7)m", "", out.decode() + err)
+                self.assertEqual([c for c in said if not c.isprintable() and c != "\n"], [])
+                self.assertIn("\\x1b[31m\\xe2\\x80\\xae\\xc2\\x85", said)
 
 
 class KeepGoing(Case):
@@ -599,24 +601,55 @@ class Terminal(Case):
             os.close(main)
             os.close(side)
 
-    def test_colour_only_on_a_terminal_and_not_under_no_color(self):
+    def test_when_to_colour(self):
         doc = self.file("doc", DOC)
-        for args, code in (("inspect", doc), 0), (("inspect", str(self.dir / "none")), 3):
+        other = self.file("other", DOC.replace("deny", "permit"))
+        empty = self.file("empty", document("base", ("X", [])))
+        lossy = self.file("lossy", document("um", ("X", numbered({"permit": {"log": {}, "log-input": {}}}))))
+        unreadable = str(self.dir / "none")
+        for args, code in ((("inspect", doc), 0), (("inspect", unreadable), 3), (("diff", doc, other), 1),
+                           (("diff", doc, empty), 1), (("check", lossy), 1), (("lint", empty), 0),
+                           (("explain", unreadable), 2), (("encode", "--backend", "none"), 2)):
             got, shown = self.on_terminal(*args)
-            self.assertEqual(got, code)
+            self.assertEqual(got, code, args)
             self.assertIn("\x1b[", shown)
-            for env in ({"NO_COLOR": "1"}, {"TERM": "dumb"}):
-                self.assertNotIn("\x1b[", self.on_terminal(*args, env=env)[1])
-            _, out, err = self.run_command(*args)
-            self.assertNotIn("\x1b[", out.decode() + err)
+            verb, *rest = args
+            for env, when in (({"NO_COLOR": "1"}, "auto"), ({"TERM": "dumb"}, "auto"), ({}, "never")):
+                self.assertNotIn("\x1b[", self.on_terminal(verb, "--color", when, *rest, env=env)[1])
+            for env in ({"NO_COLOR": ""}, {}):
+                self.assertIn("\x1b[", self.on_terminal(*args, env=env)[1])
+            for when, colored in (("auto", False), ("never", False), ("always", True)):
+                for call in ((verb, "--color", when, *rest), ("--color=" + when, *args)):
+                    _, out, err = self.run_command(*call, env={**os.environ, "NO_COLOR": "1", "TERM": "dumb"})
+                    self.assertEqual("\x1b[" in out.decode() + err, colored, call)
+        self.ok("diff", "--color", "always", "--json", doc, doc)
+        out = self.run_command("diff", "--color", "always", "--json", doc, other)[1]
+        self.assertNotIn(b"\x1b", out)
+        self.ok("inspect", "-q", "--color", "always", "-o", self.dir / "shown", doc)
+        self.assertIn("\x1b[1m", (self.dir / "shown").read_text())
+
+    def test_colours(self):
+        doc = self.file("doc", DOC)
+        shown = self.on_terminal("inspect", str(self.dir / "none"))[1]
         self.assertIn("\x1b[31;1maceconv:\x1b[0m ", shown)
         shown = self.on_terminal("inspect", doc)[1]
         self.assertTrue(shown.startswith("\x1b[2m  presence bits "), shown)
         self.assertIn("\r\n\x1b[0m\x1b[1macl 'X' entry 10\x1b[0m: 10 deny ", shown)
         other = self.file("other", document("base", ("X", [{"sequence-number": 20, **GOOD}])))
         shown = self.on_terminal("diff", doc, other)[1]
-        for sign in ("10\x1b[0m: \x1b[31;1m-\x1b[0m only", "20\x1b[0m: \x1b[32m+\x1b[0m only"):
+        for sign in ("10\x1b[0m: \x1b[31m- only in ", "20\x1b[0m: \x1b[32m+ only in "):
             self.assertIn(sign, shown)
+        for words in (
+                ({"remark": 'a" b'}, {"remark": "a c"}, "-\x1b[0m \x1b[31m10 remark\x1b[0m "
+                 "\x1b[31;7m\"a\\\" b\"\x1b[0m\n"),
+                ({"grant": "deny"}, {"grant": "deny", "log-option": "log"}, "-\x1b[0m \x1b[31m10 deny any any\x1b[0m\n"),
+                ({"grant": "deny"}, {"grant": "deny", "log-option": "log"},
+                 "+\x1b[0m \x1b[32m10 deny any any\x1b[0m \x1b[32;7mlog\x1b[0m\n"),
+                ({"grant": "deny", "protocol": "tcp"}, {"grant": "permit", "protocol": "udp"},
+                 "+\x1b[0m \x1b[32m10\x1b[0m \x1b[32;7mpermit udp\x1b[0m \x1b[32many any\x1b[0m\n")):
+            a, b, line = words
+            sides = [self.file(str(n), document("base", ("X", numbered(side)))) for n, side in enumerate((a, b))]
+            self.assertIn(line, self.run_command("diff", "--color", "always", *sides)[1].decode())
         for args in ((), ("-o", "/dev/stdout"), ("-o", "/dev/fd/1")):
             code, shown = self.on_terminal("encode", doc, *args)  # encodings are binary
             self.assertEqual((code, "encodings are not for a terminal; redirect" in shown), (2, True))

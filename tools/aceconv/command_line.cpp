@@ -101,6 +101,9 @@ void add_options(CLI::App &app, const std::vector<Option> &options) {
     for (const Option &option : options) {
         CLI::Option *added =
             std::visit(Adding{app, option}, option.target)->required(option.rules.required);
+        if (option.rules.at_once) {
+            added->trigger_on_parse();
+        }
         if (option.rules.excludes != nullptr) {
             added->excludes(app.get_option(option.rules.excludes));
         }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "stream/text.h"
+#include "tools/aceconv/word_changes.h"
 
 namespace aceconv::tool {
 
@@ -23,14 +24,10 @@ void DiffReport::add(const FoundDifference &found) {
     if (json_) {
         return json_->add(difference_row(found));
     }
-    if (found.b == nullptr) {
-        return write_only(found, *found.a, style_.red("-"), a_, b_);
+    if (found.a == nullptr || found.b == nullptr) {
+        return write_only(found);
     }
-    if (found.a == nullptr) {
-        return write_only(found, *found.b, style_.green("+"), b_, a_);
-    }
-    write(*found.a, style_.red("-") + " " + found.a->words);
-    write(*found.b, style_.green("+") + " " + found.b->words);
+    write_pair(*found.a, *found.b);
     write_changes(*found.a, found.changes);
 }
 
@@ -51,19 +48,44 @@ void DiffReport::write_changes(const ReportedEntry &entry, const std::vector<Cha
 }
 
 /// What is moved is said in full by its words alone.
-void DiffReport::write_only(const FoundDifference &found, const ReportedEntry &entry,
-                            const std::string &sign, const std::string &here,
-                            const std::string &other) {
+void DiffReport::write_only(const FoundDifference &found) {
+    const bool in_a = found.b == nullptr;
+    const ReportedEntry &entry = in_a ? *found.a : *found.b;
+    const std::string other = escaped(in_a ? b_ : a_);
+    std::string what;
     if (found.moved != nullptr) {
-        const ReportedEntry &moved = *found.moved;
-        return write(entry, sign + (found.a == nullptr ? " moved from " : " moved to ") +
-                                shown_entry({std::nullopt, moved.key.sequence}, moved.position) +
-                                " of " + escaped(other) + ": " + entry.words);
+        const EntryKey place{std::nullopt, found.moved->key.sequence};
+        what = (in_a ? "- moved to " : "+ moved from ") +
+               shown_entry(place, found.moved->position) + " of " + other;
+    } else {
+        what = (in_a ? "- only in " : "+ only in ") + escaped(in_a ? a_ : b_) +
+               (found.may_be_bad ? ", or a bad entry of " + other : "");
     }
-    write(entry, sign + " only in " + escaped(here) +
-                     (found.may_be_bad ? ", or a bad entry of " + escaped(other) : "") + ": " +
-                     entry.words);
-    write_changes(entry, found.changes);
+    what += ": " + entry.words;
+    write(entry, in_a ? style_.removed(what) : style_.added(what));
+    if (found.moved == nullptr) {
+        write_changes(entry, found.changes);
+    }
+}
+
+void DiffReport::write_pair(const ReportedEntry &a, const ReportedEntry &b) {
+    if (!style_.on()) {
+        write(a, "- " + a.words);
+        write(b, "+ " + b.words);
+        return;
+    }
+    const auto [before, after] = word_changes(a.words, b.words);
+    std::string removed = style_.removed("-");
+    for (const LinePart &part : before) {
+        removed +=
+            " " + (part.changed ? style_.removed_word(part.text) : style_.removed(part.text));
+    }
+    std::string added = style_.added("+");
+    for (const LinePart &part : after) {
+        added += " " + (part.changed ? style_.added_word(part.text) : style_.added(part.text));
+    }
+    write(a, removed);
+    write(b, added);
 }
 
 } // namespace aceconv::tool

@@ -26,8 +26,8 @@ class DiffReport {
   private:
     void write(const ReportedEntry &entry, const std::string &what);
     void write_changes(const ReportedEntry &entry, const std::vector<Change> &changes);
-    void write_only(const FoundDifference &found, const ReportedEntry &entry,
-                    const std::string &sign, const std::string &here, const std::string &other);
+    void write_only(const FoundDifference &found);
+    void write_pair(const ReportedEntry &a, const ReportedEntry &b);
 
     const std::string a_, b_;
     const Style style_;

@@ -143,21 +143,32 @@ void ByContent::tell(const List &a, const List &b, const Gap &gap) {
         }
     }
     std::size_t next = gap.b;
-    for (std::size_t at = gap.a; at < gap.a_end; ++at) {
+    const auto twin_of = [&](std::size_t at) -> std::optional<std::size_t> {
+        if (moved_[0].contains(at)) {
+            return std::nullopt;
+        }
+        if (one_each) {
+            return moved_[1].contains(gap.b) ? std::nullopt : std::optional(gap.b);
+        }
         const auto &sequence = a.entries[at].sequence;
-        const auto twin = sequence ? numbered.find(*sequence) : numbered.end();
-        const bool by_number = twin != numbered.end() && twin->second >= next;
-        const bool alone = moved_[0].contains(at) || (one_each && moved_[1].contains(gap.b));
-        if (alone || (!by_number && !one_each)) {
+        if (!sequence) {
+            return std::nullopt;
+        }
+        const auto found = numbered.find(*sequence);
+        return found == numbered.end() || found->second < next ? std::nullopt
+                                                               : std::optional(found->second);
+    };
+    for (std::size_t at = gap.a; at < gap.a_end; ++at) {
+        const std::optional<std::size_t> twin = twin_of(at);
+        if (!twin) {
             only_in(Which::a, a, b, at);
             continue;
         }
-        const std::size_t other = one_each ? gap.b : twin->second;
-        for (; next < other; ++next) {
+        for (; next < *twin; ++next) {
             only_in(Which::b, b, a, next);
         }
-        comparison_.pair(entry(a, at), entry(b, other));
-        next = other + 1;
+        comparison_.pair(entry(a, at), entry(b, *twin));
+        next = *twin + 1;
     }
     for (; next < gap.b_end; ++next) {
         only_in(Which::b, b, a, next);

@@ -12,6 +12,7 @@ namespace {
 
 constexpr const char *erase_line = "\r\033[K";
 bool status_stands = false; // on the terminal
+Colors colors = Colors::automatic;
 // The most of a message that is shown: its begin says where, its end what was expected.
 constexpr std::size_t longest_begin = 1200;
 constexpr std::size_t longest_end = 400;
@@ -42,11 +43,16 @@ void write_line(const std::string &prefix, std::string_view line) {
 
 } // namespace
 
+void use_colors(Colors when) {
+    colors = when;
+}
+
 Style::Style(int fd) {
-    const char *no_color = std::getenv("NO_COLOR");
+    const char *no_color = std::getenv("NO_COLOR"); // see no-color.org
     const char *terminal = std::getenv("TERM");
-    on_ = isatty(fd) == 1 && (no_color == nullptr || *no_color == '\0') && terminal != nullptr &&
-          std::string_view(terminal) != "dumb";
+    const bool has_colors = isatty(fd) == 1 && (no_color == nullptr || *no_color == '\0') &&
+                            terminal != nullptr && std::string_view(terminal) != "dumb";
+    on_ = colors == Colors::always || (colors == Colors::automatic && has_colors);
 }
 
 std::string Style::paint(const char *code, std::string_view text) const {

@@ -9,12 +9,27 @@
 
 namespace aceconv::tool {
 
-/// Colours for one stream: only on a terminal, and not under NO_COLOR.
+/// When to colour: on a terminal that has colours and not under NO_COLOR, or in any case.
+enum class Colors { automatic, always, never };
+
+/// For whatever is styled from now on; automatic at first.
+void use_colors(Colors when);
+
+/// Colours for one stream.
 class Style {
   public:
     explicit Style(int fd);
     [[nodiscard]] std::string red(std::string_view text) const { return paint("31;1", text); }
-    [[nodiscard]] std::string green(std::string_view text) const { return paint("32", text); }
+    /// Of what is gone and what is new, and of the words in it that make the difference.
+    [[nodiscard]] std::string removed(std::string_view text) const { return paint("31", text); }
+    [[nodiscard]] std::string removed_word(std::string_view text) const {
+        return paint("31;7", text);
+    }
+    [[nodiscard]] std::string added(std::string_view text) const { return paint("32", text); }
+    [[nodiscard]] std::string added_word(std::string_view text) const {
+        return paint("32;7", text);
+    }
+    [[nodiscard]] bool on() const { return on_; }
     [[nodiscard]] std::string bold(std::string_view text) const { return paint("1", text); }
     [[nodiscard]] std::string faint(std::string_view text) const { return paint("2", text); }
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "tools/aceconv/command_line.h"
+#include "tools/aceconv/report.h"
 #include "tools/aceconv/verbs/verbs.h"
 
 namespace aceconv::tool {
@@ -28,6 +29,8 @@ constexpr Name<OutputFormat> decoded_formats[] = {{"json", OutputFormat::json},
                                                   {"text", OutputFormat::text}};
 constexpr Name<DiffOptions::By> matchings[] = {{"sequence", DiffOptions::By::sequence},
                                                {"content", DiffOptions::By::content}};
+constexpr Name<Colors> colorings[] = {
+    {"auto", Colors::automatic}, {"always", Colors::always}, {"never", Colors::never}};
 
 /// Sets `target`, a value or an optional one.
 template <class Target, class Value, std::size_t count>
@@ -52,6 +55,15 @@ Options joined(std::initializer_list<Options> parts) {
         append(options, part);
     }
     return options;
+}
+
+Choice color_choice() {
+    Choice choice;
+    for (const auto &[name, when] : colorings) {
+        choice.names.emplace_back(name);
+    }
+    choice.take = [](std::size_t at) { use_colors(colorings[at].second); };
+    return choice;
 }
 
 Option schema_option(const char *names, std::optional<Schema> &schema) {
@@ -299,6 +311,12 @@ std::vector<Option> general_options(CommonOptions &common) {
     return {
         {"--plugin", "FILE", "The plug-in library to load", &common.plugin},
         {"--modules", "DIR", "The folder of the YANG modules", &common.modules},
+        {"--color",
+         "WHEN",
+         "Whether to colour what is shown: auto, on a terminal and without NO_COLOR (the default), "
+         "always, or never",
+         color_choice(),
+         {.at_once = true}},
         help_option(),
         {"-V,--version", "", "Show the version, and which plug-in is loaded", Question::version}};
 }

@@ -39,6 +39,7 @@ struct Rules {
     bool required = false;
     const char *excludes = nullptr; // the option that cannot be given beside it
     const char *left_out = nullptr; // of a value behind '=' that may be left out: what it then is
+    bool at_once = false;           // counts already for faults of other options
 };
 
 struct Option {
