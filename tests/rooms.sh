@@ -27,5 +27,6 @@ check compare "$host|stream/|compare/"
 check tools/hostcheck 'aceconv/|tools/hostcheck/'
 check converter "$host|stream/|compare/|converter/"
 check tools "$host|stream/|compare/|converter/|tools/"
+check fuzz "$host|stream/|compare/|converter/|tools/|fuzz/"
 check testing 'aceconv/|testing/'
 exit $failed

@@ -36,7 +36,7 @@ std::string shortened(std::string line) {
 void write_line(const std::string &prefix, std::string_view line) {
     std::string text = std::exchange(status_stands, false) ? erase_line : "";
     text += prefix;
-    text += shortened(escaped(line));
+    text += shown_line(line);
     text += '\n';
     std::fwrite(text.data(), 1, text.size(), stderr); // unbuffered, so one call a line
 }
@@ -58,6 +58,10 @@ Style::Style(int fd) {
 std::string Style::paint(const char *code, std::string_view text) const {
     return on_ ? "\033[" + std::string(code) + "m" + std::string(text) + "\033[0m"
                : std::string(text);
+}
+
+std::string shown_line(std::string_view line) {
+    return shortened(escaped(line));
 }
 
 std::string shown_name(const std::string &path) {

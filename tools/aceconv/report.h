@@ -59,6 +59,10 @@ std::string fault_text(const std::string &file, const Entry &entry, const DataEr
 void say_fault(const std::string &file, const Entry &entry, const DataError &fault,
                const std::string &words);
 
+/// A line as it is shown: what could drive a terminal is escaped, and the middle left out of what
+/// is long.
+std::string shown_line(std::string_view line);
+
 /// One line on standard error, after "aceconv: ".
 void say(std::string_view line);
 /// The same, marked as an error.

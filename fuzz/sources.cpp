@@ -1,0 +1,211 @@
+// Inputs of each format: wherever their pieces end the same entries and faults are found, and
+// what has been found comes back from every output.
+#include <array>
+
+#include "fuzz/pieces.h"
+#include "fuzz/promises.h"
+#include "stream/errors.h"
+#include "stream/sink.h"
+#include "stream/source.h"
+
+namespace aceconv::fuzz {
+namespace {
+
+/// How an input is read: the fuzzer's first byte.
+struct Manner {
+    std::optional<InputFormat> format;
+    std::optional<Schema> schema;
+    OtherModules others;
+    std::size_t piece; // bytes that come at once
+    bool pauses;
+};
+
+Manner manner(Pieces &pieces, InputFormat format) {
+    constexpr std::size_t sizes[] = {1, 2, 3, 7, 16, 63, 64, 65};
+    constexpr std::optional<Schema> schemas[] = {{}, Schema::base, Schema::um, {}};
+    const unsigned bits = pieces.number();
+    Manner read;
+    read.schema = schemas[bits & 3U];
+    read.others = (bits & 4U) != 0 ? OtherModules::stepped_over : OtherModules::refused;
+    read.piece = sizes[bits >> 3U & 7U];
+    read.pauses = (bits & 64U) != 0;
+    if ((bits & 128U) == 0) { // else it is recognised
+        read.format = format;
+    }
+    return read;
+}
+
+struct Found {
+    std::vector<Entry> entries; // good ones
+    std::string told;           // everything, faults too
+};
+
+Found found(Source &source, std::string_view text) {
+    Found all;
+    std::uint64_t last = 0;
+    for (bool more = true; more;) {
+        Entry entry;
+        try {
+            more = source.next(entry);
+            if (more) {
+                require(entry.position.ordinal == last + 1, "entries are counted");
+                last = entry.position.ordinal;
+                all.told += std::to_string(entry.position.line) + " " + entry.key.acl.value_or("") +
+                            " " + entry.text + std::string(text_of(entry.encoding)) + "\n";
+                all.entries.push_back(entry);
+            }
+        } catch (const InputPauses &) {
+        } catch (const StreamError &fault) {
+            all.told += told(entry, fault, text) + "\n";
+            more = false;
+        } catch (const DataError &fault) {
+            all.told += told(entry, fault, text) + "\n";
+            require(entry.position.ordinal == last + 1, "bad entries are counted");
+            last = entry.position.ordinal;
+        } catch (const SchemaUnknown &unknown) {
+            all.told += unknown.what();
+            more = false;
+        }
+        for (const EmptyList &list : source.take_empty_lists()) {
+            all.told += "empty: " + list.acl + " " + std::to_string(list.position.line) + "\n";
+        }
+    }
+    all.told += source.surroundings().text();
+    return all;
+}
+
+Found read(std::string_view text, const Manner &how, std::size_t piece, bool pauses) {
+    bool may_pause = false; // not before the source stands
+    const auto next_piece = [&, left = text, paused = false](char *buffer,
+                                                             std::size_t size) mutable {
+        paused = may_pause && !paused;
+        if (paused) {
+            throw InputPauses();
+        }
+        const std::size_t count = left.copy(buffer, std::min(piece, size));
+        left.remove_prefix(count);
+        return count;
+    };
+    try {
+        const auto source = make_source(Window(next_piece), how.format, how.schema, how.others);
+        may_pause = pauses;
+        return found(*source, text);
+    } catch (const StreamError &fault) {
+        return {{}, told({}, fault, text)};
+    }
+}
+
+class Kept : public Taker {
+  public:
+    void write(std::string_view bytes) override { text += bytes; }
+    std::string text;
+};
+
+struct Output {
+    OutputFormat write;
+    InputFormat read;
+};
+constexpr Output outputs[] = {{OutputFormat::json, InputFormat::json},
+                              {OutputFormat::xml, InputFormat::xml},
+                              {OutputFormat::ndjson, InputFormat::ndjson},
+                              {OutputFormat::cbor, InputFormat::cbor},
+                              {OutputFormat::bare_cbor, InputFormat::cbor}};
+
+/// Writes the entries, which have encodings; what has no place there is left out.
+std::vector<const Entry *> write_all(const std::vector<Entry> &entries, OutputFormat format,
+                                     Kept &output) {
+    std::vector<const Entry *> taken;
+    const auto sink = make_sink(format, entries.front().schema, output);
+    for (const Entry &entry : entries) {
+        try {
+            std::string text;
+            if (format == OutputFormat::cbor || format == OutputFormat::bare_cbor) {
+                append(text, entry.encoding);
+            } else {
+                codec(Backend::bulk)
+                    .decode(entry.encoding, entry.schema, text_format(format), entry.key, text);
+            }
+            sink->write(entry.key, entry.schema, text);
+            taken.push_back(&entry);
+        } catch (const DataError &) {
+        }
+    }
+    sink->close();
+    return taken;
+}
+
+void check_outputs(const std::vector<Entry> &entries) {
+    for (const Output &format : outputs) {
+        Kept output;
+        const auto taken = write_all(entries, format.write, output);
+        const auto source = make_source(Window(output.text), format.read, entries.front().schema);
+        const Found back = found(*source, output.text);
+        require(back.entries.size() == taken.size(), "every entry comes back", output.text);
+        for (std::size_t i = 0; i < taken.size(); ++i) {
+            Entry again = back.entries[i];
+            const Encoding encoding = codec(Backend::bulk).encode(again);
+            std::string one, other;
+            codec(Backend::bulk).decode(encoding, again.schema, Format::json, again.key, one);
+            codec(Backend::bulk)
+                .decode(taken[i]->encoding, again.schema, Format::json, again.key, other);
+            require_same(one, other, "entries come back as they were");
+            if (format.write != OutputFormat::bare_cbor) {
+                require(again.key == taken[i]->key, "entries keep their keys", output.text);
+            }
+        }
+    }
+}
+
+void check_source(Input bytes, InputFormat format) {
+    Pieces pieces(bytes);
+    const Manner how = manner(pieces, format);
+    const std::string_view text = pieces.rest();
+    const Found whole = read(text, how, text.size() + 1, false);
+    require_same(whole.told, read(text, how, how.piece, how.pauses).told,
+                 "where pieces end does not matter");
+    constexpr std::size_t looked_at = 4; // which takes most of the time
+    std::vector<Entry> encoded;
+    for (std::size_t i = 0; i < whole.entries.size() && i < looked_at; ++i) {
+        Entry entry = whole.entries[i];
+        if (!entry.format) {
+            check_encoding(entry);
+        } else {
+            check_text(entry);
+        }
+        try {
+            const Encoding encoding = codec(Backend::bulk).encode(entry);
+            std::string text_again;
+            codec(Backend::bulk)
+                .decode(encoding, entry.schema, Format::json, entry.key, text_again);
+            entry.encoding.assign(encoding.begin(), encoding.end());
+        } catch (const DataError &) {
+            continue;
+        }
+        if (encoded.empty() || encoded.front().schema == entry.schema) {
+            encoded.push_back(std::move(entry));
+        }
+    }
+    if (!encoded.empty()) {
+        check_outputs(encoded);
+    }
+}
+
+} // namespace
+
+void check_json(Input bytes) {
+    check_source(bytes, InputFormat::json);
+}
+void check_lines(Input bytes) {
+    check_source(bytes, InputFormat::ndjson);
+}
+void check_xml(Input bytes) {
+    check_source(bytes, InputFormat::xml);
+}
+void check_encodings(Input bytes) {
+    check_source(bytes, InputFormat::cbor);
+}
+void check_digits(Input bytes) {
+    check_source(bytes, (bytes.size() & 1U) == 0 ? InputFormat::hex : InputFormat::base64);
+}
+
+} // namespace aceconv::fuzz
