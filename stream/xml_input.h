@@ -1,5 +1,5 @@
-// XML documents that follow each other in one input. Of what has been read, the parser keeps a
-// piece that is not complete, and this what its user still needs.
+// XML documents that follow each other in one input. Of what has been read, this keeps a piece
+// that is not complete, and what its user still needs.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +9,7 @@
 
 #include "host/xml_parser.h"
 #include "stream/window.h"
+#include "stream/xml_pieces.h"
 
 namespace aceconv {
 
@@ -33,6 +34,7 @@ class XmlInput : protected XmlParser {
 
   private:
     bool feed();
+    void read_more();
     void start_anew();
 
     Window window_;
@@ -41,7 +43,9 @@ class XmlInput : protected XmlParser {
     bool last_ = false;   // the input has been read to its end
     bool ended_ = false;
     std::string bytes_;       // of the input that may be needed yet,
-    std::uint64_t first_ = 0; // and where they stand in the document
+    std::uint64_t first_ = 0; // where they stand in the document,
+    std::uint64_t fed_ = 0;   // and up to where the parser has them
+    XmlPieces pieces_;        // of what it has not
 };
 
 /// "longer than 5 bytes".

@@ -136,6 +136,40 @@ TEST(Source, ChunksMayEndAnywhere) {
     }
 }
 
+// Byte by byte, each after a pause.
+TEST(Source, GivesAnEntryOutBeforeItReadsOn) {
+    const struct {
+        std::string text;
+        std::string_view ending; // of both entries
+    } cases[] = {
+        {"<acls xmlns='urn:aceconv:um'><acl><name>A</name><entry>1</entry> <entry\n><!-- > --><a "
+         "b='/>'/>&gt;</entry></acl></acls>",
+         "</entry>"},
+        {R"({"aceconv-um:acls":{"acl":[{"name":"A","entry":[{"m":1} , {"l":{},"m":1}]}]}})",
+         R"("m":1})"},
+        {"\x82\x61X\xF6\xA1\x01\x02\x81\xA1\x01\x02", "\x02"},
+    };
+    for (const auto &[text, ending] : cases) {
+        Pieces pieces{text, 0};
+        const auto source = make_source(
+            Window([&from = pieces](char *buffer, std::size_t size) { return from(buffer, size); }),
+            std::nullopt, std::nullopt);
+        pieces.may_pause = true;
+        int entries = 0;
+        for (Entry entry;;) {
+            try {
+                if (!source->next(entry)) {
+                    break;
+                }
+                ++entries;
+                EXPECT_TRUE(text.substr(0, pieces.at).ends_with(ending)) << text << pieces.at;
+            } catch (const InputPauses &) { // goes on
+            }
+        }
+        EXPECT_EQ(entries, 2) << text;
+    }
+}
+
 // Objects are found in blocks of 64 bytes, and byte by byte where fewer are there.
 TEST(Source, BlocksAndBytesFindTheSameObjects) {
     std::mt19937 random(3);
