@@ -4,7 +4,7 @@
 
 build_packages=(
   g++ cmake ninja-build pkg-config libsafec-dev 'libyang2-dev|libyang-dev' libcbor-dev
-  libexpat1-dev nettle-dev libcli11-dev nlohmann-json3-dev libsimdjson-dev libmd4c-dev
+  libexpat1-dev libmd-dev libcli11-dev nlohmann-json3-dev libsimdjson-dev libmd4c-dev
   python3-dev pybind11-dev
 )
 test_packages=(

@@ -1,40 +1,37 @@
 #include "tools/aceconv/digest.h"
 
-#include <nettle/base16.h>
-#include <nettle/base64.h>
+#include <array>
 
 #include "stream/errors.h"
 #include "stream/window.h"
 
 namespace aceconv::tool {
-namespace {
-
-struct Bytes256 {
-    std::uint8_t bytes[SHA256_DIGEST_SIZE];
-};
-
-Bytes256 result_of(sha256_ctx state) {
-    Bytes256 result;
-    sha256_digest(&state, sizeof result.bytes, result.bytes);
-    return result;
-}
-
-} // namespace
 
 void Digest::add(std::string_view bytes) {
-    sha256_update(&state_, bytes.size(), reinterpret_cast<const std::uint8_t *>(bytes.data()));
+    SHA256Update(&state_, reinterpret_cast<const std::uint8_t *>(bytes.data()), bytes.size());
     size_ += bytes.size();
 }
 
 std::string Digest::text() const {
-    std::string text(BASE16_ENCODE_LENGTH(SHA256_DIGEST_SIZE), ' ');
-    base16_encode_update(text.data(), SHA256_DIGEST_SIZE, result_of(state_).bytes);
-    return text;
+    SHA2_CTX state = state_;
+    char text[SHA256_DIGEST_STRING_LENGTH];
+    return SHA256End(&state, text);
 }
 
 std::string Digest::base64() const {
-    std::string text(BASE64_ENCODE_RAW_LENGTH(SHA256_DIGEST_SIZE), ' ');
-    base64_encode_raw(text.data(), SHA256_DIGEST_SIZE, result_of(state_).bytes);
+    SHA2_CTX state = state_;
+    std::array<std::uint8_t, SHA256_DIGEST_LENGTH + 1> bytes{}; // a zero fills the last group
+    SHA256Final(bytes.data(), &state);
+    constexpr std::string_view digits =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string text;
+    for (std::size_t i = 0; i < bytes.size(); i += 3) { // RFC 4648, section 4
+        const unsigned group = bytes[i] << 16U | bytes[i + 1] << 8U | bytes[i + 2];
+        for (int shift = 18; shift >= 0; shift -= 6) {
+            text += digits[group >> shift & 63U];
+        }
+    }
+    text.back() = '=';
     return text;
 }
 

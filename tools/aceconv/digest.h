@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <nettle/sha2.h>
+#include <sha2.h>
 #include <string>
 #include <string_view>
 
@@ -10,7 +10,7 @@ namespace aceconv::tool {
 
 class Digest {
   public:
-    Digest() { sha256_init(&state_); }
+    Digest() { SHA256Init(&state_); }
     void add(std::string_view bytes);
     [[nodiscard]] std::uint64_t size() const { return size_; } // bytes so far
     /// Of all that was added, as 64 hexadecimal digits.
@@ -19,7 +19,7 @@ class Digest {
     [[nodiscard]] std::string base64() const;
 
   private:
-    sha256_ctx state_;
+    SHA2_CTX state_;
     std::uint64_t size_ = 0;
 };
 
