@@ -155,6 +155,7 @@ bool EntryStream::take_batch(Codec &codec, std::unique_lock<std::mutex> &lock) {
 
 /// What the other threads do.
 void EntryStream::help() {
+    const SignalStack stack;
     std::unique_ptr<Codec> codec;
     std::exception_ptr failure;
     try {

@@ -48,8 +48,9 @@ void resolve(void *library, const std::string &file, const char *name, Target &t
 Plugin load_plugin(const std::string &file) {
     Plugin plugin{};
     plugin.file = std::filesystem::absolute(file); // a name without "/" would be searched for
-    if (std::error_code none; std::filesystem::exists(plugin.file, none) &&
-                              !std::filesystem::is_regular_file(plugin.file, none)) {
+    std::error_code none;
+    const std::filesystem::file_status found = status(std::filesystem::path(plugin.file), none);
+    if (exists(found) && !is_regular_file(found)) {
         refuse(file, "not a regular file"); // the loader would wait for what a pipe holds
     }
     std::unique_ptr<void, Close> opened(dlopen(plugin.file.c_str(), RTLD_NOW | RTLD_LOCAL));

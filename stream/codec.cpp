@@ -15,14 +15,6 @@ std::size_t slot(Schema schema, Format format) {
     return (schema == Schema::um ? 2U : 0U) + (format == Format::xml ? 1U : 0U);
 }
 
-Modules load_modules(const std::string &directory) {
-    try {
-        return Modules(directory);
-    } catch (const DataError &e) {
-        throw IoError(directory + ": cannot load the YANG modules: " + e.what());
-    }
-}
-
 constexpr bool is_bag_status(std::uint32_t status) {
     return status >= static_cast<std::uint32_t>(BagStatus::not_registered) &&
            status <= static_cast<std::uint32_t>(BagStatus::no_memory);
@@ -66,6 +58,14 @@ void point_at(const DataError &fault, Entry &entry) {
 }
 
 } // namespace
+
+Modules load_modules(const std::string &directory) {
+    try {
+        return Modules(directory);
+    } catch (const DataError &e) {
+        throw IoError(directory + ": cannot load the YANG modules: " + e.what());
+    }
+}
 
 Codec::Codec(const CodecSetup &setup)
     : plugin_(setup.plugin), modules_(load_modules(setup.modules)), backend_(setup.backend) {}

@@ -22,6 +22,9 @@ struct CodecSetup {
     Backend backend;
 };
 
+/// Throws IoError when those in the folder cannot be loaded.
+Modules load_modules(const std::string &directory);
+
 /// Everything that conversions need; one for each thread.
 class Codec {
   public:

@@ -39,13 +39,16 @@ mode_t take_ownership(int file, const struct stat &other) {
                : (plain & 0707U) | ((plain & 07U) << 3U);
 }
 
-/// So that a name in it stays after a crash, where its file system can do that.
-void sync_folder(const std::string &path) {
+/// So that a name in it stays after a crash, where its file system can do that, and whoever runs
+/// this may read it. 0, or why not.
+int sync_folder(const std::string &path) {
     const int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder >= 0) {
-        (void)fsync(folder);
-        close(folder);
+    if (folder < 0) {
+        return errno == EACCES ? 0 : errno;
     }
+    const int error = fsync(folder) == 0 || errno == EINVAL ? 0 : errno;
+    close(folder);
+    return error;
 }
 
 } // namespace
@@ -72,10 +75,7 @@ Output::Output(const std::string &path, ReaderGone gone)
 }
 
 Output::~Output() {
-    if (!temporary_.empty()) {
-        unlink(temporary_.c_str());
-        forget_unfinished(temporary_);
-    }
+    discard();
     if (own_ && fd_ >= 0) {
         close(fd_);
     }
@@ -150,37 +150,77 @@ void Output::complete() {
     }
 }
 
-void Output::put_in_place() {
+/// Trades names with what stood there. 0, or why not.
+int Output::put_in_place() {
     if (temporary_.empty()) {
-        return;
+        return 0;
     }
-    if (std::rename(temporary_.c_str(), target_.c_str()) != 0) {
-        fail(errno);
+    const char *from = temporary_.c_str(), *to = target_.c_str();
+    if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_EXCHANGE) == 0) {
+        placed_ = Placed::replacing;
+        return 0;
+    }
+    const bool new_name = errno == ENOENT;
+    if (!new_name && errno != EINVAL && errno != ENOSYS) { // some file systems cannot exchange
+        return errno;
+    }
+    if (std::rename(from, to) != 0) {
+        return errno;
     }
     forget_unfinished(temporary_);
     temporary_.clear();
-    placed_ = true;
+    placed_ = new_name ? Placed::as_new : Placed::for_good;
+    return 0;
 }
 
-void Output::commit(const std::vector<Output *> &outputs) {
+/// What stood there before stands there again.
+void Output::take_back() {
+    const char *mine = temporary_.c_str(), *target = target_.c_str();
+    if (placed_ == Placed::as_new) {
+        unlink(target);
+    } else if (placed_ == Placed::replacing && std::rename(mine, target) != 0) {
+        (void)renameat2(AT_FDCWD, mine, AT_FDCWD, target, RENAME_EXCHANGE);
+    }
+}
+
+void Output::discard() {
+    if (!temporary_.empty()) {
+        unlink(temporary_.c_str());
+        forget_unfinished(temporary_);
+        temporary_.clear();
+    }
+}
+
+void Output::commit(const std::vector<Output *> &all) {
+    std::vector<Output *> outputs = all;
+    std::erase(outputs, nullptr);
     for (Output *output : outputs) {
-        if (output != nullptr) {
-            output->complete();
-        }
+        output->complete();
     }
     const SignalsHeld held; // all or none
+    int error = 0;
+    const Output *failing = nullptr, *synced = nullptr;
     for (Output *output : outputs) {
-        if (output != nullptr) {
-            output->put_in_place();
+        if (error == 0) {
+            failing = output;
+            error = output->put_in_place();
         }
     }
-    const std::string *synced = nullptr;
     for (const Output *output : outputs) {
-        if (output != nullptr && output->placed_ &&
-            (synced == nullptr || *synced != output->folder_)) {
-            sync_folder(output->folder_);
-            synced = &output->folder_;
+        const bool placed = output->placed_ != Placed::not_yet;
+        if (error == 0 && placed && (synced == nullptr || synced->folder_ != output->folder_)) {
+            failing = synced = output;
+            error = sync_folder(output->folder_);
         }
+    }
+    for (Output *output : outputs) {
+        if (error != 0) {
+            output->take_back();
+        }
+        output->discard();
+    }
+    if (error != 0) {
+        failing->fail(error);
     }
 }
 

@@ -46,8 +46,11 @@ class Output final : public Taker {
     /// Nothing more is to be written: a file is brought to the disk and closed, beside its place.
     void complete();
     /// Puts files in their places, none before they are all complete on the disk, and
-    /// the first one first; null stands for none. Only destruction may follow.
-    static void commit(const std::vector<Output *> &outputs);
+    /// the first one first; null stands for none. Where one cannot be put there, what stood in the
+    /// places of the others is back when IoError is thrown, but on file systems that cannot
+    /// exchange two names. Nothing is allocated once the first one has its place. Only destruction
+    /// may follow.
+    static void commit(const std::vector<Output *> &all);
     void commit() { commit({this}); }
 
     /// Written where readers can see it already, so what is there should be whole.
@@ -61,17 +64,19 @@ class Output final : public Taker {
   private:
     [[noreturn]] void fail(int error) const;
     void create_beside(const struct stat *replaced);
-    void put_in_place();
+    int put_in_place();
+    void take_back();
+    void discard();
 
     std::string path_;
     std::string target_;    // path_ with symbolic links followed
     std::string folder_;    // of a file that is put in its place
-    std::string temporary_; // empty when written directly
+    std::string temporary_; // empty when written directly; keeps what is replaced until all is done
     std::string buffer_;
     std::function<void(std::string_view)> show_;
     int fd_ = -1;
-    bool own_ = true;     // the descriptor is to be closed
-    bool placed_ = false; // under its name
+    bool own_ = true; // the descriptor is to be closed
+    enum class Placed { not_yet, as_new, replacing, for_good } placed_ = Placed::not_yet;
     const ReaderGone gone_;
     bool closed_ = false; // there is no reader any more
     bool empty_ = true;   // nothing has been written

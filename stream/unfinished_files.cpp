@@ -64,11 +64,7 @@ void catch_signal(int signal) {
 } // namespace
 
 void install_signal_handlers() {
-    static std::array<char, 1 << 16> stack; // for when the thread's own is at its end
-    stack_t other{};
-    other.ss_sp = stack.data();
-    other.ss_size = stack.size();
-    sigaltstack(&other, nullptr);
+    static const SignalStack stack;
     std::signal(SIGPIPE, SIG_IGN); // shows as EPIPE instead
     std::signal(SIGXFSZ, SIG_IGN); // as EFBIG
     for (const int signal : raised_by_faults) {
@@ -105,6 +101,17 @@ SignalsHeld::SignalsHeld(Which which) {
 
 SignalsHeld::~SignalsHeld() {
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+}
+
+SignalStack::SignalStack() {
+    stack_t here{};
+    here.ss_sp = room_.data();
+    here.ss_size = room_.size();
+    sigaltstack(&here, &before_);
+}
+
+SignalStack::~SignalStack() {
+    sigaltstack(&before_, nullptr);
 }
 
 int create_unfinished(std::string &name) {

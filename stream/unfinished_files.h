@@ -2,6 +2,7 @@
 // however it ends, unless it is killed.
 #pragma once
 
+#include <array>
 #include <csignal>
 #include <string>
 
@@ -26,6 +27,20 @@ class SignalsHeld {
 
   private:
     sigset_t before_;
+};
+
+/// While this lives, signals of the thread that made it are handled in here, since its own stack
+/// may be at its end. One for the first thread comes with install_signal_handlers.
+class SignalStack {
+  public:
+    SignalStack();
+    ~SignalStack();
+    SignalStack(const SignalStack &) = delete;
+    SignalStack &operator=(const SignalStack &) = delete;
+
+  private:
+    stack_t before_{};
+    std::array<char, 1 << 16> room_;
 };
 
 /// A new file for its owner alone, as mkostemp makes it, that is known to be unfinished; `name`

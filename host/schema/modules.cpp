@@ -26,7 +26,8 @@ void quieten_libyang() {
 /// Anything else could keep whoever reads it waiting.
 void require_regular(const std::string &file) {
     std::error_code none;
-    if (std::filesystem::exists(file, none) && !std::filesystem::is_regular_file(file, none)) {
+    const std::filesystem::file_status found = status(std::filesystem::path(file), none);
+    if (exists(found) && !is_regular_file(found)) {
         throw DataError("", file + ": not a regular file");
     }
 }

@@ -10,7 +10,7 @@ import threading
 import time
 import unittest
 
-from harness import ACECONV, EXAMPLES, Case
+from harness import ACECONV, Case
 
 COUNT = 6000  # some thirty batches
 
@@ -171,70 +171,6 @@ class CutShort(Case):
             self.skipTest("no file system can be mounted here")
         self.assertEqual((done.returncode, done.stdout), (3, b""), done.stderr)
         self.assertRegex(done.stderr, b"^aceconv: .*/out: cannot write: No space left on device\n$")
-
-
-@unittest.skipUnless("ACECONV_FAILING" in os.environ, "sanitizers have an allocator of their own")
-class Failing(Case):
-    """Calls that fail, by failing_calls.c."""
-
-    def with_failing(self, call, *args, **env):
-        env = {**os.environ, "LD_PRELOAD": os.environ["ACECONV_FAILING"], "FAIL": call, **env}
-        done = self.run_command(*args, env=env, cwd=self.dir)
-        return done[0], done[2]
-
-    def left(self):
-        return sorted(os.listdir(self.dir))
-
-    def test_output_and_report_are_one(self):
-        source, files = self.file("source", generated(count=20)), ("-o", "out", "--report", "report")
-        convert = ("convert", "-q", "--no-losses", "--to", "um", "--schema", "base", source, *files)
-        for call, code in (("fsync 0 1", 3), ("fsync 1 1", 3), ("rename 0 1", 3), ("mkostemp 1 1", 3),
-                           ("mkostemp 0 0", -signal.SIGTERM), ("mkostemp 1 0", -signal.SIGTERM)):
-            self.assertEqual(self.with_failing(call, *convert)[0], code, call)
-            self.assertEqual(self.left(), ["source"], call)
-        self.assertEqual(self.with_failing("", *convert, CALLS="calls"), (0, ""))
-        self.assertEqual((self.dir / "calls").read_text().split(),
-                         ["fsync"] * 2 + ["rename"] * 2 + ["fsync"])  # of their one folder
-
-    def test_no_memory(self):
-        """The first call for memory fails, then a later one, until none is left."""
-        step = 1 if "ACECONV_LONG_TESTS" in os.environ else 397
-        xml = self.file("xml", self.ok("convert", "--no-losses", "--to", "um", "--format", "xml",
-                                       EXAMPLES / "qos-nexthop.json"))
-        for args in (("convert", "--to", "um", EXAMPLES / "qos-nexthop.json"),
-                     ("encode", xml, "--backend", "validating"), ("check", xml), ("diff", xml, xml)):
-            whole = self.run_command(*args, "-q", "--report", "/dev/null")
-            files = ("--report", "report") if args[0] in ("check", "diff") else (
-                "-o", "out", "--report", "report")
-            at = 0
-            while True:
-                code, err = self.with_failing(f"malloc {at} 1", *args, "-q", *files)
-                if code == whole[0]:
-                    break
-                # Losses may have been said before.
-                self.assertEqual((code, err.splitlines()[-1]), (3, "aceconv: out of memory"), (args, at))
-                self.assertEqual(self.left(), ["xml"], (args, at))
-                at += step
-            self.assertGreater(at, 2000)
-            for name in files[1::2]:
-                os.unlink(self.dir / name)
-
-    def test_little_memory(self):
-        source, codes = self.file("source", generated(count=8000)), set()
-        for kilobytes in range(16000, 64000, 4000):
-            done = subprocess.run(
-                [ACECONV, "encode", "-q", "-j", "4", "--schema", "base", "-o", self.dir / "out", source],
-                check=False, capture_output=True,
-                preexec_fn=lambda k=kilobytes: resource.setrlimit(resource.RLIMIT_AS, (k << 10,) * 2))
-            if done.returncode == 127:  # it could not be started
-                continue
-            codes.add(done.returncode)
-            if done.returncode != 0:
-                self.assertRegex(done.stderr, rb"\Aaceconv: .*([Oo]ut of|allocate) memory\n\Z")
-            self.assertEqual(self.left(), ["out"] * (done.returncode == 0) + ["source"])
-            if done.returncode == 0:
-                os.unlink(self.dir / "out")
-        self.assertEqual(codes, {0, 3})
 
 
 class Progress(Case):

@@ -226,6 +226,7 @@ class Messages(Case):
                 (3, ("encode", doc, "--plugin", missing), missing),
                 (3, ("encode", doc, "--plugin", doc), doc),
                 (3, ("encode", doc, "--modules", missing), "cannot load the YANG modules"),
+                (3, ("schema", "--modules", missing), "cannot load the YANG modules"),
                 (3, ("--version", "--plugin", missing), missing),
                 (3, ("--plugin", missing, "encode", doc), missing),
                 (3, ("--modules", missing, "encode", doc), "cannot load the YANG modules"),

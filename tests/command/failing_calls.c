@@ -1,15 +1,29 @@
-/* Preloaded: makes calls fail as FAIL has it, "NAME FROM COUNT": of the calls of that
-   name the FROMth, counted from 0, and the COUNT - 1 behind it; "NAME FROM 0" sends a
-   signal behind it instead. Writes the names of calls that tell of files to CALLS. */
+/* Preloaded: makes calls fail as FAIL has it, "NAME FROM COUNT ERROR": of the calls of that name
+   the FROMth, counted from 0, and the COUNT - 1 behind it, with that errno; where ERROR is 0, reads
+   and writes do a single byte instead. With COUNT 0 a signal comes behind the call. "stack": the
+   FROMth allocation of another thread than the first one has no end of stack. At the end the names
+   of the calls are written to CALLS, allocations as their number in front. */
 #define _GNU_SOURCE
+#undef _FORTIFY_SOURCE
+/* Declared with an ellipsis, which cannot be passed on. */
+#define open declared_open
+#define openat declared_openat
+#include <dirent.h>
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
+#undef open
+#undef openat
+#include <poll.h>
+#include <pthread.h>
 #include <signal.h>
 #include <stdatomic.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 extern void *__libc_malloc(size_t);
@@ -19,17 +33,41 @@ extern void *__libc_realloc(void *, size_t);
 static struct {
     char name[16];
     unsigned from, count;
+    int error;
     atomic_uint met;
 } fault;
 
-__attribute__((constructor)) static void read_fault(void) {
+static atomic_uint allocations;
+static char called[1 << 20];
+static atomic_uint called_bytes;
+
+static void read_fault(void) {
     const char *text = getenv("FAIL");
-    if (text != NULL) {
-        sscanf(text, "%15s %u %u", fault.name, &fault.from, &fault.count);
+    if (text != NULL && fault.name[0] == '\0') {
+        sscanf(text, "%15s %u %u %d", fault.name, &fault.from, &fault.count, &fault.error);
+    }
+}
+
+__attribute__((destructor)) static void write_calls(void) {
+    const char *calls = getenv("CALLS");
+    if (calls != NULL) {
+        const int file = (int)syscall(SYS_openat, AT_FDCWD, calls, O_WRONLY | O_CREAT, 0600);
+        dprintf(file, "%u%s\n", atomic_load(&allocations), called);
+        syscall(SYS_close, file);
+    }
+}
+
+static void note(const char *name) {
+    const size_t size = strlen(name) + 1;
+    const unsigned at = atomic_fetch_add(&called_bytes, (unsigned)size);
+    if (at + size < sizeof called) {
+        called[at] = ' ';
+        memcpy(&called[at + 1], name, size - 1);
     }
 }
 
 static int fails(const char *name) {
+    read_fault();
     if (strcmp(name, fault.name) != 0) {
         return 0;
     }
@@ -37,53 +75,86 @@ static int fails(const char *name) {
     if (number == fault.from && fault.count == 0) {
         raise(SIGTERM);
     }
+    errno = fault.error;
     return number >= fault.from && number - fault.from < fault.count;
 }
 
-static void note(const char *name) {
-    const char *calls = getenv("CALLS");
-    const int file = calls == NULL ? -1 : open(calls, O_WRONLY | O_APPEND | O_CREAT, 0600);
-    if (file >= 0) {
-        dprintf(file, "%s\n", name);
-        close(file);
+static int endless(volatile char *above) {
+    volatile char room[4096];
+    room[0] = *above;
+    return endless(room) + room[0];
+}
+
+static int allocation_fails(void) {
+    atomic_fetch_add(&allocations, 1);
+    if (strcmp(fault.name, "stack") == 0 && gettid() != getpid() && fails("stack")) {
+        char above = 0;
+        endless(&above);
     }
+    return fails("malloc");
 }
 
 void *malloc(size_t size) {
-    return fails("malloc") ? (errno = ENOMEM, NULL) : __libc_malloc(size);
+    return allocation_fails() ? NULL : __libc_malloc(size);
 }
 
 void *calloc(size_t count, size_t size) {
-    return fails("malloc") ? (errno = ENOMEM, NULL) : __libc_calloc(count, size);
+    return allocation_fails() ? NULL : __libc_calloc(count, size);
 }
 
 void *realloc(void *block, size_t size) {
-    return fails("malloc") ? (errno = ENOMEM, NULL) : __libc_realloc(block, size);
+    return allocation_fails() ? NULL : __libc_realloc(block, size);
 }
 
-int fsync(int file) {
-    int (*next)(int);
-    *(void **)&next = dlsym(RTLD_NEXT, "fsync");
-    note("fsync");
-    return fails("fsync") ? (errno = EIO, -1) : next(file);
-}
-
-int rename(const char *from, const char *to) {
-    int (*next)(const char *, const char *);
-    *(void **)&next = dlsym(RTLD_NEXT, "rename");
-    note("rename");
-    return fails("rename") ? (errno = EIO, -1) : next(from, to);
-}
-
-int mkostemp(char *name, int flags) {
-    int (*next)(char *, int);
-    *(void **)&next = dlsym(RTLD_NEXT, "mkostemp");
-    const int file = next(name, flags);
-    if (fails("mkostemp")) {
-        close(file);
-        unlink(name);
-        errno = EIO;
-        return -1;
+#define CALL(type, name, failure, before, parameters, ...)                                         \
+    type name parameters {                                                                         \
+        static type(*next) parameters;                                                             \
+        if (next == NULL) {                                                                        \
+            *(void **)&next = dlsym(RTLD_NEXT, #name);                                             \
+        }                                                                                          \
+        note(#name);                                                                               \
+        if (fails(#name)) {                                                                        \
+            before;                                                                                \
+            return failure;                                                                        \
+        }                                                                                          \
+        return next(__VA_ARGS__);                                                                  \
     }
-    return file;
-}
+/* One that may do less than it was asked for. */
+#define PARTIAL(type, name, parameters, ...)                                                       \
+    CALL(type, name, fault.error == 0 ? next(__VA_ARGS__) : -1, size = size > 0, parameters,       \
+         __VA_ARGS__)
+
+PARTIAL(ssize_t, read, (int file, void *to, size_t size), file, to, size)
+PARTIAL(ssize_t, pread, (int file, void *to, size_t size, off_t at), file, to, size, at)
+PARTIAL(ssize_t, write, (int file, const void *from, size_t size), file, from, size)
+CALL(int, open, -1, , (const char *path, int flags, mode_t mode), path, flags, mode)
+CALL(int, openat, -1, , (int folder, const char *path, int flags, mode_t mode), folder, path, flags,
+     mode)
+CALL(int, close, -1, next(file), (int file), file)
+CALL(int, mkostemp, -1, , (char *name, int flags), name, flags)
+CALL(int, fsync, -1, , (int file), file)
+CALL(int, rename, -1, , (const char *from, const char *to), from, to)
+CALL(int, renameat2, -1, ,
+     (int folder, const char *from, int other, const char *to, unsigned flags), folder, from, other,
+     to, flags)
+CALL(int, unlink, -1, , (const char *path), path)
+CALL(int, mkdir, -1, , (const char *path, mode_t mode), path, mode)
+CALL(int, stat, -1, , (const char *path, struct stat *to), path, to)
+CALL(int, lstat, -1, , (const char *path, struct stat *to), path, to)
+CALL(int, fstat, -1, , (int file, struct stat *to), file, to)
+CALL(int, fchmod, -1, , (int file, mode_t mode), file, mode)
+CALL(int, fchown, -1, , (int file, uid_t owner, gid_t group), file, owner, group)
+CALL(int, poll, -1, , (struct pollfd * files, nfds_t count, int timeout), files, count, timeout)
+CALL(void *, mmap, MAP_FAILED, ,
+     (void *at, size_t size, int protection, int flags, int file, off_t offset), at, size,
+     protection, flags, file, offset)
+CALL(DIR *, fdopendir, NULL, , (int folder), folder)
+CALL(struct dirent *, readdir, NULL, , (DIR * folder), folder)
+CALL(char *, realpath, NULL, , (const char *path, char *to), path, to)
+CALL(ssize_t, readlink, -1, , (const char *path, char *to, size_t size), path, to, size)
+CALL(FILE *, fopen, NULL, , (const char *path, const char *mode), path, mode)
+CALL(size_t, fread, 0, , (void *to, size_t size, size_t count, FILE *file), to, size, count, file)
+CALL(void *, dlopen, NULL, , (const char *path, int flags), path, flags)
+CALL(int, pthread_create, fault.error, ,
+     (pthread_t * thread, const pthread_attr_t *how, void *(*start)(void *), void *with), thread,
+     how, start, with)

@@ -83,10 +83,15 @@ InputFiles input_files(const std::vector<std::string> &paths) {
 std::vector<std::string> output_names(const std::vector<std::string> &paths,
                                       const InputFiles &inputs, const std::string &folder,
                                       OutputFormat format) {
-    std::error_code fault;
-    const auto place = [&fault](const std::string &path) { // absolute, whether it is there or not
-        return fs::weakly_canonical(fs::absolute(path, fault), fault);
+    const auto place = [](const std::string &path) { // absolute, whether it is there or not
+        std::error_code fault;
+        const fs::path found = fs::weakly_canonical(fs::absolute(path, fault), fault);
+        if (fault) {
+            throw IoError(path + ": cannot read: " + fault.message());
+        }
+        return found;
     };
+    std::error_code fault;
     const fs::path target = place(folder);
     for (const std::string &path : paths) {
         if (fs::is_directory(path, fault) &&

@@ -33,12 +33,8 @@ std::string shortened(std::string line) {
     return line;
 }
 
-void write_line(const std::string &prefix, std::string_view line) {
-    std::string text = std::exchange(status_stands, false) ? erase_line : "";
-    text += prefix;
-    text += shown_line(line);
-    text += '\n';
-    std::fwrite(text.data(), 1, text.size(), stderr); // unbuffered, so one call a line
+std::string composed(const std::string &prefix, std::string_view line) {
+    return prefix + shown_line(line) + '\n';
 }
 
 } // namespace
@@ -110,7 +106,18 @@ void say_fault(const std::string &file, const Entry &entry, const DataError &fau
 }
 
 void say(std::string_view line) {
-    write_line("aceconv: ", line);
+    say_lines(to_say(line));
+}
+
+std::string to_say(std::string_view line) {
+    return composed("aceconv: ", line);
+}
+
+void say_lines(const std::string &lines) {
+    if (std::exchange(status_stands, false)) {
+        std::fputs(erase_line, stderr);
+    }
+    std::fwrite(lines.data(), 1, lines.size(), stderr); // unbuffered, so one call a line
 }
 
 void show_status(std::string_view line) {
@@ -122,7 +129,7 @@ void show_status(std::string_view line) {
 }
 
 void say_error(std::string_view line) {
-    write_line(Style(STDERR_FILENO).red("aceconv:") + " ", line);
+    say_lines(composed(Style(STDERR_FILENO).red("aceconv:") + " ", line));
 }
 
 } // namespace aceconv::tool

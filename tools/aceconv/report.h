@@ -65,6 +65,10 @@ std::string shown_line(std::string_view line);
 
 /// One line on standard error, after "aceconv: ".
 void say(std::string_view line);
+/// The line as say() would have it, and what has become of several ones; the latter allocates
+/// nothing.
+std::string to_say(std::string_view line);
+void say_lines(const std::string &lines);
 /// The same, marked as an error.
 void say_error(std::string_view line);
 /// A line that stands until the next one of either kind; on a terminal it goes then.

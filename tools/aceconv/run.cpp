@@ -120,20 +120,20 @@ void Run::charge(std::size_t input) {
 }
 
 /// Of each input, up to the one at which the run stopped.
-void Run::say_verdicts() const {
+void Run::compose_verdicts() {
     std::size_t end = tallies_.size();
     while (stopped_ && end > 0 && tallies_[end - 1].entries + tallies_[end - 1].errors == 0) {
         --end;
     }
     for (std::size_t i = 0; i < end; ++i) {
-        say(file({0, 0, i}) + ": " + account(tallies_[i]));
+        summary_ += to_say(file({0, 0, i}) + ": " + account(tallies_[i]));
     }
     if (end < tallies_.size()) {
-        say(counted(tallies_.size() - end, "input", "inputs") + " not read");
+        summary_ += to_say(counted(tallies_.size() - end, "input", "inputs") + " not read");
     }
     if (input_.passed_over != 0) {
-        say(counted(input_.passed_over, "other file", "other files") +
-            " not read, whose names do not end like an input's");
+        summary_ += to_say(counted(input_.passed_over, "other file", "other files") +
+                           " not read, whose names do not end like an input's");
     }
 }
 
@@ -183,13 +183,25 @@ RunEnd Run::end() {
     return {tally_, stopped_, progress_.seconds(), setup_.plugin, digests_};
 }
 
-int Run::conclude() {
+void Run::commit(std::vector<Output *> outputs) {
+    compose_summary();
+    findings_->commit(std::move(outputs), end());
+}
+
+void Run::compose_summary() {
     surroundings_.add(source_.surroundings());
-    if (!common_.quiet && !closed_ && several()) {
-        say_verdicts();
+    if (several()) {
+        compose_verdicts();
     }
-    if (!common_.quiet && !closed_ && (tally_.entries != 0 || tally_.errors == 0)) {
-        say((stopped_ ? "stopped: " : "") + summary(tally_, surroundings_, progress_.seconds()));
+    if (tally_.entries != 0 || tally_.errors == 0) {
+        summary_ += to_say((stopped_ ? "stopped: " : "") +
+                           summary(tally_, surroundings_, progress_.seconds()));
+    }
+}
+
+int Run::conclude() {
+    if (!common_.quiet && !closed_) {
+        say_lines(summary_);
     }
     return tally_.errors == 0 ? exit_ok : exit_trouble;
 }

@@ -83,7 +83,7 @@ class Run {
     /// Nothing is made; what has been found is.
     void abandon() { commit({}); }
     /// Puts these files in their places, together with what has been found; null is none.
-    void commit(std::vector<Output *> outputs) { findings_->commit(std::move(outputs), end()); }
+    void commit(std::vector<Output *> outputs);
     /// Other files of the run beside its inputs and its output. Throw UsageError when
     /// one of them is in use already.
     void also_reads(const std::string &path) { files_.reads(path); }
@@ -96,7 +96,8 @@ class Run {
     /// Makes the other run's account a part of this one's.
     void merge(const Run &other);
 
-    /// Says the summary, unless it is to be quiet; returns the exit code.
+    /// Says the summary, unless it is to be quiet; returns the exit code. Behind finish or commit,
+    /// and allocates nothing: what has its place already must not be followed by a failure.
     int conclude();
 
   private:
@@ -106,7 +107,8 @@ class Run {
     /// What the account has grown by since is of this input.
     void charge(std::size_t input);
     [[nodiscard]] RunEnd end();
-    void say_verdicts() const;
+    void compose_verdicts();
+    void compose_summary();
 
     const CommonOptions common_;
     const InputOptions options_;
@@ -129,6 +131,7 @@ class Run {
     std::vector<Tally> tallies_;      // of the inputs
     std::vector<FileDigest> digests_; // of inputs, once they have been read
     Surroundings surroundings_;
+    std::string summary_;  // its lines
     bool closed_ = false;  // the reader of the output has gone, and that ends it
     bool stopped_ = false; // at a fault, since it was not to keep going
 };

@@ -95,7 +95,7 @@ bool is_repeated(const std::vector<SchemaItem> &items, const SchemaItem &item) {
 int run_explain(const ExplainOptions &options) {
     Codec codec(start(options.common));
     const RecordView view(codec.descriptor());
-    Modules modules(find_modules(options.common));
+    Modules modules = load_modules(find_modules(options.common));
     std::vector<std::string> names;
     std::string text;
     for (const Schema schema : {Schema::base, Schema::um}) {
@@ -126,7 +126,7 @@ int run_explain(const ExplainOptions &options) {
 }
 
 int run_schema(const SchemaOptions &options) {
-    Modules modules(find_modules(options.common));
+    Modules modules = load_modules(find_modules(options.common));
     Output output("-");
     for (const Schema schema : {Schema::base, Schema::um}) {
         if (options.schema && *options.schema != schema) {
