@@ -24,6 +24,7 @@ cross_packages=(
 )
 package_packages=(dpkg-dev debhelper dh-python fakeroot lintian)
 cluster_packages=(slurm-wlm slurmctld slurmd munge python3-distributed)
+browser_packages=(chromium chromium-driver python3-selenium)
 fuzz_packages=(clang libclang-rt-dev)
 
 # Ends the script, saying what of `missing` is missing, why, and how to go on.

@@ -51,6 +51,15 @@ class Page:
         return [(self.shared["lists"][row[1]][0], row[2], *map(value, change[:4]))
                 for row in self.rows for change in row[6]]
 
+    @staticmethod
+    def words(row):
+        """Before and after, which the data has by what the two share."""
+        if row[5] is None:
+            return [row[4]]
+        first, last, *between = row[5]
+        pieces = row[4].split(" ")
+        return [row[4], " ".join([*pieces[:first], *between, *pieces[len(pieces) - last:]])]
+
     def shown(self):
         """The words of each entry that stands on the page."""
         return ["".join(code.itertext()) for body in self.all("tbody") if body.get("id")
@@ -107,7 +116,7 @@ class Html(Case):
                 self.assertEqual({(row[0], row[1]): int(row[2]) for row in page.table("leaves")}, by_leaf)
                 first = [row for at, row in enumerate(page.rows)
                          if sum(other[1] == row[1] for other in page.rows[:at]) < 25]
-                self.assertEqual(page.shown(), [words for row in first for words in row[4:6] if words])
+                self.assertEqual(page.shown(), [words for row in first for words in page.words(row) if words])
                 self.assertLessEqual({loss["words"] for loss in told["losses"]}, set(page.shown()))
                 files = {tuple(row[:2]): row[3] for row in page.table("files")}
                 for part, name, content in (("Input", str(UM), UM.read_bytes()), ("Input", "<stdin>", lossy.encode()),

@@ -120,7 +120,9 @@ std::string HtmlGroups::leaves_table() const {
                 number_cell("Changes", leaf.found.changes) +
                 number_cell("Match more", leaf.found.widening) + "</tr>\n";
     }
-    return rows;
+    return rows.empty() ? "<tr><th scope=\"row\">none</th>" + table_cell("Reason", "") +
+                              number_cell("Changes", 0) + number_cell("Match more", 0) + "</tr>\n"
+                        : rows;
 }
 
 std::string HtmlGroups::sections() const {

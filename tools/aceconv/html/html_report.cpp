@@ -22,7 +22,7 @@ constexpr VerbWords verbs[] = {
      "Nothing is lost"},
     {"decode", "Decoding report", "Losses", "entry loses something", "entries lose something",
      "Nothing is lost"},
-    {"inspect", "Records", "Losses", "record holds what its schema cannot say",
+    {"inspect", "Inspection report", "Records", "record holds what its schema cannot say",
      "records hold what their schema cannot say", "The schemas can say all of the records"},
     {"convert", "Conversion report", "Losses", "entry loses something", "entries lose something",
      "Nothing is lost"},
@@ -154,19 +154,19 @@ std::string HtmlReport::verdict(const RunEnd &end) const {
 }
 
 std::string HtmlReport::figures(const RunEnd &end) const {
-    std::string text =
+    const std::string text =
         figure("Entries", end.tally.entries) + figure("Bad entries", end.tally.errors);
-    if (verb_ == "diff") {
-        text += figure("Changed", count(HtmlKind::changed)) +
-                figure("Only in A", count(HtmlKind::only_a)) +
-                figure("Only in B", count(HtmlKind::only_b)) +
-                figure("Moved", count(HtmlKind::moved));
-    }
     if (verb_ == "lint") {
         return text + figure("With warnings", count(HtmlKind::warning));
     }
-    return text + figure("Losses", end.tally.losses) +
-           figure("Entries with losses", end.tally.entries_with_losses) +
+    const std::string losses = figure("Losses", end.tally.losses);
+    if (verb_ == "diff") {
+        return text + figure("Changed", count(HtmlKind::changed)) +
+               figure("Only in A", count(HtmlKind::only_a)) +
+               figure("Only in B", count(HtmlKind::only_b)) +
+               figure("Moved", count(HtmlKind::moved)) + losses;
+    }
+    return text + losses + figure("Entries with losses", end.tally.entries_with_losses) +
            figure("Match more", end.tally.entries_widened);
 }
 

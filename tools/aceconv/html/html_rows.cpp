@@ -34,33 +34,61 @@ std::string tag(const char *text) {
     return *text == '\0' ? "" : " <b class=\"tag\">" + std::string(text) + "</b>";
 }
 
-std::set<std::string_view> pieces_of(std::string_view line) {
-    std::set<std::string_view> pieces;
-    for (std::size_t at = 0; at < line.size();) {
+using Pieces = std::vector<std::string_view>;
+
+/// What spaces separate.
+Pieces pieces_of(std::string_view line) {
+    Pieces pieces;
+    for (std::size_t at = 0; at <= line.size();) {
         const std::size_t end = std::min(line.find(' ', at), line.size());
-        pieces.insert(line.substr(at, end - at));
+        pieces.push_back(line.substr(at, end - at));
         at = end + 1;
     }
     return pieces;
 }
 
 /// The line, with the words that the other one lacks marked.
-std::string marked(std::string_view line, std::string_view other, const std::string &element) {
-    const std::set<std::string_view> there = pieces_of(other);
+std::string marked(const std::string &line, const std::string &other, const std::string &element) {
+    const Pieces others = pieces_of(other);
+    const std::set<std::string_view> there(others.begin(), others.end());
     std::string text;
     bool marking = false;
-    for (std::size_t at = 0; at < line.size();) {
-        const std::size_t end = std::min(line.find(' ', at), line.size());
-        const std::string_view piece = line.substr(at, end - at);
+    const char *between = "";
+    for (const std::string_view piece : pieces_of(line)) {
         const bool gone = !other.empty() && !there.contains(piece);
         text += marking && !gone ? "</" + element + ">" : "";
-        text += at == 0 ? "" : " ";
+        text += between;
         text += gone && !marking ? "<" + element + ">" : "";
         text += html_text(piece);
         marking = gone;
-        at = end + 1;
+        between = " ";
     }
     return text + (marking ? "</" + element + ">" : "");
+}
+
+/// The second line by how many words it shares with the begin and the end of the first, and
+/// those between, as [2,1,"between"]; null for an empty one.
+std::string difference_array(const std::string &before, const std::string &after) {
+    if (after.empty()) {
+        return "null";
+    }
+    const Pieces old = pieces_of(before), now = pieces_of(after);
+    const std::size_t most = std::min(old.size(), now.size());
+    std::size_t first = 0, last = 0;
+    while (first < most && old[first] == now[first]) {
+        ++first;
+    }
+    while (last < most - first && old[old.size() - 1 - last] == now[now.size() - 1 - last]) {
+        ++last;
+    }
+    std::string text = "[" + std::to_string(first) + "," + std::to_string(last);
+    if (first + last < now.size()) {
+        const char *const begin = now[first].data();
+        const std::string_view end = now[now.size() - 1 - last];
+        text +=
+            "," + script_text({begin, static_cast<std::size_t>(end.data() + end.size() - begin)});
+    }
+    return text + "]";
 }
 
 std::string words_line(const char *label, const std::string &text) {
@@ -115,7 +143,7 @@ std::string data_row(const HtmlRow &row, std::size_t list, SharedStrings &string
                        std::to_string(list) + "," +
                        (row.key.sequence ? std::to_string(*row.key.sequence) : "null") + "," +
                        script_text(where(row.position)) + "," + script_text(row.words) + "," +
-                       script_text(row.words_after) + ",[";
+                       difference_array(row.words, row.words_after) + ",[";
     const char *between = "";
     for (const Change &change : row.changes) {
         const ShownChange shown = shown_change(row.kind, change);

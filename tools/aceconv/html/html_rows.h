@@ -48,7 +48,9 @@ class SharedStrings {
 };
 
 /// [kind, list, sequence or null, line or "#item", words, words after, changes, may be bad], and
-/// the record if there is one; a change is [leaf, before, after, reason, widens].
+/// the record if there is one. The words after are null or what they share with the others: how
+/// many words in front and behind, and those between. A change is [leaf, before, after, reason,
+/// widens].
 std::string data_row(const HtmlRow &row, std::size_t list, SharedStrings &strings);
 /// What the page says of each kind, as an array.
 std::string kinds_array();
