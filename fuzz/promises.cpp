@@ -42,18 +42,6 @@ Written written(Backend backend, const Entry &entry, Format format) {
     return made;
 }
 
-Bytes read_again(const Entry &entry, Format format, const std::string &text) {
-    Entry again{.key = entry.key, .schema = entry.schema, .format = format, .text = text};
-    try {
-        const Encoding encoding = codec(Backend::bulk).encode(again);
-        return {encoding.begin(), encoding.end()};
-    } catch (const DataError &fault) {
-        require(false, "what is written can be read",
-                text + "\n" + fault.path() + ": " + fault.what());
-        return {};
-    }
-}
-
 /// The fields that `before`, a record in `from`, and the one of a text in `to` do not share.
 Names fields_lost(Encoding before, Schema from, Encoding after, Schema to) {
     const bag_descriptor &descriptor = codec(Backend::bulk).descriptor();
@@ -158,6 +146,18 @@ std::string told(const Entry &entry, const DataError &fault, std::string_view te
     const std::string line = tool::shown_line(tool::fault_text("input", entry, fault, ""));
     require_shown(line, 2000, "a message is one short line that drives no terminal");
     return tool::fault_text("input", entry, fault, "");
+}
+
+Bytes read_again(const Entry &entry, Format format, const std::string &text) {
+    Entry again{.key = entry.key, .schema = entry.schema, .format = format, .text = text};
+    try {
+        const Encoding encoding = codec(Backend::bulk).encode(again);
+        return {encoding.begin(), encoding.end()};
+    } catch (const DataError &fault) {
+        require(false, "what is written can be read",
+                text + "\n" + fault.path() + ": " + fault.what());
+        return {};
+    }
 }
 
 void check_text(const Entry &entry) {

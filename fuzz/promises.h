@@ -30,6 +30,9 @@ inline std::string_view text_of(Encoding encoding) {
 /// within the `text` it is about.
 std::string told(const Entry &entry, const DataError &fault, std::string_view text);
 
+/// The encoding of what was written of the entry, which must be readable.
+Bytes read_again(const Entry &entry, Format format, const std::string &text);
+
 /// Both backends take the entry's text, or refuse it, alike; what it is encoded to holds what is
 /// promised of any encoding.
 void check_text(const Entry &entry);

@@ -50,7 +50,7 @@ run() { # TARGET
       "$place/corpus" "$kept" "$place/seeds" >"$place/log" 2>&1 || code=$?
   fi
   if ((code)); then
-    tail -n 40 "$place/log" >&2
+    grep -aE -A 4 '^BROKEN|ERROR|^SUMMARY' "$place/log" | cut -c -400 >&2 || true
     echo "$target: failed with $code, see $place/log and $build/findings" >&2
     return 1
   fi

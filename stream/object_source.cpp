@@ -147,14 +147,15 @@ class ObjectSource : public Source {
             } catch (const DataError &fault) {
                 held_.push(entry, &fault);
                 if (!first_fault_) {
-                    first_fault_ = {fault, entry.position};
+                    first_fault_ = {fault, entry.key, entry.position};
                 }
             }
         }
         looked_ahead_ = true;
         if (!schema_ && silent_ && first_fault_) {
-            entry.position = first_fault_->second;
-            throw DataError(first_fault_->first);
+            entry.key = first_fault_->key;
+            entry.position = first_fault_->position;
+            throw DataError(first_fault_->fault);
         }
     }
 
@@ -224,7 +225,12 @@ class ObjectSource : public Source {
     bool fits_ = true;
     bool looked_ahead_ = false;
     bool silent_ = false; // an entry fits both schemas
-    std::optional<std::pair<DataError, Position>> first_fault_;
+    struct Fault {
+        DataError fault;
+        EntryKey key;
+        Position position;
+    };
+    std::optional<Fault> first_fault_;
     Spool held_; // entries read before the schema was known
 };
 

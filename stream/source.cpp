@@ -99,7 +99,12 @@ InputFormat recognise(Window &window) {
     if (blanks == 0 && first >= 0x80 && first < 0xE0) {
         return InputFormat::cbor;
     }
-    const std::string_view text = window.view().substr(blanks);
+    // Digits show in the first line, of which as much is looked at however the input comes.
+    constexpr std::size_t looked_at = 256;
+    read_until(window, [&](std::string_view view) {
+        return view.size() >= blanks + looked_at || view.find('\n', blanks) != view.npos;
+    });
+    const std::string_view text = window.view().substr(blanks, looked_at);
     if (begins_with_encoding(text, Digits::hexadecimal)) {
         return InputFormat::hex;
     }

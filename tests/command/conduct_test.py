@@ -41,6 +41,7 @@ BAD_INPUT = [
     (BASE + '{"name":"a\\u0000b"}]}}', r"1: .*the name of an access list, 'a\\x00b'"),
     (BASE + '{"name":"%s"}]}}' % ("x" * 4097), r"1: .*, 'x+\.\.\.': longer than 4096 bytes"),
     (BASE + '{"name":"%s"}]}}' % ("x" * 30000), r"1: .*expected the access list's name, found a string longer than 4096 bytes"),
+    (' {"acl":"B","z":1}{"acl":"C","entry":{"remark":"r"}}', r"1: acl 'B': unknown member \"z\""),
     (BASE + '{"name":5}]}}', r"1: /aceconv-base:acls/acl\[1\]: expected the access list's name, found '5'"),
     (BASE + '{"name":"\\x"}]}}', r'1: .*acl\[1\]: not a JSON string: "\\x"'),
     (BASE + '{"entry":[{"remark":"%s"}],"name":"X"}]}}' % ("x" * (1 << 21)),

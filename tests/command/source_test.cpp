@@ -121,6 +121,9 @@ const Input chunk_inputs[] = {
      "'x'"},
     {"\x83\x61X\x0A\x62um\xC6\x80\x9F\x01\xFF\x82\x61Y\xF6\xA1\x01\x02\x82\x61Z\x01",
      "X@0 2\n-@0 3\nY@0 3\n@0 : a label without an encoding behind it"},
+    {"8371\x90", "@0 : expected a JSON object, XML or encodings, found '8371\\x90'; --from-format "
+                 "hex or base64 "
+                 "takes it for encodings"},
     {"\x82\x61X\x0A\x80\x9F\x1C", "X@0 1\n@0 : the encoding at byte 5 is cut off or malformed"},
 };
 
