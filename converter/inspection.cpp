@@ -76,6 +76,19 @@ std::string json_field(const FieldValue &field) {
     return row.done();
 }
 
+std::string json_part(const EncodingPart &part) {
+    JsonText row('{', '}');
+    row.add("offset", std::to_string(part.offset));
+    row.add("depth", std::to_string(part.depth));
+    row.add("hex", quoted(part.index + part.first + part.head + part.content));
+    if (part.member_index) {
+        row.add("index", std::to_string(*part.member_index));
+        row.add("member", quoted(part.member));
+    }
+    row.add("text", quoted(part.text));
+    return row.done();
+}
+
 } // namespace
 
 std::string inspection_json(const std::string &file, const Entry &entry,
@@ -98,6 +111,13 @@ std::string inspection_json(const std::string &file, const Entry &entry,
     shown.add("ConfigurationMask", quoted(mask_text(inspected.mask)));
     shown.add("ConfigurationMask2", quoted(mask_text(inspected.mask2)));
     shown.add("fields", fields.done());
+    if (!inspected.parts.empty()) {
+        JsonText parts('[', ']');
+        for (const EncodingPart &part : inspected.parts) {
+            parts.add(json_part(part));
+        }
+        shown.add("encoding", parts.done());
+    }
     return shown.done();
 }
 

@@ -127,7 +127,7 @@ void convert_entry(const Workshop &shop, Entry &entry, Schema to, Format format,
     convert_with_words(shop, entry, to, format, product);
 }
 
-Inspected inspect_entry(const Workshop &shop, Entry &entry, Product &product) {
+Inspected inspect_entry(const Workshop &shop, Entry &entry, Product &product, bool parts) {
     require_schema(shop.codec.descriptor(), entry);
     const Encoding encoding = shop.codec.encode(entry);
     const DecodedRecord record(shop.codec.descriptor(), encoding);
@@ -135,6 +135,9 @@ Inspected inspect_entry(const Workshop &shop, Entry &entry, Product &product) {
                         record.get().ConfigurationMask2,
                         shop.view.describe(record.get(), entry.schema),
                         entry_words(shop.view, record.get(), entry.schema, entry.key.sequence)};
+    if (parts) {
+        inspected.parts = encoding_parts(shop.codec.descriptor(), encoding, inspected.fields);
+    }
     if (shop.losses) {
         product.changes = losses_of_record(shop, entry, encoding);
         add_words(shop, entry, encoding, entry.schema, product);

@@ -13,6 +13,7 @@
 #include "compare/losses.h"
 #include "compare/record_view.h"
 #include "compare/stored_records.h"
+#include "converter/encoding_parts.h"
 #include "stream/codec.h"
 
 namespace aceconv {
@@ -23,6 +24,7 @@ struct Inspected {
     std::uint64_t mask, mask2;
     std::vector<FieldValue> fields;
     std::string words;
+    std::vector<EncodingPart> parts = {}; // of the encoding, where they were asked for
 };
 
 /// What is made of one entry: an encoding or text, and what did not come along.
@@ -62,7 +64,7 @@ std::string words_of_encoding(const bag_descriptor &descriptor, const Entry &ent
 void convert_entry(const Workshop &shop, Entry &entry, Schema to, Format format, Product &product);
 
 /// The record, and what its schema cannot say of it.
-Inspected inspect_entry(const Workshop &shop, Entry &entry, Product &product);
+Inspected inspect_entry(const Workshop &shop, Entry &entry, Product &product, bool parts = false);
 
 /// The encoding, and what does not come back when it is decoded again.
 void check_entry(const Workshop &shop, Entry &entry, Product &product);

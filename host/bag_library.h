@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "aceconv/host/bag.h"
+#include "host/cbor_head.h"
 
 namespace aceconv {
 
@@ -82,6 +83,27 @@ struct BagMember {
 /// a counted array is one member. Throws DataError when the description and the
 /// layout do not agree.
 std::vector<BagMember> bag_members(const bag_descriptor &descriptor);
+
+/// A part of an encoding: one item, or the two of a member, its index and its value. Of arrays
+/// and maps it is the head; what they hold are parts of their own behind it.
+struct BagPart {
+    enum class What : std::uint8_t { array, type_name, fingerprint, members, member, element };
+    What what;
+    unsigned depth;     // of arrays and maps around it
+    std::size_t offset; // bytes from the encoding's start
+    std::size_t size;   // bytes
+    // Of a member: its index and name as bag_members has it, in an element as the element's type
+    // has it; how many bytes the index takes.
+    std::uint64_t index = 0;
+    std::string member = {};
+    std::size_t index_size = 0;
+    CborKind kind;       // of the item, or of the member's value
+    std::uint64_t value; // a number, or how many bytes, elements or pairs it has
+};
+
+/// The parts of a good encoding, in order. Throws DataError for any other.
+std::vector<BagPart> bag_parts(const bag_descriptor &descriptor,
+                               std::span<const std::uint8_t> encoding);
 
 /// The digest of type name, both descriptions and the layout that encodings carry, in hex.
 std::string bag_fingerprint(const bag_descriptor &descriptor);

@@ -277,7 +277,7 @@ class Messages(Case):
                           ("decode", ["INPUT", "--from-format", "--schema", "-o,--output", "--output-dir",
                                       "--format", *losses, *common]),
                           ("inspect", ["INPUT", "--from-format", "--schema", "-o,--output",
-                                       "--json", *losses, *common]),
+                                       "--hex", "--json", *losses, *common]),
                           ("convert", ["INPUT", "--from-format", "--schema", "--to",
                                        "-o,--output", "--output-dir", "--format", *losses, *common]),
                           ("check", ["INPUT", "--from-format", "--schema", "--json", *losses, *common]),

@@ -1,5 +1,6 @@
 """What the command reports to programs, against the schemas in docs/."""
 import json
+import re
 import subprocess
 import unittest
 import xml.etree.ElementTree
@@ -174,6 +175,38 @@ log-option (base)
         for path in sorted(EXAMPLES.glob("*.json")):
             for line in self.ok("inspect", "--json", "--no-losses", path).splitlines():
                 self.valid("record", line)
+
+    def test_bytes_of_encodings(self):
+        page = (EXAMPLES.parent / "docs/record_format.md").read_text()
+        shown = re.search(r"(?m)^### An example\n[^\0]*?\n\n((?:    .*\n)+)", page)[1]
+        entry = '{"permit":{"protocol":"tcp","destination":{"host":"192.0.2.1","port":{"eq":"WWW"}}}}'
+        self.assertEqual(re.sub(r"(?m)^  ", "", shown), self.ok("inspect", "-q", "--hex", stdin=entry).decode()
+                         .split("80 (WWW)\n", 1)[1])
+        entry = {"permit": {"udf-entries": {"udf": [{"udf-name": "f~", "udf-value": "0x7"}, {"udf-name": "\\\""}]},
+                            "police": {"value": 1, "unit": "pps"}}, "remark": "\x9b" + 40 * "x"}
+        path = self.file("um", document("um", ("X", numbered(entry, {}))))
+        for path in (path, *EXAMPLES.glob("*.json")):
+            lines = self.ok("inspect", "--hex", "--json", "--no-losses", path).splitlines()
+            told = [self.valid("record", line) for line in lines]
+            parts = [part for record in told for part in record["encoding"]]
+            self.assertEqual(bytes.fromhex("".join(part["hex"] for part in parts)),
+                             self.run_command("encode", "--no-labels", path)[1])
+            for record in told:
+                at, parts = 0, record["encoding"]
+                for part in parts:
+                    self.assertEqual(part["offset"], at)
+                    at += len(part["hex"]) // 2
+                self.assertEqual(record["bytes"], at)
+                named = {part["member"]: part["text"] for part in parts if "member" in part}
+                for field in record["fields"]:
+                    if field.get("value") not in (None, 0, "0.0.0.0", []):  # zeros have no bytes
+                        self.assertIn(field["name"], named)
+                    if isinstance(field.get("value"), int) and field["name"] in named:
+                        self.assertTrue(named[field["name"]].startswith(str(field["value"]).lower()), field)
+            text = self.ok("inspect", "-q", "--hex", "--no-losses", path).decode()
+            digits = re.findall(r"(?m)^[\d ]{8}([0-9A-F ]{40}|[0-9A-F ]{1,40}$)", text)
+            self.assertEqual("".join(digits).replace(" ", ""),
+                             "".join(part["hex"] for record in told for part in record["encoding"]))
 
 
 if __name__ == "__main__":

@@ -176,6 +176,7 @@ Options options_of(InspectOptions &inspect) {
     return joined(
         {input_options(inspect.input),
          {output_option(inspect.output),
+          {"--hex", "", "Show the bytes of the encoding beside what they say", &inspect.hex},
           {"--json", "", "Write one JSON object for each record, one a line", &inspect.json}},
          loss_options(inspect.losses)});
 }

@@ -12,6 +12,31 @@
 namespace aceconv::tool {
 namespace {
 
+/// A line, with as much of a string's content as there is room for, and further ones below.
+std::string part_text(const EncodingPart &part, const Style &style) {
+    constexpr std::size_t room = 38;
+    std::string line = "  " + std::string(std::size_t{2} * part.depth, ' ');
+    for (const std::string *group : {&part.index, &part.first, &part.head}) {
+        line += group->empty() ? "" : *group + " ";
+    }
+    const std::size_t indent = line.size();
+    const std::size_t most = indent + 8 < room ? (room - indent) / 2 * 2 : 8; // digits
+    char offset[24];
+    std::snprintf(offset, sizeof offset, "  %6zu", part.offset);
+    line += part.content.substr(0, most);
+    line.resize(std::max<std::size_t>(line.size(), room + 2), ' ');
+    std::string member;
+    if (!part.member.empty()) {
+        member = part.member + " ";
+        member.resize(std::max<std::size_t>(member.size(), 20), ' ');
+    }
+    std::string text = style.faint(offset + line) + member + part.text + "\n";
+    for (std::size_t at = most; at < part.content.size(); at += most) {
+        text += style.faint(std::string(8 + indent, ' ') + part.content.substr(at, most)) + "\n";
+    }
+    return text;
+}
+
 std::string as_text(const std::string &name, const Inspected &inspected, const Style &style) {
     std::string text =
         style.bold(name) + ": " + inspected.words + "\n" +
@@ -31,6 +56,9 @@ std::string as_text(const std::string &name, const Inspected &inspected, const S
         text += style.faint(place) + member + value_text(field);
         text += field.note.empty() ? "\n" : style.red("  ! " + field.note) + "\n";
     }
+    for (const EncodingPart &part : inspected.parts) {
+        text += part_text(part, style);
+    }
     return text;
 }
 
@@ -49,7 +77,7 @@ int run_inspect(const InspectOptions &options) {
     run.each(
         [&, wanted = losses_wanted(options.losses, options.common)](Codec &codec, Entry &entry,
                                                                     Product &product) {
-            Inspected inspected = inspect_entry({codec, view, wanted}, entry, product);
+            Inspected inspected = inspect_entry({codec, view, wanted}, entry, product, options.hex);
             product.bytes = options.json
                                 ? inspection_json(run.several() ? run.file(entry.position) : "",
                                                   entry, inspected) +

@@ -30,6 +30,7 @@ struct InspectOptions {
     CommonOptions common;
     InputOptions input;
     std::string output = "-";
+    bool hex = false; // also the bytes of the encoding
     bool json = false;
     LossOptions losses;
 };
