@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <sstream>
 
 #include "aceconv/version.h"
 #include "host/bag_library.h"
@@ -50,6 +51,16 @@ std::string now() {
 
 std::string fact(const char *name, const std::string &markup) {
     return "<div><dt>" + std::string(name) + "</dt><dd>" + markup + "</dd></div>\n";
+}
+
+/// A call, of which no word is broken that fits a line.
+std::string call_markup(const std::string &call) {
+    std::string markup;
+    std::istringstream words(call);
+    for (std::string word; std::getline(words, word, ' ');) {
+        markup += (markup.empty() ? "<span>" : " <span>") + html_text(word) + "</span>";
+    }
+    return "<code>" + markup + "</code>";
 }
 
 std::string figure(const char *name, std::uint64_t number) {
@@ -171,8 +182,7 @@ std::string HtmlReport::figures(const RunEnd &end) const {
 }
 
 std::string HtmlReport::facts(const RunEnd &end) const {
-    return fact("Command", "<code>" + html_text(command_) + "</code>") +
-           fact("aceconv", ACECONV_VERSION) +
+    return fact("Command", call_markup(command_)) + fact("aceconv", ACECONV_VERSION) +
            fact("Record", html_text(end.plugin.descriptor->type_name) + " <code>" +
                               html_text(bag_fingerprint(*end.plugin.descriptor)) + "</code>") +
            fact("Finished", "<time>" + now() + "</time>");
