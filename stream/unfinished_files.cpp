@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <memory>
 #include <string_view>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace aceconv {
@@ -79,12 +80,20 @@ void install_signal_handlers() {
 }
 
 void remove_unfinished_files() noexcept {
-    for (Room *room = &first_room; room != nullptr; room = room->next) {
-        for (auto &place : room->names) {
-            if (const char *name = place.exchange(nullptr); name != nullptr) {
-                unlink(name);
+    const auto remove_by = [](int (*remove)(const char *)) {
+        bool any = false;
+        for (Room *room = &first_room; room != nullptr; room = room->next) {
+            for (auto &place : room->names) {
+                if (const char *name = place; name != nullptr && remove(name) == 0) {
+                    place = nullptr;
+                    any = true;
+                }
             }
         }
+        return any;
+    };
+    remove_by(unlink);
+    while (remove_by(rmdir)) { // as often as one folder lies in another
     }
 }
 
@@ -122,6 +131,16 @@ int create_unfinished(std::string &name) {
         place = name.c_str();
     }
     return file;
+}
+
+int create_unfinished_folder(const std::string &name) {
+    const SignalsHeld held(SignalsHeld::Which::all);
+    std::atomic<const char *> &place = free_place();
+    const int result = mkdir(name.c_str(), 0777);
+    if (result == 0) {
+        place = name.c_str();
+    }
+    return result;
 }
 
 void forget_unfinished(const std::string &name) noexcept {

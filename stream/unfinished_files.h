@@ -1,5 +1,5 @@
-// Files that have not come to their place yet. None of them outlives the process,
-// however it ends, unless it is killed.
+// Files, and folders for them, that have not come to their place yet. None of them outlives the
+// process, however it ends, unless it is killed.
 #pragma once
 
 #include <array>
@@ -46,6 +46,9 @@ class SignalStack {
 /// A new file for its owner alone, as mkostemp makes it, that is known to be unfinished; `name`
 /// stays where it is until forget_unfinished. -1 and errno on failure.
 int create_unfinished(std::string &name);
+/// The same for a folder, with the rights that the umask leaves; removed only while nothing else
+/// lies in it.
+int create_unfinished_folder(const std::string &name);
 /// It is in its place or removed.
 void forget_unfinished(const std::string &name) noexcept;
 

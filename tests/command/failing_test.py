@@ -67,7 +67,7 @@ class Failing(Case):
     def with_failing(self, call, run, folder=None, **env):
         env = {**os.environ, "LD_PRELOAD": os.environ["ACECONV_FAILING"], "FAIL": call, "TMPDIR": ".", **env}
         folder = folder or self.dir
-        done = subprocess.run([ACECONV, *run.split()], cwd=folder, env=env, capture_output=True, timeout=120,
+        done = subprocess.run([ACECONV, *run.split()], cwd=folder, env=env, capture_output=True, timeout=1200 if LONG else 120,
                               check=False, stdin=subprocess.DEVNULL)
         return Outcome(done.returncode, done.stdout, TIMES.sub("", done.stderr.decode()),
                        {str(path.relative_to(folder)): path.is_file() and TEST_TIME.sub(b"", path.read_bytes())
@@ -109,6 +109,24 @@ class Failing(Case):
         return got.code, (run, name, errno.errorcode.get(error), at, count, got.code, said, got == whole,
                           [path for path in got.files if got.files[path] != self.before.get(path)])
 
+    def test_each_allocation(self):
+        """Each in a twin of the process, which ends, while the run itself goes on to the same as ever."""
+        self.make_inputs()
+        log, tries = self.dir / "calls", []
+        for run in RUNS:
+            if not any(name in run for name in (*LARGE, "made")):
+                whole = self.in_folder("", run, CALLS=str(log))
+                tries += [(run, whole, int(log.read_text().split()[0]), count) for count in (1, FOR_GOOD)[:1 + LONG]]
+                log.unlink()
+        step, tried, said = 1 if LONG else 61, 0, "aceconv: out of memory\n"
+        with concurrent.futures.ThreadPoolExecutor(os.cpu_count() if LONG else 1) as pool:
+            for (run, whole, allocations, _), got in zip(tries, pool.map(
+                    lambda row: self.in_folder(f"each {step} {row[-1]} {errno.ENOMEM}", row[0]), tries)):
+                tried += (times := got.err.count(said))
+                self.assertGreaterEqual(times, (allocations - 1) // step, run)  # the last one is of the count itself
+                self.assertEqual(got._replace(err=got.err.replace(said, "")), whole, run)
+        print("malloc ENOMEM in twins, exit 3:", tried, flush=True)
+
     def test_each_call(self):
         self.make_inputs()
         self.before = self.in_folder("", "help").files
@@ -119,19 +137,15 @@ class Failing(Case):
             log.unlink()
             called = collections.Counter(called, malloc=int(allocations))
             large = any(name in run for name in LARGE)  # and with threads, so that calls come in any order
+            apart = large or "made" in run  # not for twins
             for number, (name, error, expected) in enumerate(CALLS):
                 positions = range(0, called[name] * 9 // 10 if large and called[name] > 99 else called[name])
-                if LONG:
-                    wanted = 200 if large else len(positions)
-                else:
-                    wanted = 3 if name == "malloc" and not large else (row // 2 + number) % 2
+                wanted = (200 if large else len(positions)) if LONG else (row // 2 + number) % 2
+                wanted = 0 if name == "malloc" and not apart else wanted
                 step = max(1, -(-len(positions) // (wanted or 1)))
                 counts = (1,) if error == errno.EINTR else (1, FOR_GOOD) if LONG else ((1, FOR_GOOD)[row % 2],)
-                for count in counts if wanted else ():
-                    # Want of memory ends the process at once, so for good is as once.
-                    rare = 13 if LONG and (name, count) == ("malloc", FOR_GOOD) else 1
-                    tries += [(run, whole, name, error, expected, at, count)
-                              for at in positions[(7 * row + number) % step::step * rare]]
+                tries += [(run, whole, name, error, expected, at, count) for count in counts
+                          for at in positions[(7 * row + number) % step::step] if wanted]
         outcomes = collections.defaultdict(collections.Counter)
         with concurrent.futures.ThreadPoolExecutor(os.cpu_count() if LONG else 1) as pool:
             wrong = []

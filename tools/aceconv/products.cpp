@@ -1,8 +1,12 @@
 #include "tools/aceconv/products.h"
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
+#include <unistd.h>
 
 #include "stream/errors.h"
+#include "stream/unfinished_files.h"
 
 namespace aceconv::tool {
 namespace {
@@ -10,16 +14,19 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Makes the folders in which `path` is to lie; those that were missing are added to `made`.
-void make_folders(const fs::path &path, std::vector<std::string> &made) {
+void make_folders(const fs::path &path, std::deque<std::string> &made) {
     std::error_code fault;
     if (path.empty() || fs::is_directory(path, fault)) {
         return;
     }
     make_folders(path.parent_path(), made);
-    if (fs::create_directory(path, fault)) {
-        made.push_back(path.native());
-    } else if (fault) {
-        throw IoError(path.native() + ": cannot make the folder: " + fault.message());
+    made.push_back(path.native());
+    if (create_unfinished_folder(made.back()) != 0) {
+        const int error = errno;
+        made.pop_back();
+        if (error != EEXIST || !fs::is_directory(path, fault)) { // made by others since
+            throw IoError(path.native() + ": cannot make the folder: " + std::strerror(error));
+        }
     }
 }
 
@@ -40,9 +47,11 @@ Products::Products(Run &run, OutputFormat format, Schema of_none, ReaderGone gon
 Products::~Products() {
     current_.reset();
     complete_.clear();
-    std::error_code fault; // one that others have put a file in stays
-    for (std::size_t i = made_.size(); !in_place_ && i-- > 0;) {
-        fs::remove(made_[i], fault);
+    for (; !made_.empty(); made_.pop_back()) {
+        if (!in_place_) {
+            rmdir(made_.back().c_str()); // one that others have put a file in stays
+        }
+        forget_unfinished(made_.back());
     }
 }
 

@@ -1,6 +1,7 @@
 // Where the products of a run go: to one output, or to one for each input.
 #pragma once
 
+#include <deque>
 #include <memory>
 #include <string>
 #include <vector>
@@ -47,7 +48,7 @@ class Products {
     std::size_t at_ = 0; // the input whose output comes next, or is open
     std::unique_ptr<Product> current_;
     std::vector<std::unique_ptr<Output>> complete_;
-    std::vector<std::string> made_; // folders
+    std::deque<std::string> made_; // folders, known by these names
     bool in_place_ = false;
 };
 
