@@ -31,6 +31,9 @@ RUNS = (
     "check um.json --json --report report --errors errors", "check um.xml --backend validating --junit junit",
     "diff um.json base.json --json --report report --errors errors",
     "diff um.xml base.json --backend validating --junit junit",
+    "convert um.json --to base --html old.html -o out --report report --junit junit",
+    "diff um.json base.json --by content --acl X=X --html page", "inspect bags --html page",
+    "check um.json --html page --json", "lint um.json --html page --backend validating",
     "lint um.json --json --errors errors --junit junit", "lint base.json --backend validating",
     "explain permit/police/value --json", "schema um --tree", "schema base --json", "help convert", "--version",
     "encode nameless -o out",  # entries that wait for their list's name
@@ -54,7 +57,7 @@ CALLS = (
     ("pthread_create", errno.EAGAIN, "either"),  # fewer threads do as well
     *((name, error, "same") for name in ("read", "pread", "write") for error in (errno.EINTR, 0)),
 )
-TEST_TIME = re.compile(rb' (time|timestamp)="[^"]*"')
+TEST_TIME = re.compile(rb' (time|timestamp)="[^"]*"|<time>[^<]*')
 Outcome = collections.namedtuple("Outcome", "code out err files")
 
 
@@ -67,8 +70,8 @@ class Failing(Case):
     def with_failing(self, call, run, folder=None, **env):
         env = {**os.environ, "LD_PRELOAD": os.environ["ACECONV_FAILING"], "FAIL": call, "TMPDIR": ".", **env}
         folder = folder or self.dir
-        done = subprocess.run([ACECONV, *run.split()], cwd=folder, env=env, capture_output=True, timeout=1200 if LONG else 120,
-                              check=False, stdin=subprocess.DEVNULL)
+        done = subprocess.run([ACECONV, *run.split()], cwd=folder, env=env, capture_output=True, check=False,
+                              timeout=1200 if LONG else 120, stdin=subprocess.DEVNULL)
         return Outcome(done.returncode, done.stdout, TIMES.sub("", done.stderr.decode()),
                        {str(path.relative_to(folder)): path.is_file() and TEST_TIME.sub(b"", path.read_bytes())
                         for path in folder.rglob("*")})
@@ -90,7 +93,7 @@ class Failing(Case):
                 ("um.xml", self.ok("convert", "--to", "um", "--format", "xml", stdin=um)),
                 ("bags", bags := self.ok("encode", stdin=um)), ("hex", bags.hex()),
                 ("stored", self.ok("encode", stdin=base)),
-                *((name, "old\n") for name in ("old", "old.report", "old.errors")),
+                *((name, "old\n") for name in ("old", "old.report", "old.errors", "old.html")),
                 ("many", generated(count=6000)),
                 ("nameless", '{"aceconv-base:acls":{"acl":[{"entry":[%s],"name":"X"}]}}' % ",".join(
                     '{"sequence-number":%d,"remark":"%s"}' % (n, "r" * 10000) for n in range(1, 60)))):

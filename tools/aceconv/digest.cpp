@@ -2,7 +2,6 @@
 
 #include <array>
 
-#include "stream/errors.h"
 #include "stream/window.h"
 
 namespace aceconv::tool {
@@ -36,15 +35,11 @@ std::string Digest::base64() const {
 }
 
 FileDigest digest_of(const std::string &path) {
-    FileDigest file{path, {}, false};
-    try {
-        const ReadChunk read = open_input(path, std::make_shared<InputMeter>());
-        char buffer[1 << 14];
-        for (std::size_t got = 0; (got = read(buffer, sizeof buffer)) != 0;) {
-            file.digest.add({buffer, got});
-        }
-        file.whole = true;
-    } catch (const IoError &) {
+    FileDigest file{path, {}, true};
+    const ReadChunk read = open_input(path, std::make_shared<InputMeter>());
+    char buffer[1 << 14];
+    for (std::size_t got = 0; (got = read(buffer, sizeof buffer)) != 0;) {
+        file.digest.add({buffer, got});
     }
     return file;
 }

@@ -30,7 +30,7 @@ struct FileDigest {
     bool whole = false; // everything of it went by
 };
 
-/// Of a file that nothing else reads; `whole` is false where it cannot be read.
+/// Of a file that nothing else reads. Throws IoError.
 FileDigest digest_of(const std::string &path);
 
 } // namespace aceconv::tool
