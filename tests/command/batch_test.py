@@ -56,6 +56,50 @@ class Workers(Case):
             self.assertEqual(out.count(b"ipv4_acl_config_ace"), bad)
 
 
+class EightThreads(Case):
+    """On inputs with faults in the middle, for readers that linger or go away; the sanitizers look on."""
+
+    def read(self, args, wanted, pause):
+        """(exit code, output, messages) of a run of whose output so much is read, in pieces."""
+        with subprocess.Popen([ACECONV, *args], stdout=subprocess.PIPE, stderr=subprocess.PIPE, bufsize=0) as process:
+            guard = threading.Timer(300, process.kill)
+            guard.start()
+            came = b""
+            while len(came) < wanted and (got := process.stdout.read(min(wanted - len(came), 65536))):
+                came += got
+                time.sleep(pause)
+            process.stdout.close()
+            said = process.stderr.read().decode()
+            guard.cancel()
+            return process.wait(), came, re.sub("aceconv: .* entries a second", "", said)
+
+    def test_faults_and_readers(self):
+        lines = generated(count=3000).splitlines(keepends=True)
+        whole = self.file("whole", b"".join(lines))
+        bags = self.ok("encode", "--schema", "base", whole)
+        xml = self.ok("convert", "--schema", "base", "--to", "base", "--format", "xml", stdin=generated("--document", count=3000))
+        for at in (1200, 1201, 2000):
+            lines[at] = b'{"grant":"drop"}\n'
+        faulty, cut = self.file("faulty", b"".join(lines)), self.file("cut", b"".join(lines[:2500]) + b"{")
+        bags = self.file("bags", bags[:len(bags) // 2] + b"\xff" + bags[len(bags) // 2:])
+        xml = self.file("xml", xml.replace(b"<grant>permit", b"<grant>drop", 3))
+        base, um = ("--schema", "base"), ("--schema", "base", "--to", "um", "--format", "ndjson")
+        for args in (("encode", *base, faulty), ("encode", *base, "--keep-going", "--backend", "validating", cut),
+                     ("convert", "--no-losses", *um, "--keep-going", faulty), ("decode", "--format", "ndjson", bags),
+                     ("convert", "--to", "um", "--keep-going", xml), ("inspect", *base, "--keep-going", cut),
+                     ("check", *base, "--keep-going", faulty), ("lint", *base, "--keep-going", faulty),
+                     ("diff", "--schema-a", "base", "--schema-b", "base", "--keep-going", faulty, whole)):
+            with self.subTest(args[:-1]):
+                alone = self.read((args[0], "-j", "1", *args[1:]), 1 << 30, 0)
+                self.assertEqual(self.read((args[0], "-j", "8", *args[1:]), 1 << 30, 0.002), alone)
+                self.assertEqual(alone[0], 2)
+                for wanted in (0, 1000, len(alone[1]) // 2):
+                    code, out, said = self.read((args[0], "-j", "8", *args[1:]), wanted, 0)
+                    self.assertIn(code, (0, 2))
+                    self.assertEqual(out, alone[1][:wanted])
+                    self.assertLessEqual(set(said.splitlines()), set(alone[2].splitlines()))
+
+
 class Partner(Case):
     """Whoever writes an entry and waits for its result gets it."""
 
