@@ -31,8 +31,9 @@ int value_of(char c, Digits digits) {
 
 class Decoder {
   public:
-    Decoder(Window text, Digits digits)
-        : text_(std::move(text)), digits_(digits), bits_(digits == Digits::hexadecimal ? 4 : 6),
+    Decoder(Window text, Digits digits, std::shared_ptr<DigitLines> lines)
+        : text_(std::move(text)), digits_(digits), lines_(std::move(lines)),
+          bits_(digits == Digits::hexadecimal ? 4 : 6),
           group_(digits == Digits::hexadecimal ? 2 : 4) {}
 
     std::size_t read(char *buffer, std::size_t size) {
@@ -50,7 +51,7 @@ class Decoder {
             text_.take(at);
         }
         if (fault_ && count == 0) {
-            throw StreamError("", *fault_);
+            throw StreamError("", *fault_, line_);
         }
         return count;
     }
@@ -63,8 +64,10 @@ class Decoder {
         ++column_;
         if (is_json_blank(c)) {
             require_whole_group(c == '\n' ? "the line ends" : "a blank stands");
-            line_ += c == '\n' ? 1 : 0;
-            column_ = c == '\n' ? 0 : column_;
+            if (c == '\n' && !fault_) {
+                ++line_;
+                column_ = 0;
+            }
             return 0;
         }
         if (digits_ == Digits::hexadecimal && taken_ == 1 && value_ == 0 &&
@@ -90,6 +93,10 @@ class Decoder {
             fail("the last digit before the padding stands for more than a byte has left");
             return 0;
         }
+        if (std::exchange(noted_line_, line_) != line_) {
+            lines_->note(bytes_, line_);
+        }
+        bytes_ += count;
         for (std::size_t i = 0; i < count; ++i) {
             out[i] = static_cast<char>(value_ >> 8 * (whole - 1 - i));
         }
@@ -108,8 +115,7 @@ class Decoder {
 
     void fail(const std::string &what) {
         if (!fault_) {
-            fault_ = "line " + std::to_string(line_) + ", column " + std::to_string(column_) +
-                     ": " + what;
+            fault_ = "column " + std::to_string(column_) + ": " + what;
         }
     }
 
@@ -119,20 +125,30 @@ class Decoder {
 
     Window text_;
     const Digits digits_;
+    const std::shared_ptr<DigitLines> lines_;
     const unsigned bits_;     // of a digit
     const std::size_t group_; // digits of the fewest whole bytes
     std::uint32_t value_ = 0; // of the group that has begun
     std::size_t taken_ = 0;   // digits of it
     std::size_t padding_ = 0;
     std::uint64_t line_ = 1;
-    std::uint64_t column_ = 0; // of the character last taken
+    std::uint64_t column_ = 0;     // of the character last taken
+    std::uint64_t bytes_ = 0;      // so far
+    std::uint64_t noted_line_ = 0; // the last one
     std::optional<std::string> fault_;
 };
 
 } // namespace
 
-Window bytes_of_digits(Window text, Digits digits) {
-    const auto decoder = std::make_shared<Decoder>(std::move(text), digits);
+std::uint64_t DigitLines::line_of(std::uint64_t byte) {
+    while (begins_.size() > 1 && begins_[1].first <= byte) {
+        begins_.pop_front();
+    }
+    return begins_.empty() ? 1 : begins_.front().second;
+}
+
+Window bytes_of_digits(Window text, Digits digits, std::shared_ptr<DigitLines> lines) {
+    const auto decoder = std::make_shared<Decoder>(std::move(text), digits, std::move(lines));
     return Window(
         [decoder](char *buffer, std::size_t size) { return decoder->read(buffer, size); });
 }

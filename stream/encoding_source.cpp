@@ -12,11 +12,29 @@ namespace {
 
 class EncodingSource : public Source {
   public:
-    EncodingSource(Window window, std::optional<Schema> schema)
-        : window_(std::move(window)), schema_(schema) {}
+    EncodingSource(Window window, std::optional<Schema> schema, std::shared_ptr<DigitLines> lines)
+        : window_(std::move(window)), schema_(schema), lines_(std::move(lines)) {}
 
     bool next(Entry &entry) override {
-        entry.position = {0, ordinal_ + 1};
+        try {
+            return take_entry(entry);
+        } catch (const StreamError &fault) {
+            if (fault.line() != 0) { // a digit's
+                entry.position.line = fault.line();
+            }
+            throw;
+        }
+    }
+
+    [[nodiscard]] std::optional<Schema> schema() const override { return schema_; }
+
+  private:
+    bool take_entry(Entry &entry) {
+        entry.position = {line_, ordinal_ + 1};
+        if (lines_ && label_.empty()) {
+            window_.want(1);
+            entry.position.line = line_ = lines_->line_of(offset_);
+        }
         entry.key = {};
         entry.schema = schema_.value_or(Schema::base);
         entry.schema_known = schema_.has_value();
@@ -49,9 +67,6 @@ class EncodingSource : public Source {
         return true;
     }
 
-    [[nodiscard]] std::optional<Schema> schema() const override { return schema_; }
-
-  private:
     void apply(const Label &label, Entry &entry) const {
         entry.key = label.key;
         if (!label.schema) {
@@ -110,12 +125,15 @@ class EncodingSource : public Source {
     Bytes label_;                    // of the next encoding, once it has been read
     std::uint64_t ordinal_ = 0;
     std::uint64_t offset_ = 0;
+    const std::shared_ptr<DigitLines> lines_; // null: there are none
+    std::uint64_t line_ = 0;                  // of the label or encoding last begun
 };
 
 } // namespace
 
-std::unique_ptr<Source> make_encoding_source(Window window, std::optional<Schema> schema) {
-    return std::make_unique<EncodingSource>(std::move(window), schema);
+std::unique_ptr<Source> make_encoding_source(Window window, std::optional<Schema> schema,
+                                             std::shared_ptr<DigitLines> lines) {
+    return std::make_unique<EncodingSource>(std::move(window), schema, std::move(lines));
 }
 
 } // namespace aceconv

@@ -138,16 +138,15 @@ std::unique_ptr<Source> make_source(Window window, std::optional<InputFormat> fo
     case InputFormat::xml:
         leading_blanks(window);
         return make_xml_source(std::move(window), schema, others);
-    case InputFormat::hex:
-        window = bytes_of_digits(std::move(window), Digits::hexadecimal);
-        break;
-    case InputFormat::base64:
-        window = bytes_of_digits(std::move(window), Digits::base64);
-        break;
     case InputFormat::cbor:
+        return make_encoding_source(std::move(window), schema);
+    case InputFormat::hex:
+    case InputFormat::base64:
         break;
     }
-    return make_encoding_source(std::move(window), schema);
+    const Digits digits = *format == InputFormat::hex ? Digits::hexadecimal : Digits::base64;
+    auto lines = std::make_shared<DigitLines>();
+    return make_encoding_source(bytes_of_digits(std::move(window), digits, lines), schema, lines);
 }
 
 std::unique_ptr<Source> open_source(const std::string &path, std::optional<InputFormat> format,

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/entry.h"
+#include "stream/digits.h"
 #include "stream/surroundings.h"
 #include "stream/window.h"
 
@@ -30,8 +31,8 @@ inline void append(std::string &bytes, Encoding encoding) {
 enum class InputFormat { json, ndjson, xml, cbor, hex, base64 };
 
 struct Position {
-    // Of the entry's first character, or of the node in it that was refused; 0 where
-    // there are no lines.
+    // Of the entry's first character, or of the node in it that was refused; of encodings as
+    // digits, of the first digit. 0 where there are no lines.
     std::uint64_t line = 0;
     std::uint64_t ordinal = 0; // counted from 1
     std::size_t input = 0;     // which of several inputs, counted from 0
@@ -104,6 +105,8 @@ std::unique_ptr<Source> make_json_source(Window window, std::optional<Schema> sc
 std::unique_ptr<Source> make_object_source(Window window, bool lines, std::optional<Schema> schema);
 std::unique_ptr<Source> make_xml_source(Window window, std::optional<Schema> schema,
                                         OtherModules others);
-std::unique_ptr<Source> make_encoding_source(Window window, std::optional<Schema> schema);
+/// `lines` are those of the text that the encodings were, if they were one.
+std::unique_ptr<Source> make_encoding_source(Window window, std::optional<Schema> schema,
+                                             std::shared_ptr<DigitLines> lines = nullptr);
 
 } // namespace aceconv

@@ -229,19 +229,33 @@ class Digits(Case):
             self.assertEqual(self.ok("decode", "--format", "ndjson",
                                      "--from-format", form, stdin=" \n"), b"")
 
+    def test_entries_have_the_line_of_their_first_digit(self):
+        bad = self.one[:-2] + b"\xff" + self.one[-1:]  # text that is no UTF-8
+        for digits in (bytes.hex, lambda data: base64.b64encode(data).decode()):
+            for text, line in ((digits(self.one) + "\n\n" + digits(bad), 3), (digits(bad), 1),
+                               ("\n" + textwrap.fill(digits(self.one), 4) + "\n" + textwrap.fill(digits(bad), 8),
+                                2 + -(-len(digits(self.one)) // 4)),
+                               (textwrap.fill(digits(200 * self.one), 64) + "\n" + digits(bad),
+                                1 + -(-len(digits(200 * self.one)) // 64))):
+                code, _, err = self.run_command("decode", "--keep-going", "--format", "ndjson",
+                                                "--errors", self.dir / "errors", stdin=text)
+                self.assertEqual(code, 2)
+                self.assertRegex(err, rf"^aceconv: <stdin>:{line}: byte ")
+                self.assertEqual(json.loads((self.dir / "errors").read_text())["line"], line)
+
     def test_faults_have_line_and_column(self):
         self.assertTrue(self.base64.endswith("="))
         for text, said, read in (
-                (self.hex + "\n83zz", "line 2, column 3: 'z' is no hexadecimal digit", 1),
-                (self.hex[:-1] + "\n", f"line 1, column {len(self.hex)}: the line ends inside of a byte", 0),
-                (self.hex[:-1], f"line 1, column {len(self.hex) - 1}: the input ends inside of a byte", 0),
-                (self.hex + "\n8 3", "line 2, column 2: a blank stands inside of a byte", 1),
-                (self.base64 + "\ng\u00e9", "line 2, column 2: '\\xc3' is no base64 digit", 1),
-                (self.base64 + "\ng=", "line 2, column 2: '=' is no base64 digit", 1),
-                (self.base64 + "\ngg=g", "line 2, column 4: 'g' is no base64 digit", 1),
-                (self.base64 + "\ngh==", "line 2, column 4: the last digit before the padding", 1),
+                (self.hex + "\n83zz", ":2: column 3: 'z' is no hexadecimal digit", 1),
+                (self.hex[:-1] + "\n", f":1: column {len(self.hex)}: the line ends inside of a byte", 0),
+                (self.hex[:-1], f":1: column {len(self.hex) - 1}: the input ends inside of a byte", 0),
+                (self.hex + "\n8 3", ":2: column 2: a blank stands inside of a byte", 1),
+                (self.base64 + "\ng\u00e9", ":2: column 2: '\\xc3' is no base64 digit", 1),
+                (self.base64 + "\ng=", ":2: column 2: '=' is no base64 digit", 1),
+                (self.base64 + "\ngg=g", ":2: column 4: 'g' is no base64 digit", 1),
+                (self.base64 + "\ngh==", ":2: column 4: the last digit before the padding", 1),
                 (self.base64[:-5] + "\n", "the line ends inside of a group of four digits", 0),
-                (self.hex[:-2], "the encoding at byte 8 is cut off or malformed", 0),
+                (self.hex[:-2], ":1: the encoding at byte 8 is cut off or malformed", 0),
                 ("c0ffee", "expected a JSON object, XML or encodings, found 'c0ffee'; --from-format hex or", 0)):
             with self.subTest(said):
                 code, out, err = self.run_command("decode", "--keep-going", "--format", "ndjson", stdin=text)
