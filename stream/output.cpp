@@ -39,8 +39,8 @@ mode_t take_ownership(int file, const struct stat &other) {
                : (plain & 0707U) | ((plain & 07U) << 3U);
 }
 
-/// So that a name in it stays after a crash, where its file system can do that, and whoever runs
-/// this may read it. 0, or why not.
+} // namespace
+
 int sync_folder(const std::string &path) {
     const int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder < 0) {
@@ -50,8 +50,6 @@ int sync_folder(const std::string &path) {
     close(folder);
     return error;
 }
-
-} // namespace
 
 Output::Output(const std::string &path, ReaderGone gone)
     : path_(path == "-" ? "<stdout>" : path), gone_(gone) {

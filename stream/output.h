@@ -22,6 +22,10 @@ class Taker {
     virtual void write(std::string_view bytes) = 0;
 };
 
+/// Brings the names in a folder to the disk, where its file system can do that and whoever runs
+/// this may read it. 0, or why not.
+int sync_folder(const std::string &path);
+
 class Output final : public Taker {
   public:
     /// "-" is standard output. A regular file, or one that is not there yet, is

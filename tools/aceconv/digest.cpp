@@ -30,8 +30,8 @@ std::string Digest::base64() const {
             text += digits[group >> shift & 63U];
         }
     }
-    text.back() = '=';
-    return text;
+    text.pop_back();
+    return text + '=';
 }
 
 FileDigest digest_of(const std::string &path) {

@@ -13,6 +13,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
+[[noreturn]] void fail_to_make(const fs::path &folder, int error) {
+    throw IoError(folder.native() + ": cannot make the folder: " + std::strerror(error));
+}
+
 /// Makes the folders in which `path` is to lie; those that were missing are added to `made`.
 void make_folders(const fs::path &path, std::deque<std::string> &made) {
     std::error_code fault;
@@ -24,9 +28,14 @@ void make_folders(const fs::path &path, std::deque<std::string> &made) {
     if (create_unfinished_folder(made.back()) != 0) {
         const int error = errno;
         made.pop_back();
-        if (error != EEXIST || !fs::is_directory(path, fault)) { // made by others since
-            throw IoError(path.native() + ": cannot make the folder: " + std::strerror(error));
+        if (error == EEXIST && fs::is_directory(path, fault)) { // made by others since
+            return;
         }
+        fail_to_make(path, error);
+    }
+    const fs::path parent = path.parent_path();
+    if (const int error = sync_folder(parent.empty() ? "." : parent.native()); error != 0) {
+        fail_to_make(path, error);
     }
 }
 
