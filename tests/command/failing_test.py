@@ -172,8 +172,12 @@ class Failing(Case):
         self.assertEqual(self.in_folder("", run, CALLS=str(log)).code, 0)
         self.assertEqual([name for name in log.read_text().split() if "sync" in name or "rename" in name],
                          ["fsync"] * 2 + ["renameat2", "rename"] + ["renameat2", "fsync"])
-        log.unlink()  # a folder's name is on the disk too
-        self.in_folder("", "encode base.json --output-dir made/outs", CALLS=str(log))
+        log.unlink()
+        run = "encode base.json --output-dir made/outs"  # so are the folders
+        for call in ("mkdir 0 0", "mkdir 1 0", "mkostemp 0 0"):
+            got = self.in_folder(call, run)
+            self.assertEqual((got.code, got.files), (-signal.SIGTERM, before), call)
+        self.in_folder("", run, CALLS=str(log))
         self.assertEqual([name for name in log.read_text().split() if name in ("mkdir", "fsync")],
                          ["mkdir", "fsync"] * 2 + ["fsync"] * 2)
 
