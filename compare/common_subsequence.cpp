@@ -49,9 +49,10 @@ class Search {
     };
 
     [[nodiscard]] Places places_of(std::uint32_t element) const {
-        const auto range = std::ranges::equal_range(places_, element, {},
-                                                    [this](std::uint32_t at) { return b_[at]; });
-        return {range.begin(), range.end()};
+        // Not std::ranges::equal_range, which clang 14 cannot compile.
+        const auto value = [this](std::uint32_t at) { return b_[at]; };
+        return {std::ranges::lower_bound(places_, element, {}, value),
+                std::ranges::upper_bound(places_, element, {}, value)};
     }
 
     /// Of the places of an element in `b`, those to try for its next occurrence in `a`.
