@@ -142,7 +142,7 @@ void Run::merge(const Run &other) {
     tally_.errors += other.tally_.errors;
     surroundings_.add(other.source_.surroundings());
     const auto &read = other.source_.digests();
-    digests_.insert(digests_.end(), read.begin(), read.end());
+    other_digests_.insert(other_digests_.end(), read.begin(), read.end());
     stopped_ = stopped_ || other.stopped_;
 }
 
@@ -178,8 +178,8 @@ void Run::finish(Output &output, Output *report, Sink *sink) {
 }
 
 RunEnd Run::end() {
-    const auto &read = source_.digests();
-    digests_.insert(digests_.begin(), read.begin(), read.end());
+    digests_ = source_.digests();
+    digests_.insert(digests_.end(), other_digests_.begin(), other_digests_.end());
     return {tally_, stopped_, progress_.seconds(), setup_.plugin, digests_};
 }
 

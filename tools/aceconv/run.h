@@ -128,8 +128,9 @@ class Run {
     std::vector<Output *> outputs_;
     Tally tally_;
     Tally charged_;
-    std::vector<Tally> tallies_;      // of the inputs
-    std::vector<FileDigest> digests_; // of inputs, once they have been read
+    std::vector<Tally> tallies_;            // of the inputs
+    std::vector<FileDigest> other_digests_; // of the inputs of runs that are a part of this one
+    std::vector<FileDigest> digests_;       // of all inputs, at the end
     Surroundings surroundings_;
     std::string summary_;  // its lines
     bool closed_ = false;  // the reader of the output has gone, and that ends it
