@@ -1,8 +1,10 @@
 #include "stream/xml_input.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "host/entry.h"
+#include "host/json_scan.h"
 #include "stream/errors.h"
 
 namespace aceconv {
@@ -14,6 +16,10 @@ std::string longer_than(std::size_t bytes) {
 bool XmlInput::advance() {
     while (!ended_) {
         try {
+            if (between_ && !step_to_document()) {
+                ended_ = true;
+                break;
+            }
             paused_ = !(paused_ ? resume() : feed());
             if (paused_) {
                 return true;
@@ -34,10 +40,45 @@ void XmlInput::start_anew() {
     bytes_.erase(0, piece_begin() - first_);
     first_ = fed_ = 0;
     pieces_ = {};
-    restart(line());
-    paused_ = false;
-    again_ = true;
+    next_line_ = line();
+    paused_ = marked_ = false;
+    between_ = true;
     begin_document();
+}
+
+/// Behind the mark of the end of a message and blanks, if there is such a mark; false at the end
+/// of the input. Nothing is lost where the input pauses.
+bool XmlInput::step_to_document() {
+    constexpr std::string_view mark = "]]>]]>";
+    const auto more = [this] {
+        window_.want(1);
+        last_ = window_.view().empty();
+        bytes_ += window_.view();
+        window_.take(window_.view().size());
+        return !last_;
+    };
+    while (!marked_ && bytes_.size() < mark.size() && mark.starts_with(bytes_) && more()) {
+    }
+    if (!marked_ && bytes_.starts_with(mark)) {
+        marked_ = true;
+        bytes_.erase(0, mark.size());
+    }
+    while (marked_) {
+        const std::size_t blanks = std::min(bytes_.find_first_not_of(json_blanks), bytes_.size());
+        next_line_ += static_cast<std::uint64_t>(
+            std::count(bytes_.begin(), bytes_.begin() + static_cast<std::ptrdiff_t>(blanks), '\n'));
+        bytes_.erase(0, blanks);
+        if (!bytes_.empty()) {
+            break;
+        }
+        if (!more()) {
+            return false;
+        }
+    }
+    restart(next_line_);
+    again_ = true;
+    between_ = false;
+    return true;
 }
 
 void XmlInput::read_more() {

@@ -1,4 +1,5 @@
-// XML documents that follow each other in one input. Of what has been read, this keeps a piece
+// XML documents that follow each other in one input; the mark that ends messages of NETCONF
+// (RFC 6242, section 4.3) may stand behind each. Of what has been read, this keeps a piece
 // that is not complete, and what its user still needs.
 #pragma once
 
@@ -36,11 +37,15 @@ class XmlInput : protected XmlParser {
     bool feed();
     void read_more();
     void start_anew();
+    bool step_to_document();
 
     Window window_;
-    bool paused_ = false; // the parser
-    bool again_ = false;  // what has been read already begins another document
-    bool last_ = false;   // the input has been read to its end
+    bool paused_ = false;  // the parser
+    bool again_ = false;   // what has been read already begins another document
+    bool between_ = false; // two documents: nothing but the mark of the end of a message, or blanks
+    bool marked_ = false;  // which has been read
+    std::uint64_t next_line_ = 1; // of the document that follows
+    bool last_ = false;           // the input has been read to its end
     bool ended_ = false;
     std::string bytes_;       // of the input that may be needed yet,
     std::uint64_t first_ = 0; // where they stand in the document,

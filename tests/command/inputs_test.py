@@ -34,6 +34,7 @@ WRAPPED = [
     (json.dumps({"ietf-restconf:data": {}}) + ACLS + '{"aceconv-base:acls":{}}',
      ", out of ietf-restconf:data"),
     (f"<data {NETCONF}/>\n<?xml version='1.0'?>\n" + XML, ", out of data"),
+    (f"{REPLY % f'<data>{XML}</data>'}]]>]]>\n{REPLY % '<data/>'}]]>]]>", ", out of rpc-reply, data"),
 ]
 # input, the nodes that are stepped over, and how they are named
 BESIDE = [
@@ -67,6 +68,8 @@ REFUSED = [
     (f"{XML}\n<interfaces/>", '2: <interfaces> in an unknown namespace; expected "urn:aceconv:base"\n'),
     (f"{XML}\n\n<acls {XMLNS}>\n<acl><x/>", "4: /aceconv-base:acls/acl.1.: unknown element 'x'"),
     (f"{XML}\nhello", "2: not well-formed XML"),
+    (f"{XML}\n]]>]]>\n\nhello", "4: not well-formed XML"),
+    (f"<data {NETCONF}>]]>]]></data>", "1: not well-formed XML"),
     ('{"ietf-restconf:data":\n{"i:x":1}}', '2: unknown member "i:x"; .*; --ignore-other-modules steps over'),
     ('{"ietf-restconf:data":{"aceconv-base:acl":[]}}', '1: unknown member "aceconv-base:acl"; expected'),
     ('{"ietf-restconf:data":{"ietf-restconf:data":{}}}', '1: unknown member "ietf-restconf:data"; expected'),

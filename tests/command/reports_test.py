@@ -135,6 +135,13 @@ class Reports(Case):
         self.assertIn("/deny/log", told[1]["path"])
         self.run_command("decode", "--errors", errors, bare)
         self.assertEqual(json.loads(errors.read_text())["words"], "no-action any any [grant=7]")
+        unknown = self.ok("encode", "--no-labels", stdin='{"permit":{"police":{"value":1}}}')
+        for call in (("decode",), ("check", base), ("diff", base)):  # for want of a schema
+            self.assertEqual(self.run_command(*call, "--errors", errors, "--junit", junit,
+                                              self.file("unknown", unknown))[0], 2)
+            told, = [self.valid("fault", line) for line in errors.read_text().splitlines()]
+            self.assertRegex(told["text"], "depends on the schema, .*; give --schema(-b)? base or --schema(-b)? um")
+            self.assertIn('<error message="', junit.read_text())
         self.ok("check", "-q", "--errors", errors, base)  # what a program looks at is never of another run
         self.assertEqual(errors.read_text(), "")
         for call in (("check", "--errors", base, base), ("check", "--errors", junit, "--junit", junit, base),

@@ -86,6 +86,13 @@ const Input chunk_inputs[] = {
      "xmlns:i='k'>\n<l>m<n/></l></i:j><o",
      "A@2 <entry xmlns=\"urn:aceconv:um\"/>\nA@3 <entry "
      "xmlns=\"urn:aceconv:base\">\n</entry>\n@5 : not well-formed XML: unclosed token"},
+    {"<acls xmlns='urn:aceconv:um'/>]]>]]>\n \n<?xml version='1.0'?><acls "
+     "xmlns='urn:aceconv:um'><acl><name>A</name><entry/></acl></acls>\n]]>]]>\n<entry "
+     "xmlns='urn:aceconv:um'/>]]>]]> \n",
+     "A@3 <entry xmlns=\"urn:aceconv:um\"/>\n-@5 <entry xmlns='urn:aceconv:um'/>\n"},
+    {"<acls xmlns='urn:aceconv:um'/>]]>]]>\n]]>]", "@2 : not well-formed XML: syntax error"},
+    {"83\n7\n", "@2 : column 2: the line ends inside of a byte, which is two digits",
+     InputFormat::hex},
     {"{\"aceconv-base:\\u0061cls\":{\"aceconv-base:acl\":[{\"aceconv-base:n\\u0061me\":\"\\u00e9\","
      "\"entry\":[{\"x\":\"\\u005d\"}]}]}}",
      "\xC3\xA9@1 {\"x\":\"\\u005d\"}\n"},

@@ -83,8 +83,14 @@ EntryStream::Item *Run::next() {
     } catch (const SchemaUnknown &unknown) {
         const std::string option = options_.schema_option;
         const Entry &entry = *passage_->at();
-        throw UsageError(shown_place(file(entry.position), entry.position, entry.key) +
-                         unknown.what() + "; give " + option + " base or " + option + " um");
+        const DataError fault("", std::string(unknown.what()) + "; give " + option + " base or " +
+                                      option + " um");
+        const std::string place = file(entry.position);
+        findings_->add_fault(place, entry, fault, "");
+        ++tally_.errors;
+        stopped_ = true;
+        abandon();
+        throw UsageError(fault_text(place, entry, fault, ""));
     } catch (const PipeClosed &) { // met before waiting for input
         closed_ = true;
         passage_->stop();

@@ -114,7 +114,7 @@ std::string zsh_specification(const OptionEntry &option) {
         return quoted((option.several ? "*:" : option.required ? ":" : "::") + value);
     }
     const std::string others = joined({option.name, option.letter, option.excludes});
-    std::string text = quoted("(" + others + ")");
+    std::string text = option.several ? "'*'" : quoted("(" + others + ")");
     const std::string sign = option.value.empty() ? "" : option.value_left_out ? "=-" : "=";
     text += option.letter.empty()
                 ? option.name + sign
