@@ -145,6 +145,16 @@ aceconv_code any_run(aceconv_converter *converter, Pieces &pieces) {
     return code;
 }
 
+aceconv_converter *open(aceconv_backend backend) {
+    aceconv_options options{};
+    options.size = sizeof options;
+    options.modules = ACECONV_MODULES;
+    options.backend = backend;
+    aceconv_converter *converter = nullptr;
+    require(aceconv_open(&options, &converter) == ACECONV_OK, "a converter opens");
+    return converter;
+}
+
 /// A call whose result is known.
 void check_usable(aceconv_converter *converter) {
     constexpr std::string_view entry = R"({"sequence-number":7,"grant":"deny"})";
@@ -160,25 +170,8 @@ void check_usable(aceconv_converter *converter) {
 } // namespace
 
 void check_library(Input bytes) {
-    static aceconv_converter *const converters[] = {
-        [] {
-            aceconv_options options{};
-            options.size = sizeof options;
-            options.modules = ACECONV_MODULES;
-            aceconv_converter *converter = nullptr;
-            require(aceconv_open(&options, &converter) == ACECONV_OK, "a converter opens");
-            return converter;
-        }(),
-        [] {
-            aceconv_options options{};
-            options.size = sizeof options;
-            options.modules = ACECONV_MODULES;
-            options.backend = ACECONV_BACKEND_VALIDATING;
-            aceconv_converter *converter = nullptr;
-            require(aceconv_open(&options, &converter) == ACECONV_OK, "a converter opens");
-            return converter;
-        }(),
-    };
+    static aceconv_converter *const converters[] = {open(ACECONV_BACKEND_BULK),
+                                                    open(ACECONV_BACKEND_VALIDATING)};
     Pieces pieces(bytes);
     for (int calls = 0; calls < 4 && !pieces.empty(); ++calls) {
         aceconv_converter *const converter = pieces.one_of(converters);

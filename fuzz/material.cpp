@@ -45,12 +45,6 @@ Texts values() {
     return {found.begin(), found.end()};
 }
 
-class Kept : public Taker {
-  public:
-    void write(std::string_view bytes) override { text += bytes; }
-    std::string text;
-};
-
 /// So many entries to a text.
 constexpr std::size_t in_seed = 3;
 

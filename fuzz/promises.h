@@ -8,6 +8,7 @@
 #include "compare/record_view.h"
 #include "fuzz/target.h"
 #include "stream/codec.h"
+#include "stream/output.h"
 
 namespace aceconv::fuzz {
 
@@ -25,6 +26,13 @@ inline const std::uint8_t *bytes_of(std::string_view text) {
 inline std::string_view text_of(Encoding encoding) {
     return {reinterpret_cast<const char *>(encoding.data()), encoding.size()};
 }
+
+/// An output that is only looked at.
+class Kept : public Taker {
+  public:
+    void write(std::string_view bytes) override { text += bytes; }
+    std::string text;
+};
 
 /// As the command tells it. It is one short line that drives no terminal, and its place lies
 /// within the `text` it is about.

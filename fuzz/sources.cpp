@@ -95,12 +95,6 @@ Found read(std::string_view text, const Manner &how, std::size_t piece, bool pau
     }
 }
 
-class Kept : public Taker {
-  public:
-    void write(std::string_view bytes) override { text += bytes; }
-    std::string text;
-};
-
 struct Output {
     OutputFormat write;
     InputFormat read;

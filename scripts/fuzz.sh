@@ -37,7 +37,7 @@ run() { # TARGET
   if [[ $keep == 1 ]]; then
     rm -rf "$place/kept"
     mkdir "$place/kept"
-    "${fuzzer[@]}" -max_len=1024 -use_counters=0 -set_cover_merge=1 "$place/kept" "$kept" \
+    "${fuzzer[@]}" -max_len=480 -use_counters=0 -set_cover_merge=1 "$place/kept" "$kept" \
       "$place/corpus" "$place/seeds" >"$place/log" 2>&1 || code=$?
     ((code)) || { rm -rf "$kept" && mv "$place/kept" "$kept"; }
   else
