@@ -4,6 +4,7 @@ valgrind shows a program one and the same processor wherever it runs, if only th
 one has AVX2, so that libc and simdjson choose the same code; addresses are not random.
 What is left between two counts of one program is a few instructions.
 """
+import os
 import pathlib
 import re
 import subprocess
@@ -39,7 +40,7 @@ def parse(lines):
     return costs
 
 
-def count(command, ends_with=(0,)):
+def count(command, ends_with=(0,), environment=None):
     """The instructions of one run, by (object, function)."""
     with tempfile.TemporaryDirectory() as directory:
         out = pathlib.Path(directory) / "callgrind"
@@ -47,7 +48,7 @@ def count(command, ends_with=(0,)):
             ["valgrind", "--tool=callgrind", f"--callgrind-out-file={out}",
              "--compress-strings=no", "--compress-pos=no", *map(str, command)],
             stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,
-            check=False, text=True)
+            check=False, text=True, env={**os.environ, **(environment or {})})
         if done.returncode not in ends_with:
             raise Failed(f"{' '.join(map(str, command))}: exit {done.returncode}\n{done.stderr}")
         with open(out, encoding="utf-8") as file:

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "stream/errors.h"
+#include "stream/text.h"
 
 namespace aceconv {
 
@@ -59,6 +60,9 @@ void Passage::note_key(const Entry &entry) {
     const EntryKey &key = entry.key;
     if (key.acl && key.sequence && !used_.insert(*key.acl, *key.sequence)) {
         throw DataError("", "a second entry of this sequence number");
+    }
+    if (used_.lists() > max_lists) {
+        throw StreamError("", too_many_lists());
     }
 }
 

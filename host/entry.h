@@ -25,6 +25,9 @@ constexpr std::size_t max_entry_bytes = std::size_t{1} << 20;
 /// The most members or elements in one entry's text.
 constexpr std::size_t max_entry_nodes = 4096;
 
+/// The most objects and arrays, or XML elements, that stand within each other.
+constexpr std::size_t max_levels = 256;
+
 /// Where an entry stands: the name of its access list and its sequence number,
 /// as far as they are known. Converters carry neither.
 struct EntryKey {

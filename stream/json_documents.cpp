@@ -101,6 +101,9 @@ void JsonDocuments::take_name() {
     if (!names_.insert(name).second) {
         throw StreamError(list_path(), "a second access list of the name '" + name + "'");
     }
+    if (names_.size() > max_lists) {
+        throw StreamError("", too_many_lists());
+    }
     name_ = std::move(name);
     state_ = State::members;
 }

@@ -17,6 +17,7 @@ class SequenceNumbers {
   public:
     /// False when `list` has had `number` already.
     bool insert(const std::string &list, std::uint32_t number);
+    [[nodiscard]] std::size_t lists() const { return lists_.size(); }
 
   private:
     /// The lower halves of the numbers in ascending order, or 4,096 words with a bit

@@ -102,6 +102,10 @@ std::string start_of(std::string_view text) {
     return "'" + printable(text.substr(0, length)) + (length < text.size() ? "...'" : "'");
 }
 
+std::string too_many_lists() {
+    return "more than " + std::to_string(max_lists) + " access lists";
+}
+
 std::string list_name_fault(std::string_view name) {
     if (name.empty()) {
         return "the name of an access list is empty";

@@ -38,6 +38,10 @@ constexpr std::size_t max_list_name_bytes = 4096;
 /// The most bytes that it takes in JSON, where a byte may be written as an escape.
 constexpr std::size_t max_list_name_json = 6 * max_list_name_bytes;
 
+/// The most lists in one document, and in a run that reads its inputs as one.
+constexpr std::size_t max_lists = 1'000'000;
+std::string too_many_lists();
+
 /// Why `name` cannot be the name of an access list; "" when it can.
 std::string list_name_fault(std::string_view name);
 

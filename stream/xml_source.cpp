@@ -17,7 +17,6 @@
 namespace aceconv {
 namespace {
 
-constexpr std::size_t max_depth = 256;            // levels of elements
 constexpr std::size_t max_namespace_bytes = 4096; // declared for any one element
 
 constexpr std::size_t longest_error = 1000; // bytes of a server's words
@@ -103,8 +102,8 @@ class XmlSource : public Source, private XmlInput {
 
     void start(const Name &element, std::string_view attribute) override {
         XmlNamespaces::Prefixes declared = namespaces_.take_opened();
-        if (++depth_ > max_depth) {
-            refuse("more than " + std::to_string(max_depth) + " levels of elements");
+        if (++depth_ > max_levels) {
+            refuse("more than " + std::to_string(max_levels) + " levels of elements");
         }
         if (opaque_depth_ != 0) {
             return;
@@ -239,6 +238,9 @@ class XmlSource : public Source, private XmlInput {
         }
         if (!names_.insert(name).second) {
             refuse("a second access list of the name '" + name + "'", open_.back().line);
+        }
+        if (names_.size() > max_lists) {
+            refuse(too_many_lists(), open_.back().line);
         }
         name_ = std::move(name);
         name_line_ = open_.back().line;

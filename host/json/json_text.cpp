@@ -68,6 +68,10 @@ class JsonLook {
             refuse("", walk_.in_string() ? "a JSON string does not end"
                                          : "the JSON object does not end");
         case JsonWalk::Step::open:
+            if (levels_.size() == max_levels) {
+                refuse("",
+                       "more than " + std::to_string(max_levels) + " levels of objects and arrays");
+            }
             levels_.push_back({walk_.token() == "{", names_.size(), name_});
             break;
         case JsonWalk::Step::close:

@@ -217,6 +217,35 @@ class CutShort(Case):
         self.assertRegex(done.stderr, b"^aceconv: .*/out: cannot write: No space left on device\n$")
 
 
+@unittest.skipUnless("ACECONV_FAILING" in os.environ, "sanitizers have an allocator of their own")
+class Bounded(Case):
+    """At most what docs/security.md says, in MB, of which this process lends 40 to its children."""
+
+    def test_memory(self):
+        long = (1 << 20) - 100
+        lines = ("--from-format", "ndjson", "--schema", "base")
+        for text, count, most, args in (
+                ('{"sequence-number":1,' + " " * long + '"grant":"deny"}\n', 24, 160, lines),
+                ('{"sequence-number":1,' + " " * long + '"grant":"deny"}\n', 24, 160,
+                 (*lines, "--backend", "validating")),
+                ('{"remark":' + "[" * (long // 2) + "]" * (long // 2) + "}\n", 24, 160, lines),
+                ('{"remark":[' + "1," * (long // 2) + "1]}\n", 24, 160, lines),
+                ("x\n", 100000, 48, ("--from-format", "ndjson")),
+                ('<o xmlns="u" xmlns:p="%s"%s/>\n' % ("v" * 4000, "".join(f' p:a{i}=""' for i in range(6000))),
+                 1, 100, ("--ignore-other-modules",))):
+            with self.subTest((text[:40], args)), open(self.dir / "in", "w+b") as file:
+                for _ in range(count):
+                    file.write(text.encode())
+                file.seek(0)
+                with subprocess.Popen([ACECONV, "encode", "-q", "--keep-going", "-j", "8", *args],
+                                      stdin=file, stdout=subprocess.DEVNULL,
+                                      stderr=subprocess.DEVNULL) as process:
+                    _, status, used = os.wait4(process.pid, 0)
+                    process.returncode = os.waitstatus_to_exitcode(status)
+                self.assertIn(process.returncode, (0, 2))
+                self.assertLess(used.ru_maxrss >> 10, most)
+
+
 class Progress(Case):
     def run_slowly(self, *args, call=("encode", "--schema", "base"), **streams):
         """Standard error of a run whose input takes two seconds to come."""

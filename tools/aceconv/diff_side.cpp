@@ -1,7 +1,5 @@
 #include "tools/aceconv/diff_side.h"
 
-#include <algorithm>
-
 #include "stream/errors.h"
 
 namespace aceconv::tool {
@@ -17,7 +15,12 @@ DiffSide::DiffSide(Which which, const CommonOptions &common, const InputOptions 
         encode_to_compare({codec, view, losses_wanted}, entry, product);
     };
     run_.begin(encode, (common.jobs + 1) / 2, [this](const Entry &entry, const DataError &fault) {
-        bad_.insert(key_of(entry));
+        const ComparedKey bad = key_of(entry);
+        bad_.insert(bad);
+        bad_lists_[0].insert(bad.acl);
+        if (!bad.sequence) {
+            bad_lists_[1].insert(bad.acl);
+        }
         whole_ = whole_ && dynamic_cast<const StreamError *>(&fault) == nullptr;
     });
 }
@@ -32,9 +35,8 @@ EntryStream::Item *DiffSide::next(LossAccount &account) {
 }
 
 bool DiffSide::may_have_bad(const std::optional<std::string> &acl, bool any) const {
-    return std::any_of(bad_.begin(), bad_.end(), [&](const ComparedKey &bad) {
-        return (any || !bad.sequence) && (!bad.acl || bad.acl == acl);
-    });
+    const auto &lists = bad_lists_[any ? 0 : 1];
+    return lists.contains(std::nullopt) || lists.contains(acl);
 }
 
 std::vector<std::string> DiffSide::missing() {

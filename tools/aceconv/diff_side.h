@@ -60,6 +60,7 @@ class DiffSide {
     std::map<std::pair<std::optional<std::string>, std::optional<std::uint32_t>>, std::uint64_t>
         unnamed_;
     std::set<ComparedKey> bad_;
+    std::set<std::optional<std::string>> bad_lists_[2]; // of all of them, of those without a number
     bool whole_ = true;
 };
 
