@@ -593,12 +593,14 @@ class Output(Case):
         report = self.dir / "report"  # a reader of the report goes, and the output is whole
         os.mkfifo(report)
         out = self.dir / "out"
-        with subprocess.Popen([ACECONV, "convert", "-q", "--no-losses", "--schema", "um", "--to", "base",
-                               many, "-o", out, "--report", report]) as process:
-            with open(report, "rb") as reader:
-                reader.read(10)
-            self.assertEqual(process.wait(60), 0)
-        self.assertEqual(len(self.records(out)), 4000)
+        for to in (report, "-"):
+            with subprocess.Popen([ACECONV, "convert", "-q", "--no-losses", "--schema", "um", "--to", "base",
+                                   many, "-o", out, "--report", to], stdout=subprocess.PIPE) as process:
+                with open(report, "rb") if to == report else process.stdout as reader:
+                    reader.read(10)
+                self.assertEqual(process.wait(60), 0)
+            self.assertEqual(len(self.records(out)), 4000)
+            out.unlink()
 
 
 class Terminal(Case):
