@@ -65,7 +65,7 @@ def flags(text):
 
 
 def members(number):
-    return "{" + ",".join(f'"m{number}{i}":1' for i in range(100)) + "}\n"
+    return "{" + ",".join(f'"m{number}{i}":1' for i in range(10)) + "}\n"
 
 
 def numbered(number):
