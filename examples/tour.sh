@@ -46,6 +46,7 @@ heading "Migrate what the base schema cannot say: every loss is named"
 try 'aceconv convert --to base um-only.json -q 2>&1 > base.json | head -n 4'
 try 'aceconv convert --to base um-only.json --no-losses --strict --report losses.json -o base.json'
 try 'grep -c reason losses.json'
+try 'aceconv convert --to base um-only.json -q --no-losses -o base.json --html report.html; grep "class=.verdict" report.html'
 
 heading "Write a list anew: another format, one order of nodes"
 try 'aceconv convert --to base border-filter.json --format ndjson -o rules.ndjson'
@@ -57,6 +58,10 @@ try "echo '{\"permit\":{\"log\":{},\"log-input\":{}}}' | aceconv check"
 
 heading "What has been changed?"
 try "sed '0,/\"deny\"/s//\"permit\"/' border-filter.json > edited.json; aceconv diff border.bags edited.json"
+
+heading "An inserted rule, and new numbers: still one change"
+try "sed '4p' rules.ndjson | awk '{ sub(/\"sequence-number\":[0-9]+/, \"\\\"sequence-number\\\":\" 5 * NR); print }' > inserted.ndjson"
+try 'aceconv diff --by content rules.ndjson inserted.ndjson'
 
 heading "Bad entries are told with their place; the others can go on"
 try "sed '2s/deny/drop/' rules.ndjson > bad.ndjson; aceconv encode bad.ndjson -o bad.bags"
