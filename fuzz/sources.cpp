@@ -42,6 +42,7 @@ struct Found {
 
 Found found(Source &source, std::string_view text) {
     Found all;
+    std::string empty; // lists, which are told whenever somebody asks
     std::uint64_t last = 0;
     for (bool more = true; more;) {
         Entry entry;
@@ -67,10 +68,10 @@ Found found(Source &source, std::string_view text) {
             more = false;
         }
         for (const EmptyList &list : source.take_empty_lists()) {
-            all.told += "empty: " + list.acl + " " + std::to_string(list.position.line) + "\n";
+            empty += list.acl + " " + std::to_string(list.position.line) + "\n";
         }
     }
-    all.told += source.surroundings().text();
+    all.told += empty + source.surroundings().text();
     return all;
 }
 
