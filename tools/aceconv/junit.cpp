@@ -1,9 +1,8 @@
 #include "tools/aceconv/junit.h"
 
-#include <ctime>
-
 #include "host/xml_parser.h"
 #include "stream/text.h"
+#include "tools/aceconv/report.h"
 
 namespace aceconv::tool {
 namespace {
@@ -16,15 +15,6 @@ std::string xml_text(const std::string &text) {
 
 std::string attribute(const std::string &name, const std::string &value) {
     return " " + name + "=\"" + xml_text(value) + "\"";
-}
-
-std::string now() {
-    const std::time_t time = std::time(nullptr);
-    std::tm parts{};
-    char text[32];
-    gmtime_r(&time, &parts);
-    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &parts);
-    return text;
 }
 
 } // namespace
@@ -87,7 +77,7 @@ void JunitReport::write_case(const TestCase &test) {
 
 Output *JunitReport::finish(double seconds) {
     output_.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuite name=\"aceconv\"" +
-                  attribute("timestamp", now()) + " hostname=\"localhost\"" +
+                  attribute("timestamp", utc_now()) + " hostname=\"localhost\"" +
                   attribute("tests", std::to_string(cases_.size())) +
                   attribute("failures", std::to_string(count(Grade::failure))) +
                   attribute("errors", std::to_string(count(Grade::error))) +

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <unistd.h>
 #include <utility>
 
@@ -58,6 +59,15 @@ std::string Style::paint(const char *code, std::string_view text) const {
 
 std::string shown_line(std::string_view line) {
     return shortened(escaped(line));
+}
+
+std::string utc_now() {
+    const std::time_t time = std::time(nullptr);
+    std::tm parts{};
+    char text[32];
+    gmtime_r(&time, &parts);
+    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &parts);
+    return text;
 }
 
 std::string shown_name(const std::string &path) {

@@ -38,6 +38,9 @@ class Style {
     bool on_;
 };
 
+/// Now, as "2026-01-31T23:59:59", in UTC.
+std::string utc_now();
+
 /// "<stdin>" for "-".
 std::string shown_name(const std::string &path);
 

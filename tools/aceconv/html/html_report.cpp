@@ -1,13 +1,13 @@
 #include "tools/aceconv/html/html_report.h"
 
 #include <algorithm>
-#include <ctime>
 #include <sstream>
 
 #include "aceconv/version.h"
 #include "host/bag_library.h"
 #include "stream/text.h"
 #include "tools/aceconv/progress.h"
+#include "tools/aceconv/report.h"
 
 namespace aceconv::tool {
 namespace {
@@ -38,15 +38,6 @@ constexpr VerbWords verbs[] = {
 const VerbWords &words_of(const std::string &verb) {
     return *std::find_if(std::begin(verbs), std::end(verbs),
                          [&verb](const VerbWords &words) { return words.verb == verb; });
-}
-
-std::string now() {
-    const std::time_t time = std::time(nullptr);
-    std::tm parts{};
-    char text[32];
-    gmtime_r(&time, &parts);
-    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts);
-    return text;
 }
 
 std::string fact(const char *name, const std::string &markup) {
@@ -185,7 +176,7 @@ std::string HtmlReport::facts(const RunEnd &end) const {
     return fact("Command", call_markup(command_)) + fact("aceconv", ACECONV_VERSION) +
            fact("Record", html_text(end.plugin.descriptor->type_name) + " <code>" +
                               html_text(bag_fingerprint(*end.plugin.descriptor)) + "</code>") +
-           fact("Finished", "<time>" + now() + "</time>");
+           fact("Finished", "<time>" + utc_now() + "Z</time>");
 }
 
 std::string HtmlReport::files(const RunEnd &end) const {
