@@ -84,6 +84,18 @@ std::size_t leading_blanks(Window &window) {
     return blanks;
 }
 
+/// It shows by its mark, or by the null in its first character, which is ASCII.
+void refuse_utf16(Window &window) {
+    window.want(2);
+    const std::string_view first = window.view().substr(0, 2);
+    const bool marked = first == "\xFE\xFF" || first == "\xFF\xFE";
+    const bool wide = first.size() == 2 && (first[0] == '\0') != (first[1] == '\0') &&
+                      static_cast<unsigned char>(first[0] | first[1]) < 0x80;
+    if (marked || wide) {
+        throw StreamError("", "the encoding UTF-16; expected UTF-8");
+    }
+}
+
 InputFormat recognise(Window &window) {
     const std::size_t blanks = leading_blanks(window);
     const auto first = static_cast<unsigned char>(window.view()[blanks]);
@@ -124,6 +136,9 @@ std::unique_ptr<Source> make_source(Window window, std::optional<InputFormat> fo
     window.want(byte_order_mark.size());
     if (format != InputFormat::cbor && window.view().substr(0, 3) == byte_order_mark) {
         window.take(byte_order_mark.size());
+    }
+    if (format != InputFormat::cbor) {
+        refuse_utf16(window);
     }
     if (!format) {
         format = recognise(window);

@@ -8,6 +8,18 @@
 #include "stream/errors.h"
 
 namespace aceconv {
+namespace {
+
+// They tell the parser the encoding, by themselves: what it gets with them it would look at for
+// signs of another one, token by token.
+constexpr std::size_t first_bytes = 2;
+
+bool is_ascii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) - 1U < 0x7F; });
+}
+
+} // namespace
 
 std::string longer_than(std::size_t bytes) {
     return "longer than " + std::to_string(bytes) + " bytes";
@@ -105,13 +117,24 @@ bool XmlInput::feed() {
     if (!std::exchange(again_, false)) {
         read_more();
     }
+    while (fed_ == 0 && bytes_.size() < first_bytes && !last_) {
+        read_more();
+    }
     std::string_view pending = std::string_view(bytes_).substr(fed_ - first_);
+    if (fed_ == 0 && !is_ascii(pending.substr(0, first_bytes))) {
+        throw DataError("", "not well-formed XML: unexpected character", line());
+    }
     const std::size_t whole = pieces_.whole(pending);
     if (whole == 0 && pieces_.long_tag()) {
         throw DataError("", "a tag " + longer_than(max_tag_bytes), line());
     }
     const bool all = last_ && !pieces_.long_tag();
     pending = pending.substr(0, all ? pending.size() : whole);
+    if (fed_ == 0 && pending.size() > first_bytes) {
+        parse(pending.substr(0, first_bytes), false);
+        pending.remove_prefix(first_bytes);
+        fed_ = first_bytes;
+    }
     fed_ += pending.size();
     return parse(pending, all);
 }

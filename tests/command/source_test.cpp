@@ -64,6 +64,8 @@ std::string told_by(const std::string &text, std::size_t split, bool pauses = fa
     return told;
 }
 
+using namespace std::string_literals;
+
 struct Input {
     std::string text;
     const char *told;
@@ -91,6 +93,13 @@ const Input chunk_inputs[] = {
      "xmlns='urn:aceconv:um'/>]]>]]> \n",
      "A@3 <entry xmlns=\"urn:aceconv:um\"/>\n-@5 <entry xmlns='urn:aceconv:um'/>\n"},
     {"<acls xmlns='urn:aceconv:um'/>]]>]]>\n]]>]", "@2 : not well-formed XML: syntax error"},
+    // Nothing is taken for another encoding than what it begins with.
+    {"<!-- --> \0<\0a\0/\0>\0"s, "@1 : not well-formed XML: unexpected character"},
+    {"<!-- -->\xEF\xBB\xBF<acls xmlns='urn:aceconv:um'/>",
+     "@1 : not well-formed XML: unexpected character"},
+    {"\xEF\xBB\xBF\xE0\0\ba"s, "@1 : not well-formed XML: unexpected character", InputFormat::xml},
+    {"<\0a\0/\0>\0"s, "@0 : the encoding UTF-16; expected UTF-8"},
+    {"\xFF\xFE{\0}\0"s, "@0 : the encoding UTF-16; expected UTF-8"},
     {"83\n7\n", "@2 : column 2: the line ends inside of a byte, which is two digits",
      InputFormat::hex},
     {"{\"aceconv-base:\\u0061cls\":{\"aceconv-base:acl\":[{\"aceconv-base:n\\u0061me\":\"\\u00e9\","
