@@ -203,6 +203,12 @@ bool XmlParser::something_follows() const {
     return XML_GetErrorCode(parser_.get()) == XML_ERROR_JUNK_AFTER_DOC_ELEMENT;
 }
 
+bool XmlParser::is_cut_off() const {
+    constexpr std::array open = {XML_ERROR_NO_ELEMENTS, XML_ERROR_UNCLOSED_TOKEN,
+                                 XML_ERROR_PARTIAL_CHAR, XML_ERROR_UNCLOSED_CDATA_SECTION};
+    return std::find(open.begin(), open.end(), XML_GetErrorCode(parser_.get())) != open.end();
+}
+
 std::uint64_t XmlParser::piece_end() const {
     return begin_ + static_cast<std::uint64_t>(current_count(parser_.get()));
 }

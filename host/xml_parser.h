@@ -35,6 +35,8 @@ class XmlParser {
     /// Whether the fault that was thrown last is that something follows the document,
     /// which may be another one, at piece_begin().
     [[nodiscard]] bool something_follows() const;
+    /// Whether it is that the document ends before its time.
+    [[nodiscard]] bool is_cut_off() const;
 
   protected:
     struct Name {

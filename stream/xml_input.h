@@ -22,9 +22,6 @@ class XmlInput : protected XmlParser {
     /// Goes on to the next pause(); false at the end of the input. Throws what is thrown on the
     /// way and DataError; nothing follows that.
     bool advance();
-    /// The last byte has been read.
-    [[nodiscard]] bool at_end() const { return last_; }
-
     /// Where in the document begins what is needed yet; it is let go beyond max_entry_bytes.
     [[nodiscard]] virtual std::optional<std::uint64_t> needed() const = 0;
     /// What stands there, nothing if it has been let go.

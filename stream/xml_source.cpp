@@ -53,7 +53,7 @@ class XmlSource : public Source, private XmlInput {
         try {
             return XmlInput::advance();
         } catch (const DataError &fault) {
-            const bool cut_off = at_end() && !open_.empty();
+            const bool cut_off = is_cut_off() && !open_.empty();
             fault_line_ = cut_off ? open_.back().line : fault.line();
             throw StreamError(path(), !cut_off     ? fault.what()
                                       : in_entry() ? "the input ends inside an entry"

@@ -2,7 +2,8 @@
    the FROMth, counted from 0, and the COUNT - 1 behind it, with that errno; where ERROR is 0, reads
    and writes do a single byte instead. With COUNT 0 a signal comes behind the call. "stack": the
    FROMth allocation of another thread than the first one has no end of stack. At the end the names
-   of the calls are written to CALLS, allocations as their number in front. */
+   of the calls are written to CALLS, allocations as their number in front, and how many of them
+   come behind the first name that an output gets. */
 #define _GNU_SOURCE
 #undef _FORTIFY_SOURCE
 /* Declared with an ellipsis, which cannot be passed on. */
@@ -39,6 +40,8 @@ static struct {
 } fault;
 
 static atomic_uint allocations;
+static atomic_uint allocations_behind; // the first output that got its name
+static atomic_int named;
 static char called[1 << 20];
 static atomic_uint called_bytes;
 
@@ -53,17 +56,30 @@ __attribute__((destructor)) static void write_calls(void) {
     const char *calls = getenv("CALLS");
     if (calls != NULL) {
         const int file = (int)syscall(SYS_openat, AT_FDCWD, calls, O_WRONLY | O_CREAT, 0600);
-        dprintf(file, "%u%s\n", atomic_load(&allocations), called);
+        dprintf(file, "%u %u%s\n", atomic_load(&allocations), atomic_load(&allocations_behind),
+                called);
         syscall(SYS_close, file);
     }
 }
 
 static void note(const char *name) {
+    if (strcmp(name, "renameat2") == 0) {
+        atomic_store(&named, 1);
+    }
     const size_t size = strlen(name) + 1;
     const unsigned at = atomic_fetch_add(&called_bytes, (unsigned)size);
     if (at + size < sizeof called) {
         called[at] = ' ';
         memcpy(&called[at + 1], name, size - 1);
+    }
+}
+
+static _Thread_local int signal_due;
+
+static void end_call(void) {
+    if (signal_due) {
+        signal_due = 0;
+        raise(SIGTERM);
     }
 }
 
@@ -73,9 +89,7 @@ static int fails(const char *name) {
         return 0;
     }
     const unsigned number = atomic_fetch_add(&fault.met, 1);
-    if (number == fault.from && fault.count == 0) {
-        raise(SIGTERM);
-    }
+    signal_due = number == fault.from && fault.count == 0;
     errno = fault.error;
     return number >= fault.from && number - fault.from < fault.count;
 }
@@ -124,6 +138,7 @@ static int endless(volatile char *above) {
 
 static int allocation_fails(void) {
     atomic_fetch_add(&allocations, 1);
+    atomic_fetch_add(&allocations_behind, (unsigned)atomic_load(&named));
     if (strcmp(fault.name, "stack") == 0 && gettid() != getpid() && fails("stack")) {
         char above = 0;
         endless(&above);
@@ -154,7 +169,9 @@ void *realloc(void *block, size_t size) {
             before;                                                                                \
             return failure;                                                                        \
         }                                                                                          \
-        return next(__VA_ARGS__);                                                                  \
+        type result = next(__VA_ARGS__);                                                           \
+        end_call();                                                                                \
+        return result;                                                                             \
     }
 /* One that may do less than it was asked for. */
 #define PARTIAL(type, name, parameters, ...)                                                       \
@@ -204,5 +221,6 @@ int mkostemp(char *name, int flags) {
         snprintf(made[made_count], sizeof made[0], "%s", name);
         snprintf(kept[made_count++], sizeof kept[0], "%s.kept", name);
     }
+    end_call();
     return file;
 }

@@ -93,6 +93,8 @@ const Input chunk_inputs[] = {
      "xmlns='urn:aceconv:um'/>]]>]]> \n",
      "A@3 <entry xmlns=\"urn:aceconv:um\"/>\n-@5 <entry xmlns='urn:aceconv:um'/>\n"},
     {"<acls xmlns='urn:aceconv:um'/>]]>]]>\n]]>]", "@2 : not well-formed XML: syntax error"},
+    {"<acls xmlns='urn:aceconv:um'><acl><name>A</name>\n<entry><a></a\xF1></c>",
+     "@2 : not well-formed XML: unexpected character"},
     // Nothing is taken for another encoding than what it begins with.
     {"<!-- --> \0<\0a\0/\0>\0"s, "@1 : not well-formed XML: unexpected character"},
     {"<!-- -->\xEF\xBB\xBF<acls xmlns='urn:aceconv:um'/>",

@@ -143,7 +143,8 @@ void Run::compose_verdicts() {
     }
 }
 
-void Run::merge(const Run &other) {
+void Run::merge(Run &other) {
+    other.passage_.reset();
     tally_.entries += other.tally_.entries;
     tally_.errors += other.tally_.errors;
     surroundings_.add(other.source_.surroundings());
@@ -190,6 +191,7 @@ RunEnd Run::end() {
 }
 
 void Run::commit(std::vector<Output *> outputs) {
+    passage_.reset(); // libyang asks for memory when it ends; no run fails behind its outputs
     compose_summary();
     findings_->commit(std::move(outputs), end());
 }

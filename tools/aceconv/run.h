@@ -93,8 +93,8 @@ class Run {
     [[nodiscard]] Tally &tally() { return tally_; }
     /// What one input has come to.
     [[nodiscard]] const Tally &tally_of(std::size_t input) const { return tallies_[input]; }
-    /// Makes the other run's account a part of this one's.
-    void merge(const Run &other);
+    /// Ends the other run, whose account becomes a part of this one's.
+    void merge(Run &other);
 
     /// Says the summary, unless it is to be quiet; returns the exit code. Behind finish or commit,
     /// and allocates nothing: what has its place already must not be followed by a failure.
