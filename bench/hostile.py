@@ -9,7 +9,9 @@ more for a byte than the row allows, the row fails: what grows with the square s
 and a factor of thousands whatever it grows with. Rows are what once took too long, or would if each byte
 were looked at as often as it could be.
 """
+import collections
 import concurrent.futures
+import contextlib
 import itertools
 import os
 import pathlib
@@ -72,6 +74,12 @@ def numbered(number):
     return '{"acl":"X","entry":{"sequence-number":%d}}\n' % (70000 - number)
 
 
+def two_lists(size):
+    """Bad entries, and as many bytes of entries that the other list does not have."""
+    return (up_to(size // 2, lambda i: '{"sequence-number":%d,"x":1}\n' % i),
+            up_to(size // 2, lambda i: '{"sequence-number":%d}\n' % (100000 + i)))
+
+
 def outlines(number):
     """An entry of a list, of which no two limit the same bits."""
     return '{"acl":"X","entry":{"sequence-number":%d,"grant":"deny","source-network":{' \
@@ -79,8 +87,9 @@ def outlines(number):
                number, number >> 8 & 255, number & 255)
 
 
-# Name, arguments, whether a read gives one byte, the input of so many bytes, instructions a byte.
-ROWS = (
+# Whether a read gives one byte, the input of so many bytes, or two of them, and instructions a byte.
+Row = collections.namedtuple("Row", "name arguments by_byte make allowed least", defaults=(BYTES,))
+ROWS = tuple(Row(*row) for row in (
     ("XML: attributes of one element", ENCODE + " --ignore-other-modules", False,
      lambda n: DATA % ('<o xmlns="u"' + up_to(n, lambda i: f' a{i}=""') + "/>"), READ),
     ("XML: attributes in a long namespace", ENCODE + " --ignore-other-modules", False,
@@ -120,28 +129,34 @@ ROWS = (
      lambda n: b"\x81\x01" * (n // 2), MESSAGES),
     ("lint: limits of other bits", "lint -q -j 1 --from-format ndjson --schema base", False,
      lambda n: up_to(n, outlines), READ),
-)
+    ("diff: bad entries here, others there", "diff -q --keep-going -j 1 --schema base", False,
+     two_lists, MESSAGES, 8 * BYTES),
+))
 
 
-def count(build, arguments, by_byte, data):
-    with tempfile.NamedTemporaryFile() as file:
-        file.write(data if isinstance(data, bytes) else data.encode())
-        file.flush()
+def count(build, row, size):
+    made = row.make(size)
+    with contextlib.ExitStack() as stack:
+        names = []
+        for data in made if isinstance(made, tuple) else (made,):
+            file = stack.enter_context(tempfile.NamedTemporaryFile())
+            file.write(data if isinstance(data, bytes) else data.encode())
+            file.flush()
+            names.append(file.name)
         return sum(callgrind.count(
-            [build / "bin/aceconv", *arguments.split(" "), file.name], (0, 1, 2),
-            {"LD_PRELOAD": str(build / "lib/libone_byte_reads.so")} if by_byte else {}).values())
+            [build / "bin/aceconv", *row.arguments.split(" "), *names], (0, 1, 2),
+            {"LD_PRELOAD": str(build / "lib/libone_byte_reads.so")} if row.by_byte else {}).values())
 
 
 def faults(build, row):
     """What is wrong with a row."""
-    name, arguments, by_byte, make, allowed = row
-    few, more, most = (count(build, arguments, by_byte, make(BYTES * size)) for size in (1, 2, 4))
-    growth, of_byte = (most - more) / (more - few), (most - more) / (2 * BYTES)
-    print(f"{name:45} {of_byte:8,.0f} a byte, times {growth:.2f}", flush=True)
+    few, more, most = (count(build, row, row.least * times) for times in (1, 2, 4))
+    growth, of_byte = (most - more) / (more - few), (most - more) / (2 * row.least)
+    print(f"{row.name:45} {of_byte:8,.0f} a byte, times {growth:.2f}", flush=True)
     if growth > MOST_GROWTH:
-        yield f"{name}: {growth:.1f} times the instructions for twice the bytes"
-    if of_byte > allowed:
-        yield f"{name}: {of_byte:,.0f} instructions a byte; at most {allowed:,}"
+        yield f"{row.name}: {growth:.1f} times the instructions for twice the bytes"
+    if of_byte > row.allowed:
+        yield f"{row.name}: {of_byte:,.0f} instructions a byte; at most {row.allowed:,}"
 
 
 def main():

@@ -304,14 +304,18 @@ class Messages(Case):
             _, _, err = self.run_command("encode", stdin=text)
             self.assertEqual([c for c in err[:-1] if not c.isprintable()], [])
             self.assertIn(shown, err)
-        name = self.file("\x1b[31m\u202e\x85", lossy := '{"permit":{},"deny":{}}\n')
-        for args in (("inspect", name, self.file("lossy", lossy)), ("check", name, self.dir / "lossy"),
-                     ("diff", self.file("none", document("base")), name), ("encode", name, "-o", name)):
-            for color in ((), ("--color", "always")):
-                _, out, err = self.run_command(*args, *color)
-                said = re.sub(r"\x1b\[(0|1|2|31|32|31;1|31;7|32;7)m", "", out.decode() + err)
-                self.assertEqual([c for c in said if not c.isprintable() and c != "\n"], [])
-                self.assertIn("\\x1b[31m\\xe2\\x80\\xae\\xc2\\x85", said)
+        lossy = '{"permit":{},"deny":{}}\n'
+        for name, shown in (("\x1b[31m\u202e\x85", "\\x1b[31m\\xe2\\x80\\xae\\xc2\\x85"),
+                            ("a\u061c\u200f\u202e\u2067\u2028\x85\xe9", "a\\xd8\\x9c\\xe2\\x80\\x8f\\xe2\\x80\\xae"
+                             "\\xe2\\x81\\xa7\\xe2\\x80\\xa8\\xc2\\x85\xe9")):
+            path = self.file(name, lossy)
+            for args in (("inspect", path, self.file("lossy", lossy)), ("check", path, self.dir / "lossy"),
+                         ("diff", self.file("none", document("base")), path), ("encode", path, "-o", path)):
+                for color in ((), ("--color", "always")):
+                    _, out, err = self.run_command(*args, *color)
+                    said = re.sub(r"\x1b\[(0|1|2|31|32|31;1|31;7|32;7)m", "", out.decode() + err)
+                    self.assertEqual([c for c in said if not c.isprintable() and c != "\n"], [])
+                    self.assertIn(shown, said)
 
 
 class KeepGoing(Case):
