@@ -11,7 +11,7 @@ import sys
 import time
 import unittest
 
-from harness import ACECONV, Case
+from harness import ACECONV, LONG, Case
 
 SOURCE = pathlib.Path(os.environ["ACECONV_SOURCE"])
 PAGE = (SOURCE / "docs" / "bulk.md").read_text()
@@ -119,7 +119,7 @@ class Cluster(Case):
         self.expect_the_bytes_of_one_process("sbatch")
 
     @unittest.skipUnless(DASK, "Dask is not installed (python3-distributed)")
-    @unittest.skipUnless(os.environ.get("ACECONV_LONG_TESTS"), "with the long tests")
+    @unittest.skipUnless(LONG, "with the long tests")
     def test_dask(self):
         (self.dir / "bin/python3").symlink_to(DASK)
         self.expect_the_bytes_of_one_process("dask_parts.py")

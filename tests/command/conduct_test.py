@@ -9,7 +9,7 @@ import subprocess
 import time
 import unittest
 
-from harness import ACECONV, EXAMPLES, Case, document, numbered
+from harness import ACECONV, EXAMPLES, LONG, Case, document, numbered
 
 GOOD = {"grant": "deny", "remark": "r"}
 LOSSY = {"permit": {"police": {"value": 1}}}  # the base schema has no police
@@ -131,6 +131,9 @@ BAD_INPUT = [
     ('{"grant":' + "[" * 300 + "]" * 300 + "}", r"1: .*: more than 256 levels of objects and arrays"),
     ('{"aceconv-base:acls":{"acl":[' + ",\n".join('{"name":"%d"}' % i for i in range(1000002)) + "]}}",
      r"1000001: .*more than 1000000 access lists"),
+    *((before + "".join(a_list % i for i in range(1000002)), r"1000001: .*more than 1000000 access lists")
+      for before, a_list in ((f"<acls {XMLNS}>", "<acl><name>%d</name></acl>\n"),
+                             ("", '{"acl":"%d","entry":{"sequence-number":1}}\n')) if LONG),
     (f"<entry {XMLNS}>\n" + "<tcp>" * 300, r"2: more than 256 levels of elements"),
     ("<acls " + "".join(f" xmlns:p{i}='u'" for i in range(4000)) + "/>",
      r"1: namespace declarations longer than 4096 bytes"),

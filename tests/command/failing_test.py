@@ -12,9 +12,8 @@ import subprocess
 import tempfile
 import unittest
 
-from harness import ACECONV, TIMES, Case, document, numbered
+from harness import ACECONV, LONG, TIMES, Case, document, numbered
 
-LONG = "ACECONV_LONG_TESTS" in os.environ
 FOR_GOOD = 1 << 30
 LOSSY = {"permit": {"police": {"value": 1}}}
 GOOD = {"grant": "deny", "remark": "r", "protocol": 6}

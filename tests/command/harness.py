@@ -11,6 +11,7 @@ import unittest
 
 ACECONV = os.environ["ACECONV"]
 EXAMPLES = pathlib.Path(os.environ["ACECONV_SOURCE"]) / "examples"
+LONG = "ACECONV_LONG_TESTS" in os.environ
 SUMMARY = re.compile(r"aceconv: (stopped: )?((\d+ entr(y matches|ies match) more than before; )?"
                      r"\d+ entr(y|ies), \d+ errors?.*); [\d.]+ s, "
                      r"\d+ entries a second\n\Z")
