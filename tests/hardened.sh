@@ -28,8 +28,9 @@ for file; do
     want 'read-only relocations' shows -l 'GNU_RELRO'
     want 'binding at start' shows -d 'BIND_NOW|FLAGS.* NOW'
     want 'stack without code' shows -l 'GNU_STACK.* RW '
-    # An empty element of it is the folder that the program is called from.
-    want 'run path of folders' test -z "$(readelf -dW "$file" | grep -E 'R(UN)?PATH' | grep -E '\[:|::|:\]|\[\]')"
+    # Any other folder, the current one for an empty element, could hold somebody else's libraries.
+    want 'run path relative to itself' test -z "$(readelf -dW "$file" | sed -nE 's/.*R(UN)?PATH.*\[(.*)\]/\2/p' |
+        tr ':' '\n' | grep -vE '^[$]ORIGIN(/|$)' | sed 's/^$/(empty)/')"
     want 'stack protector' imports '__stack_chk_fail'
     if shows -h 'Machine:.*X86-64'; then
         # Not the mark on the file, which start files of the system may not let it have.
