@@ -86,11 +86,12 @@ EntryStream::Item *Run::next() {
         const DataError fault("", std::string(unknown.what()) + "; give " + option + " base or " +
                                       option + " um");
         const std::string place = file(entry.position);
+        const std::string said = fault_text(place, entry, fault, "");
         findings_->add_fault(place, entry, fault, "");
         ++tally_.errors;
         stopped_ = true;
-        abandon();
-        throw UsageError(fault_text(place, entry, fault, ""));
+        abandon(); // and with it the entry
+        throw UsageError(said);
     } catch (const PipeClosed &) { // met before waiting for input
         closed_ = true;
         passage_->stop();

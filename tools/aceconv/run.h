@@ -80,7 +80,7 @@ class Run {
             source_.take_digests();
         }
     }
-    /// Nothing is made; what has been found is.
+    /// Nothing is made; what has been found is. Ends the run, and with it the entry at hand.
     void abandon() { commit({}); }
     /// Puts these files in their places, together with what has been found; null is none.
     void commit(std::vector<Output *> outputs);
