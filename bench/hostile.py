@@ -87,7 +87,8 @@ def outlines(number):
                number, number >> 8 & 255, number & 255)
 
 
-# Whether a read gives one byte, the input of so many bytes, or two of them, and instructions a byte.
+# Whether a read gives one byte; what makes the input, or two of them, of so many bytes; the most
+# instructions a byte; the fewest bytes at which it would show.
 Row = collections.namedtuple("Row", "name arguments by_byte make allowed least", defaults=(BYTES,))
 ROWS = tuple(Row(*row) for row in (
     ("XML: attributes of one element", ENCODE + " --ignore-other-modules", False,

@@ -133,11 +133,11 @@ InputFormat recognise(Window &window) {
 
 std::unique_ptr<Source> make_source(Window window, std::optional<InputFormat> format,
                                     std::optional<Schema> schema, OtherModules others) {
-    window.want(byte_order_mark.size());
-    if (format != InputFormat::cbor && window.view().substr(0, 3) == byte_order_mark) {
-        window.take(byte_order_mark.size());
-    }
     if (format != InputFormat::cbor) {
+        window.want(byte_order_mark.size());
+        if (window.view().starts_with(byte_order_mark)) {
+            window.take(byte_order_mark.size());
+        }
         refuse_utf16(window);
     }
     if (!format) {

@@ -14,6 +14,7 @@ namespace {
 // signs of another one, token by token.
 constexpr std::size_t first_bytes = 2;
 
+/// And has no null.
 bool is_ascii(std::string_view text) {
     return std::all_of(text.begin(), text.end(),
                        [](char c) { return static_cast<unsigned char>(c) - 1U < 0x7F; });
